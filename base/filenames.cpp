@@ -1,0 +1,40 @@
+#include "base/filenames.h"
+
+#include "base/utctext.h"
+
+#include <QDateTime>
+
+namespace {
+
+/**
+ * Trims @p text, turns everything that is neither a letter nor a number (in any script), "_" or
+ * "-" into "_", and folds runs of "_" into one; @p fallback when that leaves nothing.
+ */
+QString safePart(const QString &text, const QString &fallback)
+{
+    const QLatin1Char underscore('_');
+    const QString trimmed = text.trimmed();
+    QString part;
+    part.reserve(trimmed.size());
+    for (const QChar character : trimmed) {
+        const bool kept = character.isLetterOrNumber() || character == QLatin1Char('-');
+        if (kept)
+            part.append(character);
+        else if (!part.endsWith(underscore))
+            part.append(underscore);
+    }
+    return part.isEmpty() ? fallback : part;
+}
+
+} // namespace
+
+QString FileNames::datasourceFolder(const QString &nickname, const QDateTime &startUtc)
+{
+    return QStringLiteral("%1_%2").arg(safePart(nickname, QStringLiteral("source")),
+                                       UtcText::toFolderText(startUtc));
+}
+
+QString FileNames::roiPart(const QString &name)
+{
+    return safePart(name, QStringLiteral("ROI"));
+}

@@ -1,0 +1,33 @@
+#include "base/jsonfile.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+
+JsonFile::SaveResult JsonFile::save(const QString &path, const QJsonObject &object)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return SaveResult::CannotOpen;
+    file.write(QJsonDocument(object).toJson(QJsonDocument::Indented));
+    return file.commit() ? SaveResult::Saved : SaveResult::CannotCommit;
+}
+
+std::optional<QJsonObject> JsonFile::load(const QString &path, QString *errorText)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (errorText)
+            *errorText = file.errorString();
+        return std::nullopt;
+    }
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    if (!document.isObject()) {
+        if (errorText)
+            *errorText = error.errorString();
+        return std::nullopt;
+    }
+    return document.object();
+}

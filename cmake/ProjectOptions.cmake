@@ -1,0 +1,30 @@
+# orvik_options: what every target of ours is compiled with.
+
+option(ORVIK_WERROR "Treat compiler warnings as errors" OFF)
+option(ORVIK_BENCH "Build the benchmarks" OFF)
+set(ORVIK_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_AUTOUIC ON)
+set(CMAKE_AUTORCC ON)
+
+add_library(orvik_options INTERFACE)
+target_compile_definitions(orvik_options INTERFACE
+  QT_NO_CAST_FROM_ASCII
+  QT_NO_CAST_TO_ASCII
+  QT_NO_URL_CAST_FROM_STRING
+  QT_STRICT_ITERATORS
+  QT_DEPRECATED_WARNINGS
+  QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
+target_compile_options(orvik_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+  $<$<BOOL:${ORVIK_WERROR}>:-Werror>)
+
+if(ORVIK_SANITIZE)
+  target_compile_options(orvik_options INTERFACE
+    -fsanitize=${ORVIK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(orvik_options INTERFACE -fsanitize=${ORVIK_SANITIZE})
+endif()

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QStringList>
+
+namespace FfmpegCommand {
+
+/**
+ * The argument list that encodes a numbered PNG sequence as H.264.
+ *
+ * @param inputPattern  as ffmpeg's image sequence reader takes it, relative to its working
+ * directory
+ */
+QStringList arguments(int fps, const QString &inputPattern, int crf, const QString &outputFile);
+
+} // namespace FfmpegCommand

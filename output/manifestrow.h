@@ -1,0 +1,27 @@
+#pragma once
+
+#include "acquisition/framerequest.h"
+
+#include <QDateTime>
+#include <QJsonObject>
+#include <QString>
+
+/// How one request ended.
+enum class FrameStatus { Ok, RejectedTime, Duplicate, CorruptImage, DownloadError, LookupError };
+
+/// The word that the manifest stores.
+QString toText(FrameStatus status);
+
+/// One outcome, as it is entered in the ledger.
+struct ManifestRow
+{
+    FrameRequest request;
+    QDateTime actualUtc; ///< invalid when the service named no image
+    qint64 imageId = -1; ///< below 1 when none is known
+    qint64 deltaSeconds = 0;
+    int toleranceSeconds = 0;
+    QString file;       ///< relative to the session; empty when no original was kept
+    QString videoFrame; ///< relative to the session; empty when no annotated copy was made
+    FrameStatus status = FrameStatus::Ok;
+    QJsonObject metadata; ///< the closest-image answer
+};
