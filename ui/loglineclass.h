@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+/// What kind of message a log line is, told from its words.
+namespace LogLineClass {
+
+enum class LineClass { Plain, Info, Success, Warning, Error };
+
+/**
+ * The class of one log line.
+ *
+ * Letter case and surrounding blanks do not matter. A line that begins with a warning word stays a
+ * warning whatever follows, so that "REJECT ... download failed" is not counted as an error.
+ */
+LineClass classify(const QString &text);
+
+} // namespace LogLineClass
