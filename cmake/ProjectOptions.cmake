@@ -2,6 +2,7 @@
 
 option(ORVIK_WERROR "Treat compiler warnings as errors" OFF)
 option(ORVIK_BENCH "Build the benchmarks" OFF)
+option(ORVIK_LINT "Let clazy and clang-tidy read every file that clang++ compiles" OFF)
 set(ORVIK_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
 
 set(CMAKE_CXX_STANDARD 17)
@@ -27,4 +28,14 @@ if(ORVIK_SANITIZE)
   target_compile_options(orvik_options INTERFACE
     -fsanitize=${ORVIK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(orvik_options INTERFACE -fsanitize=${ORVIK_SANITIZE})
+endif()
+
+if(ORVIK_LINT)
+  # As a plug-in of the compiler clazy costs a fraction of a second per file; started on its own it
+  # would read all of Qt's headers once more.
+  target_compile_options(orvik_options INTERFACE
+    "SHELL:-Xclang -load -Xclang ClazyPlugin.so"
+    "SHELL:-Xclang -add-plugin -Xclang clazy"
+    "SHELL:-Xclang -plugin-arg-clazy -Xclang level1")
+  set(CMAKE_CXX_CLANG_TIDY clang-tidy --quiet)
 endif()

@@ -1,0 +1,101 @@
+# What the scripts beside this folder share; sourced, never run.
+#
+# After sourcing: the working directory is the top of the project, and the end of the script is
+# reported in one sentence, whichever way it comes.
+
+set -euo pipefail
+
+SCRIPT_NAME="script/$(basename "$0")"
+PROJECT_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd -P)"
+JOBS="$(nproc)"
+STEP="getting ready"   # what the script is at, for the sentence after a failure
+CONCLUSION="done"      # the sentence after a success
+
+cd "$PROJECT_ROOT"
+
+# What every build needs, and what the engine runs.
+BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qtbase5-dev libdeflate-dev libcpp-httplib-dev
+    libssl-dev curl ffmpeg ca-certificates fonts-dejavu-core)
+
+# Says on its way out what became of the script.
+report_end() {
+    local code=$?
+    if ((code == 0)); then
+        printf '%s: %s\n' "$SCRIPT_NAME" "$CONCLUSION"
+    else
+        printf '%s: failed while %s (exit code %d)\n' "$SCRIPT_NAME" "$STEP" "$code" >&2
+    fi
+}
+trap report_end EXIT
+
+# step WORDS...: announces what comes next.
+step() {
+    STEP="$*"
+    printf '%s: %s\n' "$SCRIPT_NAME" "$STEP"
+}
+
+# fail SENTENCE: ends the script.
+fail() {
+    printf '%s: %s\n' "$SCRIPT_NAME" "$1" >&2
+    exit 1
+}
+
+# missing_packages PACKAGE...: prints those that are not installed.
+missing_packages() {
+    local installed
+    installed="$(dpkg-query --show --showformat='${db:Status-Status} ${Package}\n' "$@" \
+        2>/dev/null | sed -n 's/^installed //p' || true)"
+    printf '%s\n' "$@" | grep --line-regexp --fixed-strings --invert-match "$installed" || true
+}
+
+# as_root COMMAND...: through sudo for everyone but root.
+as_root() {
+    if ((EUID == 0)); then
+        "$@"
+    elif ! command -v sudo >/dev/null; then
+        fail "sudo is missing; run this as root and start again: $*"
+    elif [[ -t 0 ]]; then
+        sudo "$@"
+    else
+        sudo --non-interactive "$@" # nobody is there to type a password
+    fi
+}
+
+# install_packages PACKAGE...: installs what is missing, and says what.
+install_packages() {
+    if ! command -v dpkg-query >/dev/null; then
+        printf '%s: this is no Debian or Ubuntu; taking these as installed: %s\n' "$SCRIPT_NAME" "$*"
+        return
+    fi
+    local missing
+    mapfile -t missing < <(missing_packages "$@")
+    if ((${#missing[@]} == 0)); then
+        return
+    fi
+    step "installing ${missing[*]}"
+    # Another repository of the machine may be out of order; ours decides in the next line.
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get update --quiet=2 || true
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install --quiet=2 --yes \
+        --no-install-recommends -o DPkg::Lock::Timeout=300 "${missing[@]}" </dev/null
+}
+
+# configure PRESET [OPTION...]: a few lines of words only when it fails.
+configure() {
+    local preset="$1" log="build/$1.configure.log"
+    shift
+    mkdir -p build
+    if [[ -z "${CMAKE_CXX_COMPILER_LAUNCHER:-}" ]] && command -v ccache >/dev/null; then
+        export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    fi
+    if ! cmake --preset "$preset" "$@" >"$log" 2>&1; then
+        cat "$log" >&2
+        return 1
+    fi
+}
+
+# build PRESET [OPTION...]: incremental.
+build() {
+    local preset="$1"
+    shift
+    cmake --build --preset "$preset" --parallel "$JOBS" "$@"
+}
