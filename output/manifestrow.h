@@ -25,3 +25,6 @@ struct ManifestRow
     FrameStatus status = FrameStatus::Ok;
     QJsonObject metadata; ///< the closest-image answer
 };
+
+/// The row as it stands in manifest.csv, its line feed included.
+QString toLine(const ManifestRow &row);

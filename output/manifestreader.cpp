@@ -1,0 +1,139 @@
+#include "output/manifestreader.h"
+
+#include "base/utctext.h"
+#include "output/csvfields.h"
+#include "output/manifestcolumns.h"
+#include "output/manifestrow.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTextStream>
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+/// The lines of a manifest, by column.
+class Table
+{
+public:
+    void setHeader(QStringView line);
+    void setRow(QStringView line) { m_fields.split(line); }
+    QStringRef field(ManifestColumns::Column column) const
+    {
+        return m_fields.at(m_positions[column]);
+    }
+
+private:
+    CsvFields m_fields;
+    std::array<int, ManifestColumns::Count> m_positions; // -1: the file has no such column
+};
+
+void Table::setHeader(QStringView line)
+{
+    m_positions.fill(-1);
+    m_fields.split(line);
+    for (int position = 0; position < m_fields.count(); ++position) {
+        const QStringRef name = m_fields.at(position).trimmed();
+        for (std::size_t column = 0; column < m_positions.size(); ++column) {
+            if (name == QLatin1String(ManifestColumns::names[column]))
+                m_positions[column] = position; // of two equal names the last one counts
+        }
+    }
+}
+
+/// Anything but a finite number is no measure, and JSON could not hold it.
+double toNumber(const QStringRef &text)
+{
+    const double number = text.toDouble(); // 0 for what is no number
+    return std::isfinite(number) ? number : 0.0;
+}
+
+/**
+ * The frames of one datasource while they are read.
+ *
+ * From row to row the geometry of a datasource hardly changes, so each frame takes over the
+ * metadata of the one before and only what differs is read anew: a million frames share memory.
+ */
+class FrameList
+{
+public:
+    void append(const Table &table);
+    const QVector<ManifestFrame> &frames() const { return m_frames; }
+
+private:
+    void updateMetadata(const Table &table);
+    void setMetadata(const ManifestColumns::Geometry &column, double number);
+
+    QVector<ManifestFrame> m_frames;
+    std::array<QString, ManifestColumns::geometry.size()> m_texts; // that m_metadata was made of
+    QJsonObject m_metadata{{QStringLiteral("refPixelX"), 0.0}, {QStringLiteral("refPixelY"), 0.0}};
+};
+
+void FrameList::append(const Table &table)
+{
+    updateMetadata(table);
+    m_frames.append({table.field(ManifestColumns::File).toString(),
+                     UtcText::fromText(table.field(ManifestColumns::ActualUtc).toString()),
+                     m_metadata});
+}
+
+void FrameList::updateMetadata(const Table &table)
+{
+    for (std::size_t i = 0; i < m_texts.size(); ++i) {
+        const ManifestColumns::Geometry &column = ManifestColumns::geometry[i];
+        const QStringRef text = table.field(column.column);
+        if (text == m_texts[i])
+            continue;
+        m_texts[i] = text.toString();
+        setMetadata(column, toNumber(text));
+    }
+}
+
+void FrameList::setMetadata(const ManifestColumns::Geometry &column, double number)
+{
+    const QLatin1String key(column.metadataKey);
+    if (column.positive && number <= 0.0)
+        m_metadata.remove(key);
+    else
+        m_metadata.insert(key, number);
+}
+
+} // namespace
+
+std::optional<QHash<int, QVector<ManifestFrame>>> ManifestReader::read(const QString &manifestPath,
+                                                                       QString *errorText)
+{
+    const auto fail = [errorText](const QString &text) {
+        if (errorText)
+            *errorText = text;
+        return std::nullopt;
+    };
+    QFile file(manifestPath);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return fail(QStringLiteral("Cannot open %1").arg(QDir::toNativeSeparators(manifestPath)));
+    QTextStream stream(&file);
+    if (stream.atEnd())
+        return fail(QStringLiteral("manifest.csv is empty."));
+
+    QString line;
+    stream.readLineInto(&line);
+    Table table;
+    table.setHeader(line);
+    const QString accepted = toText(FrameStatus::Ok);
+    QHash<int, FrameList> lists;
+    while (stream.readLineInto(&line)) {
+        const QStringView row = QStringView(line).trimmed();
+        if (row.isEmpty())
+            continue;
+        table.setRow(row);
+        if (table.field(ManifestColumns::Status) == accepted)
+            lists[table.field(ManifestColumns::SourceId).toInt()].append(table);
+    }
+
+    QHash<int, QVector<ManifestFrame>> frames;
+    for (auto list = lists.cbegin(); list != lists.cend(); ++list)
+        frames.insert(list.key(), list->frames());
+    return frames;
+}
