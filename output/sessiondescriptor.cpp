@@ -1,0 +1,89 @@
+#include "output/sessiondescriptor.h"
+
+#include "base/filenames.h"
+#include "base/utctext.h"
+#include "output/sessionfiles.h"
+
+#include <QJsonArray>
+
+namespace {
+
+constexpr int formatVersion = 1;
+
+/// What never differs from session to session, told for whoever finds the folder years later.
+QJsonObject conventions()
+{
+    return {
+        {QStringLiteral("application"), QStringLiteral("Orvik")},
+        {QStringLiteral("formatVersion"), formatVersion},
+        {QStringLiteral("timestampOverlay"), true},
+        {QStringLiteral("timestampTimeBasis"), QStringLiteral("Helioviewer actual UTC")},
+        {QStringLiteral("timestampedVideoFramesDirectory"), SessionFiles::videoFramesFolder()},
+        {QStringLiteral("sourceOverlayPosition"), QStringLiteral("bottom-right")},
+        {QStringLiteral("scaleOverlayPosition"), QStringLiteral("top-right")},
+        {QStringLiteral("scaleBasis"),
+         QStringLiteral("Helioviewer rsun + IAU nominal solar radius 695700 km")},
+    };
+}
+
+void insertSettings(QJsonObject &json, const AcquisitionSettings &settings)
+{
+    json.insert(QStringLiteral("startUtc"), UtcText::toText(settings.startUtc));
+    json.insert(QStringLiteral("endUtc"), UtcText::toText(settings.endUtc));
+    json.insert(QStringLiteral("cadenceSeconds"), settings.cadenceSeconds);
+    json.insert(QStringLiteral("maxTimeErrorSeconds"), settings.maxTimeErrorSeconds);
+    json.insert(QStringLiteral("useSourceTimingProfiles"), settings.useSourceTimingProfiles);
+    json.insert(QStringLiteral("imageWidth"), settings.imageWidth);
+    json.insert(QStringLiteral("videoFps"), settings.videoFps);
+    json.insert(QStringLiteral("videoCrf"), settings.videoCrf);
+    json.insert(QStringLiteral("keepFrames"), settings.keepFrames);
+    json.insert(QStringLiteral("createVideos"), settings.createVideos);
+    json.insert(QStringLiteral("sourceOverlay"), settings.sourceOverlay);
+    json.insert(QStringLiteral("scaleOverlay"), settings.scaleOverlay);
+}
+
+QJsonObject sourceJson(const SessionSourceRecord &record, const SessionRecord &session)
+{
+    const QString archiveName =
+        record.archiveName.isEmpty()
+            ? FileNames::datasourceFolder(record.source.nickname, session.settings.startUtc)
+            : record.archiveName;
+    return {
+        {QStringLiteral("sourceId"), record.source.sourceId},
+        {QStringLiteral("nickname"), record.source.nickname},
+        {QStringLiteral("path"), record.source.path},
+        {QStringLiteral("archiveName"), archiveName},
+        {QStringLiteral("videoFile"), archiveName + QStringLiteral(".mp4")},
+        {QStringLiteral("timingProfile"), record.timingProfile},
+        {QStringLiteral("maxTimeErrorSeconds"), record.maxTimeErrorSeconds},
+        {QStringLiteral("acceptedFrames"), record.acceptedFrames},
+        {QStringLiteral("timestampedVideoFrames"), record.timestampedVideoFrames},
+        {QStringLiteral("duplicateRequests"), record.duplicateRequests},
+        {QStringLiteral("rejectedTimeRequests"), record.rejectedTimeRequests},
+        {QStringLiteral("preflightMode"), record.preflightMode},
+        {QStringLiteral("preflightUsed"), record.preflightMode == QLatin1String("quick-probe")},
+        {QStringLiteral("preflightProbeSeconds"), session.preflightProbeSeconds},
+        {QStringLiteral("preflightUniqueFrames"), record.preflightUniqueFrames},
+        {QStringLiteral("effectiveCadenceMedianSeconds"), record.medianSeconds},
+        {QStringLiteral("effectiveCadenceMinSeconds"), record.minSeconds},
+        {QStringLiteral("effectiveCadenceMaxSeconds"), record.maxSeconds},
+    };
+}
+
+} // namespace
+
+QJsonObject SessionDescriptor::toJson(const SessionRecord &session)
+{
+    QJsonArray sources;
+    for (const SessionSourceRecord &source : session.sources)
+        sources.append(sourceJson(source, session));
+
+    QJsonObject json = conventions();
+    insertSettings(json, session.settings);
+    json.insert(QStringLiteral("apiBase"), session.apiBase);
+    json.insert(QStringLiteral("preflightParallelRequests"), session.preflightParallelRequests);
+    json.insert(QStringLiteral("canceled"), session.canceled);
+    json.insert(QStringLiteral("completedUtc"), UtcText::toText(session.completedUtc));
+    json.insert(QStringLiteral("sources"), sources);
+    return json;
+}
