@@ -46,7 +46,6 @@ struct Run
 {
     QStringList arguments; ///< without the program's own name
     QString workingDirectory;
-    qint64 processId = 0;
 };
 
 /**

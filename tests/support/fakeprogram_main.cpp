@@ -18,7 +18,6 @@
 #include <cstdio>
 #include <sys/file.h>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -36,7 +35,6 @@ int enterJournal(const QString &path, const QStringList &arguments)
     const QJsonObject run{
         {QStringLiteral("arguments"), QJsonArray::fromStringList(arguments)},
         {QStringLiteral("workingDirectory"), QDir::currentPath()},
-        {QStringLiteral("processId"), static_cast<qint64>(getpid())},
     };
     journal.write(QJsonDocument(run).toJson(QJsonDocument::Compact) + '\n');
     return earlierRuns;

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+class QDateTime;
+
+/// What a session will yield at most, in words.
+namespace AcquisitionEstimate {
+
+/**
+ * A length of time in the largest unit that divides it: "45 s", "90 min", "2 h", "1 min 5 s",
+ * "1 h 1 min" (an odd second is dropped beyond an hour); "n/a" unless positive.
+ */
+QString formatDuration(qint64 seconds);
+
+/// How long @p frames play, "hh:mm:ss.zzz"; "--" without a frame or a rate.
+QString formatVideoDuration(qint64 frames, int fps);
+
+/// The line about frames and film of one datasource; both ends of the interval count.
+QString text(const QDateTime &startUtc, const QDateTime &endUtc, int cadenceSeconds, int fps);
+
+} // namespace AcquisitionEstimate

@@ -1,0 +1,14 @@
+#include "ui/catalogcache.h"
+
+#include "app/runtimeconfig.h"
+#include "base/jsonfile.h"
+
+std::optional<QJsonObject> CatalogCache::load()
+{
+    return JsonFile::load(RuntimeConfig::catalogPath());
+}
+
+bool CatalogCache::save(const QJsonObject &catalog)
+{
+    return JsonFile::save(RuntimeConfig::catalogPath(), catalog) == JsonFile::SaveResult::Saved;
+}

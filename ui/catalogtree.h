@@ -1,0 +1,54 @@
+#pragma once
+
+#include "acquisition/datasource.h"
+#include "ui/sourcedetails.h"
+
+#include <QSet>
+#include <QStringList>
+#include <QVector>
+
+#include <optional>
+
+class QJsonObject;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+/**
+ * The tree of datasources: groups that can only be opened, leaves that can be ticked.
+ *
+ * An item is a leaf when it carries a datasource id; the rest of what is known of the datasource
+ * lies beside it, in the item's data.
+ */
+namespace CatalogTree {
+
+/// What survives a rebuild of the tree, and the end of the program.
+struct Selection
+{
+    QSet<int> tickedIds;
+    int currentId = -1; ///< -1 while no leaf is current
+};
+
+/// Makes @p tree show what the service sends as it is: no text is taken for markup.
+void prepare(QTreeWidget *tree);
+
+/**
+ * Rebuilds the tree from the service's catalog, sorted and opened two levels deep.
+ *
+ * @param selection  restored afterwards; a tree that already shows a catalog replaces it first
+ *                   with what is ticked and current there
+ */
+void fill(QTreeWidget *tree, const QJsonObject &catalog, Selection *selection);
+
+bool isLeaf(const QTreeWidgetItem *item);             ///< false for null
+CatalogSource source(const QTreeWidgetItem *leaf);    ///< all that is known of a leaf
+int currentId(const QTreeWidget *tree);               ///< -1 when no leaf is current
+QVector<DataSource> tickedSources(QTreeWidget *tree); ///< from top to bottom
+
+void tickAiaBands(QTreeWidget *tree); ///< ticks the seven coronal bands of AIA and nothing else
+void untickAll(QTreeWidget *tree);
+
+/// Keeps an analysis on the first leaf with this id; null when there is none.
+QTreeWidgetItem *setAnalysis(QTreeWidget *tree, int sourceId, const CadenceAnalysis &analysis);
+void clearAnalyses(QTreeWidget *tree);
+
+} // namespace CatalogTree

@@ -1,0 +1,87 @@
+#include "ui/logview.h"
+
+#include "ui/loglineclass.h"
+
+#include <QDockWidget>
+#include <QTextCursor>
+#include <QTextEdit>
+#include <QTime>
+
+using LogLineClass::LineClass;
+
+namespace {
+
+QTextCharFormat format(const QColor &colour, QFont::Weight weight)
+{
+    QTextCharFormat format;
+    format.setForeground(colour);
+    format.setFontWeight(weight);
+    return format;
+}
+
+QTextCharFormat format(LineClass lineClass, const QPalette &palette)
+{
+    switch (lineClass) {
+    case LineClass::Plain:
+        return format(palette.color(QPalette::Text), QFont::Normal);
+    case LineClass::Info:
+        return format(QColor(105, 175, 235), QFont::Normal);
+    case LineClass::Success:
+        return format(QColor(90, 220, 115), QFont::Normal);
+    case LineClass::Warning:
+        return format(QColor(255, 190, 70), QFont::Bold);
+    case LineClass::Error:
+        return format(QColor(255, 90, 90), QFont::Bold);
+    }
+    return {};
+}
+
+/// The named font may be missing; whatever stands in for it must keep the columns aligned.
+void keepColumnsAligned(QTextEdit *log)
+{
+    QFont font = log->font();
+    font.setStyleHint(QFont::TypeWriter);
+    font.setFixedPitch(true);
+    log->setFont(font);
+}
+
+} // namespace
+
+LogView::LogView(QTextEdit *log, QDockWidget *dock, QObject *parent)
+    : QObject(parent), m_log(log), m_dock(dock)
+{
+    log->setUndoRedoEnabled(false); // else every line would be remembered twice
+    keepColumnsAligned(log);
+}
+
+void LogView::append(const QString &text)
+{
+    const LineClass lineClass = LogLineClass::classify(text);
+    m_errors += lineClass == LineClass::Error ? 1 : 0;
+    m_warnings += lineClass == LineClass::Warning ? 1 : 0;
+
+    QTextCursor cursor(m_log->document());
+    cursor.movePosition(QTextCursor::End);
+    cursor.insertText(
+        QStringLiteral("[%1] ").arg(QTime::currentTime().toString(QStringLiteral("HH:mm:ss"))),
+        format(QColor(135, 140, 150), QFont::Normal));
+    cursor.insertText(text, format(lineClass, m_log->palette()));
+    cursor.insertBlock();
+    m_log->setTextCursor(cursor);
+    m_log->ensureCursorVisible();
+    refreshTitle();
+}
+
+void LogView::clear()
+{
+    m_log->clear();
+    m_errors = 0;
+    m_warnings = 0;
+    refreshTitle();
+}
+
+void LogView::refreshTitle()
+{
+    m_dock->setWindowTitle(
+        tr("Log  -  ERR %1 / WARN %2").arg(QString::number(m_errors), QString::number(m_warnings)));
+}

@@ -1,0 +1,55 @@
+#include "ui/previewpane.h"
+
+#include <QEvent>
+#include <QImage>
+#include <QLabel>
+
+namespace {
+
+constexpr int marginPx = 4; // between the picture and the label's frame, both sides together
+
+} // namespace
+
+PreviewPane::PreviewPane(QLabel *label, QObject *parent) : QObject(parent), m_label(label)
+{
+    label->installEventFilter(this);
+}
+
+bool PreviewPane::showFile(const QString &imageFile)
+{
+    // Not QPixmap(file): it would keep every small frame in the pixmap cache.
+    QPixmap frame = QPixmap::fromImage(QImage(imageFile));
+    if (frame.isNull())
+        return false;
+    m_frame = frame;
+    m_frame.setDevicePixelRatio(1.0);
+    rescale();
+    return true;
+}
+
+void PreviewPane::clear(const QString &text)
+{
+    m_frame = QPixmap();
+    m_label->setPixmap(QPixmap());
+    m_label->setText(text);
+}
+
+void PreviewPane::rescale()
+{
+    if (m_frame.isNull())
+        return;
+    const QSize target =
+        (m_label->contentsRect().size() - QSize(marginPx, marginPx)).expandedTo(QSize(1, 1));
+    const qreal ratio = m_label->devicePixelRatioF();
+    QPixmap scaled = m_frame.scaled(target * ratio, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    scaled.setDevicePixelRatio(ratio);
+    m_label->setPixmap(scaled); // replaces the text
+}
+
+bool PreviewPane::eventFilter(QObject *watched, QEvent *event)
+{
+    // The splitter and the docks resize the label while the window keeps its size.
+    if (watched == m_label && event->type() == QEvent::Resize)
+        rescale();
+    return QObject::eventFilter(watched, event);
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QObject>
+#include <QPixmap>
+
+class QLabel;
+
+/**
+ * The last frame, fitted into its label at the resolution of the screen.
+ *
+ * Keeps the frame at full size, so that a change of size neither decodes again nor scales a picture
+ * that was scaled before.
+ */
+class PreviewPane : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit PreviewPane(QLabel *label, QObject *parent = nullptr);
+
+    /// Decodes and shows a file; false when it is no picture, and the last frame stays.
+    bool showFile(const QString &imageFile);
+    /// Forgets the frame and shows @p text in its place.
+    void clear(const QString &text);
+    /// Fits the frame into the label's present size.
+    void rescale();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QLabel *m_label; // not owned; belongs to the window's form
+    QPixmap m_frame; // full size; null until the first frame
+};

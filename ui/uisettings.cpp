@@ -1,0 +1,180 @@
+#include "ui/uisettings.h"
+
+#include "app/runtimeconfig.h"
+#include "ui_mainwindow.h"
+
+#include <QMetaProperty>
+#include <QSettings>
+
+namespace {
+
+constexpr int layoutVersion = 0;
+constexpr int archiveDelaySeconds = 600; // younger images are rarely archived yet
+constexpr int defaultIntervalSeconds = 3600;
+
+constexpr QLatin1String geometryKey("ui/mainWindowGeometry");
+constexpr QLatin1String stateKey("ui/mainWindowState");
+constexpr QLatin1String splitterKey("ui/catalogSplitterState");
+constexpr QLatin1String headerKey("ui/sourceHeaderState");
+constexpr QLatin1String selectedIdsKey("sources/selectedIds");
+constexpr QLatin1String currentIdKey("sources/currentId");
+constexpr QLatin1String lastVideoFolderKey("videoPlayer/lastDirectory");
+
+enum class Preset { None, RuntimeConfig };
+
+/// One widget whose user property is stored; the default's type is the stored type.
+struct Field
+{
+    QLatin1String key;
+    QWidget *widget; // not owned
+    QVariant defaultValue;
+    Preset preset;
+};
+
+QVector<Field> fields(const Ui::MainWindow &form)
+{
+    const QDateTime end = QDateTime::currentDateTimeUtc().addSecs(-archiveDelaySeconds);
+    const QDateTime start = end.addSecs(-defaultIntervalSeconds);
+    const auto key = [](const char *text) { return QLatin1String(text); };
+    return {
+        {key("acquisition/startUtc"), form.startEdit, start, Preset::None},
+        {key("acquisition/endUtc"), form.endEdit, end, Preset::None},
+        {key("acquisition/cadenceSeconds"), form.cadenceSpin, 60, Preset::RuntimeConfig},
+        {key("acquisition/maxTimeErrorSeconds"), form.timeErrorSpin, 30, Preset::RuntimeConfig},
+        {key("acquisition/useSourceTimingProfiles"), form.sourceTimingProfilesCheck, true,
+         Preset::RuntimeConfig},
+        {key("acquisition/imageWidth"), form.widthSpin, 1024, Preset::RuntimeConfig},
+        {key("video/fps"), form.fpsSpin, 25, Preset::RuntimeConfig},
+        {key("video/crf"), form.crfSpin, 18, Preset::RuntimeConfig},
+        {key("acquisition/keepFrames"), form.keepFramesCheck, true, Preset::RuntimeConfig},
+        {key("video/sourceOverlay"), form.sourceOverlayCheck, true, Preset::None},
+        {key("video/scaleOverlay"), form.scaleOverlayCheck, false, Preset::None},
+        {key("video/create"), form.createVideosCheck, true, Preset::RuntimeConfig},
+    };
+}
+
+/// The user's settings, opened for one load or save.
+class Store : public QSettings
+{
+public:
+    Store() : QSettings(QStringLiteral("Brannock Works"), QStringLiteral("Orvik")) {}
+};
+
+QVariant storedValue(const Store &store, const Field &field)
+{
+    if (store.contains(field.key))
+        return store.value(field.key);
+    if (field.preset == Preset::RuntimeConfig) {
+        const QVariant preset = RuntimeConfig::preset(field.key);
+        if (preset.isValid())
+            return preset;
+    }
+    return field.defaultValue;
+}
+
+/// @p value as @p type; what does not convert becomes 0, false or an invalid time.
+QVariant converted(const QVariant &value, QVariant::Type type)
+{
+    switch (static_cast<QMetaType::Type>(type)) {
+    case QMetaType::Int:
+        return value.toInt();
+    case QMetaType::Bool:
+        return value.toBool();
+    case QMetaType::QDateTime:
+        return value.toDateTime().toUTC();
+    default:
+        return value;
+    }
+}
+
+void setValue(const Field &field, const QVariant &value)
+{
+    if (value.type() == QVariant::DateTime && !value.toDateTime().isValid())
+        return;
+    field.widget->metaObject()->userProperty().write(field.widget, value);
+}
+
+QVariant valueOf(const Field &field)
+{
+    return converted(field.widget->metaObject()->userProperty().read(field.widget),
+                     field.defaultValue.type());
+}
+
+void saveSelection(Store &store, QTreeWidget *tree)
+{
+    QStringList ids;
+    const QVector<DataSource> sources = CatalogTree::tickedSources(tree);
+    for (const DataSource &source : sources)
+        ids.append(QString::number(source.sourceId));
+    store.setValue(selectedIdsKey, ids);
+
+    if (CatalogTree::isLeaf(tree->currentItem()))
+        store.setValue(currentIdKey, CatalogTree::currentId(tree));
+    else
+        store.remove(currentIdKey);
+}
+
+} // namespace
+
+void UiSettings::loadFields(const Ui::MainWindow &form)
+{
+    const Store store;
+    const QVector<Field> all = fields(form);
+    for (const Field &field : all)
+        setValue(field, converted(storedValue(store, field), field.defaultValue.type()));
+}
+
+void UiSettings::restoreLayout(QMainWindow *window, const Ui::MainWindow &form)
+{
+    const Store store;
+    const auto restore = [&store](QLatin1String key, auto apply) {
+        const QByteArray stored = store.value(key).toByteArray();
+        if (!stored.isEmpty())
+            apply(stored);
+    };
+    restore(geometryKey, [&](const QByteArray &geometry) { window->restoreGeometry(geometry); });
+    restore(stateKey, [&](const QByteArray &state) { window->restoreState(state, layoutVersion); });
+    restore(splitterKey,
+            [&](const QByteArray &state) { form.catalogSplitter->restoreState(state); });
+    restore(headerKey,
+            [&](const QByteArray &state) { form.sourcesTree->header()->restoreState(state); });
+}
+
+CatalogTree::Selection UiSettings::loadSelection()
+{
+    const Store store;
+    CatalogTree::Selection selection;
+    const QStringList ids = store.value(selectedIdsKey).toStringList();
+    for (const QString &text : ids) {
+        bool isNumber = false;
+        const int id = text.toInt(&isNumber);
+        if (isNumber)
+            selection.tickedIds.insert(id);
+    }
+    selection.currentId = store.value(currentIdKey, -1).toInt();
+    return selection;
+}
+
+void UiSettings::save(const QMainWindow &window, const Ui::MainWindow &form)
+{
+    Store store;
+    store.setValue(geometryKey, window.saveGeometry());
+    store.setValue(stateKey, window.saveState(layoutVersion));
+    store.setValue(splitterKey, form.catalogSplitter->saveState());
+    store.setValue(headerKey, form.sourcesTree->header()->saveState());
+    const QVector<Field> all = fields(form);
+    for (const Field &field : all)
+        store.setValue(field.key, valueOf(field));
+    saveSelection(store, form.sourcesTree);
+    store.sync();
+}
+
+QString UiSettings::lastVideoFolder()
+{
+    return Store().value(lastVideoFolderKey).toString();
+}
+
+void UiSettings::saveLastVideoFolder(const QString &folder)
+{
+    Store().setValue(lastVideoFolderKey, folder);
+}

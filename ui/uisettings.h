@@ -1,0 +1,38 @@
+#pragma once
+
+#include "ui/catalogtree.h"
+
+#include <QString>
+
+class QMainWindow;
+
+namespace Ui {
+class MainWindow;
+}
+
+/**
+ * What the user chose, kept in the platform's per-user store between runs.
+ *
+ * For some fields sys/orvik.ini may carry presets; they count until the user has saved a value. A
+ * stored value of a wrong type never fails: a number reads as 0 and is clamped by its field, a time
+ * is not applied.
+ */
+namespace UiSettings {
+
+/// Sets the fields of the settings tabs: the user's value, else the preset, else the default.
+void loadFields(const Ui::MainWindow &form);
+
+/// Restores geometry, docks, splitter and tree header, as far as they were stored.
+void restoreLayout(QMainWindow *window, const Ui::MainWindow &form);
+
+/// The datasources that were ticked and current; texts that are no numbers are skipped.
+CatalogTree::Selection loadSelection();
+
+/// Stores fields, layout, ticks and current datasource of the window.
+void save(const QMainWindow &window, const Ui::MainWindow &form);
+
+/// Folder of the video that was chosen last; empty before the first.
+QString lastVideoFolder();
+void saveLastVideoFolder(const QString &folder);
+
+} // namespace UiSettings
