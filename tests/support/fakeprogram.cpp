@@ -73,7 +73,8 @@ QVector<FakeProgram::Run> FakeProgram::runs(const QString &program)
     while (!journal.atEnd()) {
         const QJsonObject line = QJsonDocument::fromJson(journal.readLine()).object();
         runs.append({line.value(QLatin1String("arguments")).toVariant().toStringList(),
-                     line.value(QLatin1String("workingDirectory")).toString()});
+                     line.value(QLatin1String("workingDirectory")).toString(),
+                     line.value(QLatin1String("processId")).toVariant().toLongLong()});
     }
     return runs;
 }

@@ -46,6 +46,7 @@ struct Run
 {
     QStringList arguments; ///< without the program's own name
     QString workingDirectory;
+    qint64 processId = 0;
 };
 
 /**

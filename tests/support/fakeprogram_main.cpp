@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <sys/file.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -35,6 +36,7 @@ int enterJournal(const QString &path, const QStringList &arguments)
     const QJsonObject run{
         {QStringLiteral("arguments"), QJsonArray::fromStringList(arguments)},
         {QStringLiteral("workingDirectory"), QDir::currentPath()},
+        {QStringLiteral("processId"), static_cast<qint64>(getpid())},
     };
     journal.write(QJsonDocument(run).toJson(QJsonDocument::Compact) + '\n');
     return earlierRuns;

@@ -1,0 +1,296 @@
+#include "client/helioviewerclient.h"
+
+#include "app/runtimeconfig.h"
+#include "client/curlcommand.h"
+#include "client/helioviewerrequests.h"
+#include "client/helioviewerresponses.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QScopedValueRollback>
+
+#include <utility>
+
+namespace {
+
+constexpr int killWaitMs = 1000; // a killed child ends at once unless the system is in trouble
+
+} // namespace
+
+HelioviewerClient::HelioviewerClient(QObject *parent)
+    : QObject(parent), m_process(new QProcess(this))
+{
+    qRegisterMetaType<QVector<QDateTime>>();
+    m_process->setProcessChannelMode(QProcess::SeparateChannels);
+    connect(m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
+            &HelioviewerClient::onFinished);
+    connect(m_process, &QProcess::errorOccurred, this, &HelioviewerClient::onProcessError);
+}
+
+HelioviewerClient::~HelioviewerClient()
+{
+    m_process->disconnect(this);
+    stopProcess();
+    removePartialDownload();
+}
+
+bool HelioviewerClient::isBusy() const
+{
+    return m_canceling || m_operation != Operation::None ||
+           m_process->state() != QProcess::NotRunning;
+}
+
+void HelioviewerClient::getDataSources()
+{
+    start(Operation::GetDataSources, {},
+          CurlCommand::commonArguments()
+              << HelioviewerRequests::dataSourcesUrl(RuntimeConfig::apiBase()));
+}
+
+void HelioviewerClient::getJPX(int sourceId, const QDateTime &startUtc, const QDateTime &endUtc,
+                               int cadenceSeconds)
+{
+    Request request;
+    request.sourceId = sourceId;
+    request.startUtc = startUtc.toUTC();
+    request.endUtc = endUtc.toUTC();
+    start(Operation::GetJPX, request,
+          CurlCommand::commonArguments() << HelioviewerRequests::jpxUrl(
+              RuntimeConfig::apiBase(), sourceId, startUtc, endUtc, cadenceSeconds));
+}
+
+void HelioviewerClient::getClosestImage(int sourceId, const QDateTime &requestedUtc)
+{
+    Request request;
+    request.sourceId = sourceId;
+    request.requestedUtc = requestedUtc.toUTC();
+    start(Operation::GetClosestImage, request,
+          CurlCommand::commonArguments() << HelioviewerRequests::closestImageUrl(
+              RuntimeConfig::apiBase(), sourceId, requestedUtc));
+}
+
+void HelioviewerClient::downloadImage(qint64 imageId, int sourceId, const QDateTime &requestedUtc,
+                                      const QDateTime &actualUtc, const QString &outputFile,
+                                      int width)
+{
+    Request request;
+    request.sourceId = sourceId;
+    request.imageId = imageId;
+    request.requestedUtc = requestedUtc.toUTC();
+    request.actualUtc = actualUtc.toUTC();
+    request.outputFile = outputFile;
+    start(Operation::DownloadImage, request,
+          CurlCommand::commonArguments()
+              << QStringLiteral("-o") << outputFile
+              << HelioviewerRequests::renderedImageUrl(RuntimeConfig::apiBase(), imageId, width));
+}
+
+void HelioviewerClient::cancel()
+{
+    if (m_canceling)
+        return; // a listener cancels again what is being cancelled
+    const QScopedValueRollback<bool> canceling(m_canceling, true);
+    stopProcess();
+    reportProcessError();
+    removePartialDownload();
+    m_errorReported = false;
+    m_operation = Operation::None;
+}
+
+void HelioviewerClient::onFinished(int exitCode, QProcess::ExitStatus exitStatus)
+{
+    readOutput();
+    if (m_operation == Operation::None || m_errorReported)
+        return; // cancelled, or a crash that onProcessError has noted
+
+    if (exitStatus == QProcess::NormalExit) {
+        if (exitCode == 0) {
+            handleAnswer();
+            return;
+        }
+        if (retryInsecurely(exitCode))
+            return;
+    }
+    const QString message = errorOutput();
+    fail(message.isEmpty()
+             ? QStringLiteral("curl failed with exit code %1").arg(QString::number(exitCode))
+             : message);
+}
+
+void HelioviewerClient::onProcessError(QProcess::ProcessError error)
+{
+    Q_UNUSED(error)
+    readOutput();
+    if (m_operation == Operation::None || m_errorReported)
+        return;
+    m_errorReported = true;
+    const QString message = errorOutput();
+    m_processError = message.isEmpty() ? m_process->errorString() : message;
+    // A process that is started from within its own error signal hangs or claims to be running
+    // still, and a listener may well make the next request at once: so it is told a moment later.
+    QMetaObject::invokeMethod(this, &HelioviewerClient::reportProcessError, Qt::QueuedConnection);
+}
+
+QString HelioviewerClient::operationName(Operation operation)
+{
+    switch (operation) {
+    case Operation::None:
+        break;
+    case Operation::GetDataSources:
+        return QStringLiteral("getDataSources");
+    case Operation::GetJPX:
+        return QStringLiteral("getJPX");
+    case Operation::GetClosestImage:
+        return QStringLiteral("getClosestImage");
+    case Operation::DownloadImage:
+        return QStringLiteral("downloadImage");
+    }
+    return QStringLiteral("curl");
+}
+
+void HelioviewerClient::start(Operation operation, const Request &request,
+                              const QStringList &arguments)
+{
+    if (isBusy()) {
+        emit requestError(operationName(operation),
+                          QStringLiteral("HelioviewerClient is already busy."));
+        return;
+    }
+    const QString program = RuntimeConfig::curlPath();
+    if (!QFileInfo(program).isFile()) {
+        emit requestError(
+            operationName(operation),
+            QStringLiteral("curl.exe not found: %1").arg(QDir::toNativeSeparators(program)));
+        return;
+    }
+    m_operation = operation;
+    m_stdoutBuffer.clear();
+    m_stderrBuffer.clear();
+    m_errorReported = false;
+    m_insecureRetried = false;
+    m_lastArguments = arguments;
+    m_request = request;
+    emit logMessage(
+        QStringLiteral("curl: %1").arg(arguments.isEmpty() ? QString() : arguments.last()));
+    launch(program, arguments);
+}
+
+/// Starts the child, unless a listener of the log line before it has cancelled the request.
+void HelioviewerClient::launch(const QString &program, const QStringList &arguments)
+{
+    if (m_operation != Operation::None && m_process->state() == QProcess::NotRunning)
+        m_process->start(program, arguments, QIODevice::ReadWrite);
+}
+
+/// True when the request was restarted without certificate check; it is then still in flight.
+bool HelioviewerClient::retryInsecurely(int exitCode)
+{
+    if (exitCode != CurlCommand::certificateFailureExitCode || m_insecureRetried ||
+        !RuntimeConfig::allowInsecureFallback())
+        return false;
+
+    m_insecureRetried = true;
+    CurlCommand::activateInsecureMode();
+    removePartialDownload();
+    m_stdoutBuffer.clear();
+    m_stderrBuffer.clear();
+    if (CurlCommand::claimInsecureWarning())
+        emit logMessage(
+            QStringLiteral("WARNING: curl SSL certificate validation failed (error 60). Insecure "
+                           "HTTPS fallback enabled for this Orvik session."));
+    launch(RuntimeConfig::curlPath(), CurlCommand::withoutCertificateCheck(m_lastArguments));
+    return true;
+}
+
+void HelioviewerClient::stopProcess()
+{
+    if (m_process->state() == QProcess::NotRunning)
+        return;
+    m_process->kill();
+    m_process->waitForFinished(killWaitMs);
+}
+
+void HelioviewerClient::readOutput()
+{
+    m_stdoutBuffer += m_process->readAllStandardOutput();
+    m_stderrBuffer += m_process->readAllStandardError();
+}
+
+QString HelioviewerClient::errorOutput() const
+{
+    return QString::fromLocal8Bit(m_stderrBuffer).trimmed();
+}
+
+/// A half file must not be taken for a whole one by whoever lists the folder later.
+void HelioviewerClient::removePartialDownload() const
+{
+    if (m_operation == Operation::DownloadImage && !m_request.outputFile.isEmpty())
+        QFile::remove(m_request.outputFile);
+}
+
+/// Tells what onProcessError noted; nothing when that is told or cancelled already.
+void HelioviewerClient::reportProcessError()
+{
+    if (m_operation != Operation::None && m_errorReported)
+        fail(std::exchange(m_processError, {}));
+}
+
+/// Ends the request in flight. Nothing may follow the signal: a listener may start the next one.
+void HelioviewerClient::fail(const QString &message)
+{
+    removePartialDownload();
+    emit requestError(operationName(std::exchange(m_operation, Operation::None)), message);
+}
+
+/// Ends the request in flight with what curl brought. As in fail(), the signal comes last.
+void HelioviewerClient::handleAnswer()
+{
+    const Operation operation = std::exchange(m_operation, Operation::None);
+    const Request request = m_request; // the next request overwrites it while listeners read
+    if (operation == Operation::DownloadImage) {
+        answerDownload(request);
+        return;
+    }
+    QString errorText;
+    const auto answer = HelioviewerResponses::parseObject(m_stdoutBuffer, &errorText);
+    if (!answer)
+        emit requestError(operationName(operation), errorText);
+    else if (operation == Operation::GetDataSources)
+        emit catalogReceived(*answer);
+    else if (operation == Operation::GetJPX)
+        answerFrameIndex(request, *answer);
+    else
+        answerClosestImage(request, *answer);
+}
+
+void HelioviewerClient::answerFrameIndex(const Request &request, const QJsonObject &answer)
+{
+    const auto index = HelioviewerResponses::frameIndex(answer);
+    emit frameIndexReceived(request.sourceId, request.startUtc, request.endUtc, index.framesUtc,
+                            index.message);
+}
+
+void HelioviewerClient::answerClosestImage(const Request &request, const QJsonObject &answer)
+{
+    QString errorText;
+    const auto image = HelioviewerResponses::closestImage(answer, &errorText);
+    if (image)
+        emit closestImageReceived(request.sourceId, request.requestedUtc, image->imageId,
+                                  image->actualUtc, answer);
+    else
+        emit requestError(operationName(Operation::GetClosestImage), errorText);
+}
+
+void HelioviewerClient::answerDownload(const Request &request)
+{
+    const QFileInfo file(request.outputFile);
+    if (file.exists() && file.size() > 0) {
+        emit renderedImageDownloaded(request.sourceId, request.requestedUtc, request.actualUtc,
+                                     request.imageId, request.outputFile);
+        return;
+    }
+    QFile::remove(request.outputFile);
+    emit requestError(operationName(Operation::DownloadImage),
+                      QStringLiteral("Downloaded file is missing or empty."));
+}
