@@ -15,7 +15,7 @@ cd "$PROJECT_ROOT"
 
 # What every build needs, and what the engine runs.
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qtbase5-dev libdeflate-dev libcpp-httplib-dev
-    libssl-dev curl ffmpeg ca-certificates fonts-dejavu-core)
+    libssl-dev libpng-dev curl ffmpeg ca-certificates fonts-dejavu-core)
 
 # Says on its way out what became of the script.
 report_end() {
@@ -48,17 +48,14 @@ missing_packages() {
     printf '%s\n' "$@" | grep --line-regexp --fixed-strings --invert-match "$installed" || true
 }
 
-# as_root COMMAND...: through sudo for everyone but root.
-as_root() {
-    if ((EUID == 0)); then
-        "$@"
-    elif ! command -v sudo >/dev/null; then
-        fail "sudo is missing; run this as root and start again: $*"
-    elif [[ -t 0 ]]; then
-        sudo "$@"
-    else
-        sudo --non-interactive "$@" # nobody is there to type a password
-    fi
+# Root needs no sudo; without a terminal nobody could type a password.
+ROOT_PREFIX=()
+((EUID == 0)) || ROOT_PREFIX=(sudo)
+((EUID == 0)) || [[ -t 0 ]] || ROOT_PREFIX+=(--non-interactive)
+
+apt() {
+    "${ROOT_PREFIX[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get --quiet --yes -o DPkg::Lock::Timeout=300 "$@" </dev/null
 }
 
 # install_packages PACKAGE...: installs what is missing, and says what.
@@ -67,16 +64,22 @@ install_packages() {
         printf '%s: this is no Debian or Ubuntu; taking these as installed: %s\n' "$SCRIPT_NAME" "$*"
         return
     fi
-    local missing
+    local missing log=build/packages.log
     mapfile -t missing < <(missing_packages "$@")
     if ((${#missing[@]} == 0)); then
         return
     fi
-    step "installing ${missing[*]}"
-    # Another repository of the machine may be out of order; ours decides in the next line.
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get update --quiet=2 || true
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get install --quiet=2 --yes \
-        --no-install-recommends -o DPkg::Lock::Timeout=300 "${missing[@]}" </dev/null
+    if ((EUID != 0)) && ! command -v sudo >/dev/null; then
+        fail "there is no sudo here; as root run: apt-get install ${missing[*]}"
+    fi
+    step "installing ${missing[*]} (a few minutes; details in $log)"
+    mkdir -p build
+    # Some other repository of the machine may be out of order; the second command decides.
+    apt update >"$log" 2>&1 || true
+    if ! apt install --no-install-recommends "${missing[@]}" >>"$log" 2>&1; then
+        tail --lines=20 "$log" >&2
+        return 1
+    fi
 }
 
 # configure PRESET [OPTION...]: a few lines of words only when it fails.
