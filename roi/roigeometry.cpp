@@ -1,0 +1,80 @@
+#include "roi/roigeometry.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace {
+
+constexpr std::array<int, 4> offeredRotations = {0, 90, -90, 180};
+constexpr int smallestSidePx = 2;
+
+/// Rounded half away from zero. Limited before it becomes an int: a stored number may be huge.
+int limitedPixels(double value, int lowest, int highest)
+{
+    if (std::isnan(value))
+        return lowest;
+    const double limited = std::min(std::max(std::round(value), double(lowest)), double(highest));
+    return static_cast<int>(limited);
+}
+
+int evenSide(int side)
+{
+    return std::max(side - side % 2, smallestSidePx);
+}
+
+} // namespace
+
+QRect RoiGeometry::pixelRect(const QRectF &normalized, const QSize &frame)
+{
+    if (frame.isEmpty())
+        return {};
+    const int frameWidth = frame.width();
+    const int frameHeight = frame.height();
+    const int x = limitedPixels(frameWidth * normalized.x(), 0, std::max(frameWidth - 2, 0));
+    const int y = limitedPixels(frameHeight * normalized.y(), 0, std::max(frameHeight - 2, 0));
+    const int width = limitedPixels(frameWidth * normalized.width(), 0, frameWidth - x);
+    const int height = limitedPixels(frameHeight * normalized.height(), 0, frameHeight - y);
+    return {x, y, evenSide(width), evenSide(height)};
+}
+
+QRectF RoiGeometry::normalizedRect(const QRectF &pixels, const QSize &frame)
+{
+    return {pixels.x() / frame.width(), pixels.y() / frame.height(), pixels.width() / frame.width(),
+            pixels.height() / frame.height()};
+}
+
+int RoiGeometry::reducedRotation(int stored)
+{
+    const int reduced = (stored % 360 + 360) % 360;
+    return reduced % 90 == 0 ? reduced : 0;
+}
+
+int RoiGeometry::rotationIndex(int stored)
+{
+    const int reduced = reducedRotation(stored);
+    const auto *const found =
+        std::find_if(offeredRotations.cbegin(), offeredRotations.cend(),
+                     [reduced](int offered) { return reducedRotation(offered) == reduced; });
+    return static_cast<int>(found - offeredRotations.cbegin());
+}
+
+int RoiGeometry::rotationAt(int index)
+{
+    const bool offered = index >= 0 && index < static_cast<int>(offeredRotations.size());
+    return offered ? offeredRotations[static_cast<size_t>(index)] : 0;
+}
+
+int RoiGeometry::introFrameCount(double seconds, int fps)
+{
+    return std::max(2, static_cast<int>(std::floor(seconds * fps + 0.5)));
+}
+
+QRectF RoiGeometry::zoomView(const QRectF &region, const QSize &frame, int index, int count)
+{
+    const double time = double(index) / (count - 1);
+    const double share = time * time * (3.0 - 2.0 * time);
+    const auto between = [share](double from, double to) { return from + (to - from) * share; };
+    return {between(0.0, region.x()), between(0.0, region.y()),
+            between(frame.width(), region.width()), between(frame.height(), region.height())};
+}

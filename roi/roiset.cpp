@@ -1,0 +1,122 @@
+#include "roi/roiset.h"
+
+#include "base/jsonfile.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <cmath>
+
+namespace {
+
+const QString &roisKey()
+{
+    static const QString key = QStringLiteral("rois");
+    return key;
+}
+
+/// Also leaves out what is no number: a value beyond the range of doubles arrives as infinity.
+bool hasArea(const QRectF &rect)
+{
+    return std::isfinite(rect.x()) && std::isfinite(rect.y()) && std::isfinite(rect.width()) &&
+           std::isfinite(rect.height()) && rect.width() > 0.0 && rect.height() > 0.0;
+}
+
+Roi roiFromJson(const QJsonObject &object, int count)
+{
+    Roi roi;
+    roi.name = object.value(QStringLiteral("name")).toString(RoiSet::defaultName(count));
+    roi.rect = QRectF(object.value(QStringLiteral("x")).toDouble(),
+                      object.value(QStringLiteral("y")).toDouble(),
+                      object.value(QStringLiteral("width")).toDouble(),
+                      object.value(QStringLiteral("height")).toDouble())
+                   .normalized();
+    roi.enabled = object.value(QStringLiteral("enabled")).toBool(true);
+    roi.rotation = object.value(QStringLiteral("rotation")).toInt();
+    return roi;
+}
+
+QJsonObject roiToJson(const Roi &roi)
+{
+    return {
+        {QStringLiteral("name"), roi.name},
+        {QStringLiteral("x"), roi.rect.x()},
+        {QStringLiteral("y"), roi.rect.y()},
+        {QStringLiteral("width"), roi.rect.width()},
+        {QStringLiteral("height"), roi.rect.height()},
+        {QStringLiteral("rotation"), roi.rotation},
+        {QStringLiteral("enabled"), roi.enabled},
+    };
+}
+
+} // namespace
+
+QString RoiSet::defaultName(int count)
+{
+    return QStringLiteral("ROI %1").arg(count + 1);
+}
+
+QVector<Roi> RoiSet::fromJson(const QJsonObject &object)
+{
+    QVector<Roi> rois;
+    const QJsonArray elements = object.value(roisKey()).toArray();
+    for (const QJsonValue &element : elements) {
+        if (!element.isObject())
+            continue;
+        const Roi roi = roiFromJson(element.toObject(), rois.size());
+        if (hasArea(roi.rect))
+            rois.append(roi);
+    }
+    return rois;
+}
+
+QJsonObject RoiSet::toJson(const QVector<Roi> &rois, const QString &sessionName)
+{
+    QJsonArray elements;
+    for (const Roi &roi : rois)
+        elements.append(roiToJson(roi));
+    return {
+        {QStringLiteral("application"), QStringLiteral("Orvik")},
+        {QStringLiteral("coordinateSystem"), QStringLiteral("normalized-full-frame")},
+        {QStringLiteral("formatVersion"), 2},
+        {roisKey(), elements},
+        {QStringLiteral("session"), sessionName},
+    };
+}
+
+QVector<Roi> RoiSet::load(const QString &sessionDirectory)
+{
+    const std::optional<QJsonObject> object = JsonFile::load(filePath(sessionDirectory));
+    return object ? fromJson(*object) : QVector<Roi>();
+}
+
+bool RoiSet::save(const QVector<Roi> &rois, const QString &sessionDirectory, QString *errorText)
+{
+    const auto fail = [errorText](const QString &text) {
+        if (errorText)
+            *errorText = text;
+        return false;
+    };
+    if (sessionDirectory.isEmpty())
+        return fail(QStringLiteral("No session is loaded."));
+
+    const QString path = filePath(sessionDirectory);
+    if (QFileInfo(path).isSymLink()) // a save file would write through it, wherever it leads
+        QFile::remove(path);
+    switch (JsonFile::save(path, toJson(rois, QDir(sessionDirectory).dirName()))) {
+    case JsonFile::SaveResult::Saved:
+        return true;
+    case JsonFile::SaveResult::CannotOpen:
+        return fail(QStringLiteral("Cannot create rois.json in the session directory."));
+    case JsonFile::SaveResult::CannotCommit:
+        return fail(QStringLiteral("Cannot commit rois.json."));
+    }
+    return false;
+}
+
+QString RoiSet::filePath(const QString &sessionDirectory)
+{
+    return QDir(sessionDirectory).filePath(QStringLiteral("rois.json"));
+}
