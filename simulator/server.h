@@ -42,7 +42,12 @@ public:
 
     /// Listens and serves; @p port 0 picks a free one. False with a reason when it cannot.
     bool start(QString *errorText = nullptr, int port = 0);
+    /// Breaks open connections, hanging ones too; from then on new ones are refused. A stopped
+    /// server may be started again, on the same port when it is named.
     void stop();
+
+    /// How much the pictures kept for a second request may take together; 256 MB at first.
+    void setCacheLimit(qint64 bytes);
 
     QString baseUrl() const; ///< as "network/apiBase" wants it, without trailing slash
     int port() const;

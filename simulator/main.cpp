@@ -1,0 +1,63 @@
+#include "simulator/archive.h"
+#include "simulator/server.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QTextStream>
+
+#include <csignal>
+
+namespace {
+
+/// Makes SIGINT and SIGTERM wait until somebody asks for them; threads started later inherit it.
+sigset_t holdStopSignals()
+{
+    sigset_t stopSignals;
+    sigemptyset(&stopSignals);
+    sigaddset(&stopSignals, SIGINT);
+    sigaddset(&stopSignals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+    return stopSignals;
+}
+
+void describeOptions(QCommandLineParser &parser)
+{
+    parser.setApplicationDescription(
+        QStringLiteral("Serves a sample archive of the Sun as the Helioviewer API v2 does, on this "
+                       "machine only. Prints its base address and runs until it is interrupted."));
+    parser.addHelpOption();
+    parser.addOptions({
+        {QStringLiteral("port"), QStringLiteral("Port to listen on; a free one when left out."),
+         QStringLiteral("N"), QStringLiteral("0")},
+        {QStringLiteral("https"), QStringLiteral("Encrypt, with a certificate nobody has signed.")},
+        {QStringLiteral("cache-mb"), QStringLiteral("Room for pictures kept in memory."),
+         QStringLiteral("N"), QStringLiteral("256")},
+    });
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const sigset_t stopSignals = holdStopSignals();
+    const QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    describeOptions(parser);
+    parser.process(application);
+
+    Simulator::Server server(Simulator::Archive::sample(),
+                             parser.isSet(QStringLiteral("https"))
+                                 ? Simulator::Transport::HttpsSelfSigned
+                                 : Simulator::Transport::Http);
+    server.setCacheLimit(parser.value(QStringLiteral("cache-mb")).toLongLong() * 1024 * 1024);
+    QString errorText;
+    if (!server.start(&errorText, parser.value(QStringLiteral("port")).toInt())) {
+        QTextStream(stderr) << errorText << Qt::endl;
+        return 1;
+    }
+    QTextStream(stdout) << server.baseUrl() << Qt::endl;
+    int signal = 0;
+    sigwait(&stopSignals, &signal);
+    server.stop();
+    return 0;
+}

@@ -1,0 +1,39 @@
+#include "simulator/servicetime.h"
+
+#include <QDateTime>
+#include <QRegularExpression>
+
+namespace Simulator {
+
+std::optional<qint64> parseArchiveTime(const QString &text)
+{
+    QDateTime time = QDateTime::fromString(text, QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    time.setTimeSpec(Qt::UTC);
+    return time.isValid() ? std::optional<qint64>(time.toSecsSinceEpoch()) : std::nullopt;
+}
+
+QString archiveTimeText(qint64 unixTime)
+{
+    return QDateTime::fromSecsSinceEpoch(unixTime, Qt::UTC)
+        .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+}
+
+std::optional<qint64> parseRequestTime(const QString &text)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral("^(\\d{4})[-/](\\d\\d)[-/](\\d\\d)T(\\d\\d:\\d\\d:\\d\\d)(\\.\\d{1,6})?Z$"));
+    const QRegularExpressionMatch match = pattern.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    return parseArchiveTime(
+        QStringLiteral("%1-%2-%3 %4")
+            .arg(match.captured(1), match.captured(2), match.captured(3), match.captured(4)));
+}
+
+QString requestTimeText(qint64 unixTime)
+{
+    return QDateTime::fromSecsSinceEpoch(unixTime, Qt::UTC)
+        .toString(QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'"));
+}
+
+} // namespace Simulator
