@@ -1,0 +1,109 @@
+#include "roi/roiencoder.h"
+
+#include "output/ffmpegcommand.h"
+
+#include <QDateTime>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+constexpr int startLimitMs = 5000;
+constexpr int killWaitMs = 1000;
+constexpr int shownCharacters = 4000;
+constexpr int keptBytes = 16 * shownCharacters; // an encoder that talks for hours stays small
+
+/// What the disk has under a film's name, to tell whether an encoder wrote to it.
+struct FilmState
+{
+    explicit FilmState(const QString &path)
+    {
+        const QFileInfo info(path);
+        sizeBytes = info.exists() ? info.size() : -1;
+        modified = info.lastModified();
+    }
+    bool operator==(const FilmState &other) const
+    {
+        return sizeBytes == other.sizeBytes && modified == other.modified;
+    }
+
+    qint64 sizeBytes;
+    QDateTime modified;
+};
+
+} // namespace
+
+bool RoiEncoder::isPresent(const QString &program, QString *errorText)
+{
+    if (QFileInfo::exists(program))
+        return true;
+    if (errorText)
+        *errorText = QStringLiteral("ffmpeg not found: %1").arg(program);
+    return false;
+}
+
+bool RoiEncoder::run(const QString &program, const QString &framesFolder, const QString &outputFile,
+                     int fps, int crf, QString *errorText)
+{
+    if (!isPresent(program, errorText))
+        return false;
+    if (QFileInfo(outputFile).isSymLink()) // ffmpeg would write through it, wherever it leads
+        QFile::remove(outputFile);
+    const FilmState before(outputFile);
+
+    QProcess process;
+    m_output.clear();
+    process.setWorkingDirectory(framesFolder);
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.setStandardInputFile(QProcess::nullDevice()); // ffmpeg takes keys from its input
+    connect(&process, &QProcess::readyRead, this, &RoiEncoder::collectOutput);
+    m_process = &process;
+    process.start(program,
+                  FfmpegCommand::arguments(fps, QStringLiteral("frame_%06d.png"), crf, outputFile));
+    const bool succeeded = process.waitForStarted(startLimitMs) && waitForEnd(process);
+    m_process = nullptr;
+    if (succeeded)
+        return true;
+
+    if (errorText)
+        *errorText = failureText(process);
+    if (!(FilmState(outputFile) == before))
+        QFile::remove(outputFile);
+    return false;
+}
+
+void RoiEncoder::cancel()
+{
+    if (m_process)
+        m_process->kill();
+}
+
+bool RoiEncoder::waitForEnd(QProcess &process)
+{
+    QEventLoop wait;
+    connect(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &wait,
+            &QEventLoop::quit);
+    connect(&process, &QProcess::errorOccurred, &wait, &QEventLoop::quit);
+    if (process.state() != QProcess::NotRunning)
+        wait.exec();
+    if (process.state() != QProcess::NotRunning) { // the program is quitting, or a pipe broke
+        process.kill();
+        process.waitForFinished(killWaitMs);
+        return false;
+    }
+    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}
+
+void RoiEncoder::collectOutput()
+{
+    m_output.append(m_process->readAll());
+    if (m_output.size() > 2 * keptBytes)
+        m_output.remove(0, m_output.size() - keptBytes);
+}
+
+QString RoiEncoder::failureText(const QProcess &process) const
+{
+    const QString written = QString::fromLocal8Bit(m_output).trimmed();
+    return written.isEmpty() ? process.errorString() : written.right(shownCharacters);
+}
