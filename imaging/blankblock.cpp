@@ -1,0 +1,256 @@
+#include "imaging/blankblock.h"
+
+#include "imaging/imagemetadata.h"
+
+#include <QImage>
+#include <QJsonObject>
+#include <QRect>
+#include <QString>
+
+#include <array>
+#include <cmath>
+#include <optional>
+#include <vector>
+
+namespace {
+
+constexpr int smallestSidePx = 256;
+constexpr double smallestRadiusPx = 32.0;
+constexpr double searchedRadius = 0.9; // the limb itself may be dark
+
+/// The solar disk in pixels of the rendered image.
+struct Disk
+{
+    double centreX;
+    double centreY;
+    double radius;
+};
+
+/// The square cells in which the picture is searched, row by row.
+struct Grid
+{
+    explicit Grid(QSize size)
+        : picture(size)
+        , cellPx(qBound(64, qMin(size.width(), size.height()) / 16, 256))
+        , columns((size.width() + cellPx - 1) / cellPx)
+        , rows((size.height() + cellPx - 1) / cellPx)
+    {}
+
+    QRect cell(int column, int row) const
+    {
+        const QRect whole(column * cellPx, row * cellPx, cellPx, cellPx);
+        return whole.intersected(QRect(QPoint(0, 0), picture));
+    }
+    size_t index(int column, int row) const
+    {
+        return static_cast<size_t>(row) * static_cast<size_t>(columns) +
+               static_cast<size_t>(column);
+    }
+    bool contains(QPoint cell) const { return QRect(0, 0, columns, rows).contains(cell); }
+
+    QSize picture;
+    int cellPx;
+    int columns;
+    int rows;
+};
+
+/// A 4-connected group of blank cells, in cells.
+struct Component
+{
+    QRect box;
+    int cells = 0;
+    bool hasCentre = false;
+};
+
+std::optional<Disk> diskOn(QSize size, const QJsonObject &metadata)
+{
+    const double nativeWidth = metadataNumber(metadata, QStringLiteral("width"));
+    const double nativeHeight = metadataNumber(metadata, QStringLiteral("height"));
+    const double nativeRadius = metadataNumber(metadata, QStringLiteral("rsun"));
+    if (!(nativeWidth > 0.0 && nativeHeight > 0.0 && nativeRadius > 0.0))
+        return std::nullopt;
+
+    const double scaleX = size.width() / nativeWidth;
+    const double scaleY = size.height() / nativeHeight;
+    Disk disk{metadataNumber(metadata, QStringLiteral("refPixelX")) * scaleX,
+              metadataNumber(metadata, QStringLiteral("refPixelY")) * scaleY,
+              (scaleY + scaleX) * nativeRadius * 0.5};
+    if (!(disk.centreX > 0.0 && disk.centreY > 0.0)) {
+        disk.centreX = size.width() * 0.5;
+        disk.centreY = size.height() * 0.5;
+    }
+    if (!(disk.radius > smallestRadiusPx) || !std::isfinite(disk.radius))
+        return std::nullopt;
+    return disk;
+}
+
+bool isInside(const Disk &disk, QPoint pixel)
+{
+    const double dx = pixel.x() - disk.centreX;
+    const double dy = pixel.y() - disk.centreY;
+    const double limit = searchedRadius * disk.radius;
+    return dy * dy + dx * dx <= limit * limit;
+}
+
+bool isSearched(const QRect &cell, const Grid &grid, const Disk &disk)
+{
+    return cell.width() >= grid.cellPx / 2 && cell.height() >= grid.cellPx / 2 &&
+           isInside(disk, cell.topLeft()) && isInside(disk, cell.topRight()) &&
+           isInside(disk, cell.bottomLeft()) && isInside(disk, cell.bottomRight());
+}
+
+/// Transparent, or black, each but for the last bit.
+bool isBlank(QRgb pixel)
+{
+    return (pixel & 0xfe000000U) == 0 || (pixel & 0x00fefefeU) == 0;
+}
+
+using BlankValues = std::array<bool, 256>;
+
+/// Which of the 256 pixel values of an 8-bit picture are blank, once converted to ARGB32.
+BlankValues blankValues(const QImage &image)
+{
+    QImage ramp(256, 1, image.format());
+    ramp.setColorTable(image.colorTable());
+    uchar *value = ramp.scanLine(0);
+    for (int i = 0; i < 256; ++i)
+        value[i] = static_cast<uchar>(i);
+
+    const QImage converted = ramp.convertToFormat(QImage::Format_ARGB32);
+    const auto *pixel = reinterpret_cast<const QRgb *>(converted.constScanLine(0));
+    BlankValues blank{};
+    for (size_t i = 0; i < blank.size(); ++i)
+        blank[i] = isBlank(pixel[i]);
+    return blank;
+}
+
+/// True when at least 99.8 % of the samples of @p cell are blank.
+template<typename Pixel, typename BlankTest>
+bool isBlankCell(const QImage &image, const QRect &cell, const BlankTest &isBlankPixel)
+{
+    const int step = qMax(1, qMin(cell.width(), cell.height()) / 32);
+    int samples = 0;
+    int blanks = 0;
+    for (int y = cell.top(); y <= cell.bottom(); y += step) {
+        const auto *line = reinterpret_cast<const Pixel *>(image.constScanLine(y));
+        for (int x = cell.left(); x <= cell.right(); x += step) {
+            ++samples;
+            blanks += isBlankPixel(line[x]) ? 1 : 0;
+        }
+    }
+    return samples >= 1 && blanks * 1000 >= samples * 998;
+}
+
+template<typename Pixel, typename BlankTest>
+std::vector<bool> blankCells(const QImage &image, const Grid &grid, const Disk &disk,
+                             const BlankTest &isBlankPixel)
+{
+    std::vector<bool> blank;
+    blank.reserve(grid.index(0, grid.rows));
+    for (int row = 0; row < grid.rows; ++row) {
+        for (int column = 0; column < grid.columns; ++column) {
+            const QRect cell = grid.cell(column, row);
+            blank.push_back(isSearched(cell, grid, disk) &&
+                            isBlankCell<Pixel>(image, cell, isBlankPixel));
+        }
+    }
+    return blank;
+}
+
+/// Reads the formats that frames come in where they lie; any other is converted as a whole.
+std::vector<bool> blankCells(const QImage &image, const Grid &grid, const Disk &disk)
+{
+    switch (image.format()) {
+    case QImage::Format_Indexed8:
+    case QImage::Format_Grayscale8: {
+        const BlankValues blank = blankValues(image);
+        return blankCells<uchar>(image, grid, disk, [&](uchar value) { return blank[value]; });
+    }
+    case QImage::Format_RGB32: // its top byte means nothing: the picture is opaque
+        return blankCells<QRgb>(image, grid, disk,
+                                [](QRgb pixel) { return isBlank(pixel | 0xff000000U); });
+    case QImage::Format_ARGB32:
+        return blankCells<QRgb>(image, grid, disk, isBlank);
+    default:
+        return blankCells<QRgb>(image.convertToFormat(QImage::Format_ARGB32), grid, disk, isBlank);
+    }
+}
+
+QPoint centreCell(const Grid &grid, const Disk &disk)
+{
+    // Bounded before it becomes an integer: the centre may lie far outside a sub-field image.
+    const int x = static_cast<int>(qBound(0.0, disk.centreX, double(grid.picture.width())));
+    const int y = static_cast<int>(qBound(0.0, disk.centreY, double(grid.picture.height())));
+    return {qBound(0, x / grid.cellPx, grid.columns - 1),
+            qBound(0, y / grid.cellPx, grid.rows - 1)};
+}
+
+/// Collects the component of @p first and clears its cells in @p blank: each is visited once.
+Component takeComponent(QPoint first, const Grid &grid, QPoint centre, std::vector<bool> &blank)
+{
+    Component component;
+    std::vector<QPoint> pending{first};
+    blank[grid.index(first.x(), first.y())] = false;
+    while (!pending.empty()) {
+        const QPoint cell = pending.back();
+        pending.pop_back();
+        ++component.cells;
+        component.box |= QRect(cell, QSize(1, 1));
+        component.hasCentre = component.hasCentre || cell == centre;
+        for (const QPoint step : {QPoint(-1, 0), QPoint(1, 0), QPoint(0, -1), QPoint(0, 1)}) {
+            const QPoint next = cell + step;
+            if (!grid.contains(next) || !blank[grid.index(next.x(), next.y())])
+                continue;
+            blank[grid.index(next.x(), next.y())] = false;
+            pending.push_back(next);
+        }
+    }
+    return component;
+}
+
+/// The renderer leaves squares; a dark region of the Sun is ragged, an occulter covers the centre.
+bool looksLikeBlock(const Component &component)
+{
+    const int boxCells = component.box.width() * component.box.height();
+    return !component.hasCentre && component.cells * 100 >= boxCells * 75;
+}
+
+std::optional<QRect> firstBlock(const Grid &grid, const Disk &disk, std::vector<bool> blank)
+{
+    const QPoint centre = centreCell(grid, disk);
+    for (int row = 0; row < grid.rows; ++row) {
+        for (int column = 0; column < grid.columns; ++column) {
+            if (!blank[grid.index(column, row)])
+                continue;
+            const Component component = takeComponent({column, row}, grid, centre, blank);
+            if (looksLikeBlock(component))
+                return component.box;
+        }
+    }
+    return std::nullopt;
+}
+
+QString warningText(const QRect &cells, const Grid &grid)
+{
+    const int x = cells.left() * grid.cellPx;
+    const int y = cells.top() * grid.cellPx;
+    const int width = qMin(cells.width() * grid.cellPx, grid.picture.width() - x);
+    const int height = qMin(cells.height() * grid.cellPx, grid.picture.height() - y);
+    return QStringLiteral("possible blank renderer block at x=%1 y=%2, approx. %3x%4 px")
+        .arg(QString::number(x), QString::number(y), QString::number(width),
+             QString::number(height));
+}
+
+} // namespace
+
+QString detectBlankRendererBlock(const QImage &image, const QJsonObject &metadata)
+{
+    if (image.isNull() || image.width() < smallestSidePx || image.height() < smallestSidePx)
+        return {};
+    const std::optional<Disk> disk = diskOn(image.size(), metadata);
+    if (!disk)
+        return {};
+    const Grid grid(image.size());
+    const std::optional<QRect> block = firstBlock(grid, *disk, blankCells(image, grid, *disk));
+    return block ? warningText(*block, grid) : QString();
+}
