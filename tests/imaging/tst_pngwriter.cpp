@@ -1,0 +1,102 @@
+#include "imaging/pngwriter.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QRandomGenerator>
+#include <QtTest>
+
+using PngWriter::Packing;
+
+namespace {
+
+/// Every channel random, alpha 0 over a colour among them.
+QImage noise(QSize size, QImage::Format format = QImage::Format_ARGB32)
+{
+    QImage image(size, format);
+    QRandomGenerator random(20240501);
+    random.fillRange(reinterpret_cast<QRgb *>(image.bits()), size.width() * size.height());
+    image.setPixel(0, 0, 0x00ff8040U);
+    return image;
+}
+
+QImage sun(QSize size)
+{
+    QRadialGradient limb(QPointF(size.width() / 2.0, size.height() / 2.0), size.width() / 2.0);
+    limb.setColorAt(0.0, QColor(255, 240, 160));
+    limb.setColorAt(1.0, Qt::black);
+    QImage image(size, QImage::Format_ARGB32);
+    QPainter(&image).fillRect(image.rect(), limb);
+    return image;
+}
+
+} // namespace
+
+class tst_PngWriter : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_folder;
+    QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
+
+private slots:
+    void pixelsEqualThoseOfQt_data()
+    {
+        QTest::addColumn<QImage>("image");
+        QTest::newRow("noise with alpha") << noise({333, 301});
+        QTest::newRow("one pixel") << noise({1, 1});
+        QTest::newRow("one column") << noise({1, 257});
+        QTest::newRow("opaque") << noise({255, 64}, QImage::Format_RGB32);
+        QTest::newRow("sun") << sun({1024, 1024});
+        QTest::newRow("large") << sun({3072, 3040}).convertToFormat(QImage::Format_RGB32);
+        QTest::newRow("gray") << sun({65, 300}).convertToFormat(QImage::Format_Grayscale8);
+    }
+    void pixelsEqualThoseOfQt()
+    {
+        QFETCH(QImage, image);
+        const auto alpha = image.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32;
+        QVERIFY(image.save(path("qt.png"), "PNG", 100));
+        for (const Packing packing : {Packing::Balanced, Packing::Quick}) {
+            QVERIFY(PngWriter::save(image, path("ours.png"), packing));
+            const QImage decoded(path("ours.png"), "PNG");
+            QCOMPARE(decoded.format(), alpha);
+            QCOMPARE(decoded, image.convertToFormat(alpha));
+            QCOMPARE(decoded, QImage(path("qt.png")).convertToFormat(alpha));
+        }
+    }
+
+    /// Where every pixel differs a little from the one above, the differences pack best.
+    void smoothPicturesAreFiltered()
+    {
+        QImage ramps(256, 256, QImage::Format_RGB32);
+        for (int i = 0; i < 256 * 256; ++i)
+            ramps.setPixel(i % 256, i / 256, qRgb(i % 256 * 7, i / 256 * 5, i % 251));
+        QVERIFY(PngWriter::save(ramps, path("kept.png")));
+        QVERIFY(PngWriter::save(ramps, path("quick.png"), Packing::Quick));
+        QVERIFY(QFileInfo(path("kept.png")).size() * 4 < QFileInfo(path("quick.png")).size());
+    }
+
+    void failuresLeaveNoFile()
+    {
+        QVERIFY(!PngWriter::save(sun({8, 8}), path("missing/frame_000000.png")));
+        QVERIFY(!QFileInfo::exists(path("missing")));
+        QVERIFY(!PngWriter::save(QImage(), path("null.png")));
+        QVERIFY(!QFileInfo::exists(path("null.png")));
+        QVERIFY(QDir().mkdir(path("taken.png")));
+        QVERIFY(!PngWriter::save(sun({8, 8}), path("taken.png")));
+        QVERIFY(!QFileInfo::exists(path("taken.png.part")));
+    }
+
+    /// The file to be is a link to a device on which every write fails for want of space.
+    void fullDiskKeepsTheFormerFile()
+    {
+        QVERIFY(PngWriter::save(sun({32, 32}), path("frame.png")));
+        QVERIFY(QFile::link(QStringLiteral("/dev/full"), path("frame.png.part")));
+        QVERIFY(!PngWriter::save(noise({32, 32}), path("frame.png")));
+        QCOMPARE(QImage(path("frame.png")), sun({32, 32}));
+        QVERIFY(!QFileInfo(path("frame.png.part")).isSymLink());
+    }
+};
+
+QTEST_MAIN(tst_PngWriter)
+#include "tst_pngwriter.moc"
