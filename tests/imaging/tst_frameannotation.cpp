@@ -1,0 +1,117 @@
+#include "imaging/annotationlayout.h"
+#include "imaging/frameannotation.h"
+
+#include <QBitmap>
+#include <QJsonObject>
+#include <QtTest>
+
+namespace Layout = AnnotationLayout;
+
+namespace {
+
+const QDateTime noon(QDate(2024, 5, 1), QTime(12, 0, 7), Qt::UTC);
+
+/// The pixels of a white frame that annotating changes.
+QRect paintedArea(QSize size, const QDateTime &time, const QString &label, double kmPerPixel)
+{
+    QImage frame(size, QImage::Format_ARGB32);
+    frame.fill(Qt::white);
+    drawFrameAnnotations(frame, time, label, true, true, true, kmPerPixel);
+    frame.invertPixels();
+    return QRegion(QBitmap::fromImage(frame.createMaskFromColor(0xff000000U))).boundingRect();
+}
+
+} // namespace
+
+class tst_FrameAnnotation : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void measuresFollowTheWidth()
+    {
+        const auto numbers = [](int width) {
+            const auto m = Layout::measuresFor(width);
+            return QVector<int>{m.margin,      m.paddingX, m.paddingY, m.textPx,
+                                m.scaleTextPx, m.tickPx,   m.linePx};
+        };
+        QCOMPARE(numbers(100), (QVector<int>{8, 6, 4, 8, 8, 5, 1}));
+        QCOMPARE(numbers(1024), (QVector<int>{12, 8, 4, 18, 15, 5, 1}));
+        QCOMPARE(numbers(2048), (QVector<int>{25, 17, 9, 37, 31, 11, 2}));
+    }
+
+    void textShrinksToFit()
+    {
+        const auto tenPerPixel = [](int px) { return 10 * px; };
+        QCOMPARE(Layout::fittingTextPx(18, 180, tenPerPixel), 18);
+        QCOMPARE(Layout::fittingTextPx(18, 179, tenPerPixel), 17);
+        QCOMPARE(Layout::fittingTextPx(18, 1, tenPerPixel), 6);
+    }
+
+    void scaleBars()
+    {
+        const auto bar = Layout::scaleBarFor(1024, 1739.25);
+        QCOMPARE(bar.lengthPx, 115);
+        QCOMPARE(bar.label, QStringLiteral("200 000 km"));
+        const auto scale = Layout::scaleBoxFor(1024, Layout::measuresFor(1024), 115, {80, 18});
+        QCOMPARE(scale.box, QRect(1024 - 12 - 131, 12, 131, 18 + 4 + 5 + 8));
+        QCOMPARE(scale.label, QRect(889, 16, 115, 18));
+        QCOMPARE(scale.right, QPoint(1011 - 8, 46 - 2 - 4));
+        QCOMPARE(scale.left, QPoint(1003 - 115, 40));
+        QCOMPARE(Layout::scaleBarFor(100, 0.095).lengthPx, 0); // 1 km would be 11 pixels
+        for (const double unknown : {0.0, -1.0, qQNaN(), qInf()})
+            QCOMPARE(Layout::scaleBarFor(1024, unknown).lengthPx, 0);
+    }
+
+    void overlaysLieInTheirCorners()
+    {
+        for (const QSize size : {QSize(100, 80), QSize(1024, 1024), QSize(2048, 1001)}) {
+            const int margin = Layout::measuresFor(size.width()).margin;
+            const QRect inner = QRect(QPoint(), size).adjusted(margin, margin, -margin, -margin);
+            QCOMPARE(paintedArea(size, noon, {}, 0).bottomLeft(), inner.bottomLeft());
+            QCOMPARE(paintedArea(size, {}, QStringLiteral(" A "), 0).bottomRight(),
+                     inner.bottomRight());
+            QCOMPARE(paintedArea(size, {}, {}, 1e-4).topRight(), inner.topRight());
+            const QRect clipped = paintedArea(size, {}, QString(2000, QLatin1Char('W')), 0);
+            QCOMPARE(clipped.width(), inner.width());
+            QCOMPARE(clipped.bottomLeft(), inner.bottomLeft());
+        }
+        QCOMPARE(paintedArea({640, 480}, {}, QStringLiteral(" \t "), 0), QRect());
+    }
+
+    void annotatedCopyIsSaved()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("a/b/frame_000000.png"));
+        QImage original(512, 512, QImage::Format_RGB32);
+        original.fill(Qt::white);
+        const QJsonObject metadata{{QStringLiteral("rsun"), 200}, {QStringLiteral("width"), 512}};
+        const QString label = QStringLiteral("AIA 171");
+        QVERIFY(saveTimestampedFrame(original, path, noon, label, metadata, true, true));
+        QCOMPARE(original.pixel(8, 503), 0xffffffffU);
+        QCOMPARE(QImage(path).pixel(8, 503), qRgb(90, 90, 90)); // under 165 of 255 black
+        QImage expected = original.convertToFormat(QImage::Format_ARGB32);
+        drawFrameAnnotations(expected, noon, label, true, true, true, 695700.0 / 200);
+        QCOMPARE(QImage(path), expected);
+    }
+
+    void failuresAreNamed()
+    {
+        const QTemporaryDir folder;
+        const QImage frame(8, 8, QImage::Format_Grayscale8);
+        const auto errorOf = [&folder](const QImage &image, const char *path) {
+            QString error;
+            saveTimestampedFrame(image, folder.filePath(QString::fromLatin1(path)), noon, {}, {},
+                                 true, true, &error);
+            return error;
+        };
+        QVERIFY(QFile(folder.filePath(QStringLiteral("file"))).open(QIODevice::WriteOnly));
+        QCOMPARE(errorOf({}, "x.png"), QStringLiteral("cannot decode downloaded PNG"));
+        QCOMPARE(errorOf(frame, "file/x.png"),
+                 QStringLiteral("cannot create timestamped frame directory"));
+        QCOMPARE(errorOf(frame, "."), QStringLiteral("cannot save timestamped PNG"));
+    }
+};
+
+QTEST_MAIN(tst_FrameAnnotation)
+#include "tst_frameannotation.moc"
