@@ -1,0 +1,101 @@
+#include "acquisition/sessionlayout.h"
+
+#include "acquisition/acquisitionlog.h"
+#include "acquisition/acquisitionsettings.h"
+#include "base/filenames.h"
+#include "base/utctext.h"
+#include "output/sessionfiles.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
+
+namespace {
+
+/// A link that leads nowhere does not exist, yet its name is taken.
+bool isTaken(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.exists() || info.isSymLink();
+}
+
+std::nullopt_t refuse(const QString &reason, QString *errorText)
+{
+    if (errorText)
+        *errorText = reason;
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<SessionFolders> SessionLayout::create(const QString &outputRoot,
+                                                    const AcquisitionSettings &settings,
+                                                    QString *errorText)
+{
+    if (!QDir().mkpath(outputRoot))
+        return refuse(AcquisitionLog::cannotCreateOutputRoot(), errorText);
+    const std::optional<QString> directory =
+        createSessionDirectory(outputRoot, settings.startUtc, settings.endUtc);
+    if (!directory)
+        return refuse(AcquisitionLog::cannotCreateSessionDirectory(), errorText);
+
+    const QHash<int, SourceFolder> sources =
+        sourceFolders(*directory, settings.sources, settings.startUtc);
+    for (const SourceFolder &folder : sources)
+        QDir().mkpath(folder.videoFramesDirectory);
+    return SessionFolders{*directory, sources};
+}
+
+std::optional<QString> SessionLayout::createSessionDirectory(const QString &outputRoot,
+                                                             const QDateTime &startUtc,
+                                                             const QDateTime &endUtc)
+{
+    const QDir root(outputRoot);
+    const QString name = QStringLiteral("%1__%2").arg(UtcText::toFolderText(startUtc),
+                                                      UtcText::toFolderText(endUtc));
+    QString candidate = name;
+    for (int number = 2; !root.mkdir(candidate); ++number) {
+        if (!isTaken(root.absoluteFilePath(candidate)))
+            return std::nullopt; // not for its name
+        candidate = QStringLiteral("%1_%2").arg(name, QString::number(number));
+    }
+    return root.absoluteFilePath(candidate);
+}
+
+QHash<int, SourceFolder> SessionLayout::sourceFolders(const QString &sessionDirectory,
+                                                      const QVector<DataSource> &sources,
+                                                      const QDateTime &startUtc)
+{
+    const QDir session(sessionDirectory);
+    QHash<int, SourceFolder> folders;
+    QSet<QString> taken;
+    for (const DataSource &source : sources) {
+        if (folders.contains(source.sourceId))
+            continue; // listed twice, it is still one datasource
+        QString name = FileNames::datasourceFolder(source.nickname, startUtc);
+        if (taken.contains(name))
+            name += QLatin1Char('_') + QString::number(source.sourceId);
+        taken.insert(name);
+        const QString directory = session.absoluteFilePath(name);
+        folders.insert(
+            source.sourceId,
+            {name, directory, QDir(directory).filePath(SessionFiles::videoFramesFolder())});
+    }
+    return folders;
+}
+
+QString SessionLayout::frameName(int number)
+{
+    return QStringLiteral("frame_%1.png").arg(number, 6, 10, QLatin1Char('0'));
+}
+
+QString SessionLayout::framePattern()
+{
+    return SessionFiles::videoFramesFolder() + QStringLiteral("/frame_%06d.png");
+}
+
+QString SessionLayout::filmPath(const SourceFolder &folder)
+{
+    return QDir(folder.directory).filePath(folder.name + QStringLiteral(".mp4"));
+}

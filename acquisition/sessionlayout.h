@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <QVector>
+
+#include <optional>
+
+class QDateTime;
+struct AcquisitionSettings;
+struct DataSource;
+
+/// Where a session keeps what it has of one datasource.
+struct SourceFolder
+{
+    QString name;      ///< also the base name of its film
+    QString directory; ///< absolute; holds the originals
+    QString videoFramesDirectory;
+};
+
+/// Where a session keeps everything.
+struct SessionFolders
+{
+    QString directory;                ///< absolute
+    QHash<int, SourceFolder> sources; ///< by sourceId
+};
+
+/// Names and places of a session's files.
+namespace SessionLayout {
+
+/**
+ * Creates the directories of a session under @p outputRoot, and that one where it is missing.
+ *
+ * Folders of datasources that cannot be created show when their first frame arrives.
+ *
+ * @return nothing when there can be no session; @p errorText, which may be null, then says why
+ */
+std::optional<SessionFolders> create(const QString &outputRoot, const AcquisitionSettings &settings,
+                                     QString *errorText);
+
+/**
+ * Creates a session's own directory, named after its interval, under @p outputRoot.
+ *
+ * A name that is taken gets "_2", "_3" and so on. The directory itself is the claim: of two
+ * programs that start at the same moment only one can create it, the other goes on to the next.
+ *
+ * @return absolute path, or nothing when no directory can be created there
+ */
+std::optional<QString> createSessionDirectory(const QString &outputRoot, const QDateTime &startUtc,
+                                              const QDateTime &endUtc);
+
+/**
+ * The folders of a session's datasources by sourceId.
+ *
+ * Different datasources may carry the same nickname; the later one then gets "_" and its sourceId
+ * appended, so that no two share a folder.
+ */
+QHash<int, SourceFolder> sourceFolders(const QString &sessionDirectory,
+                                       const QVector<DataSource> &sources,
+                                       const QDateTime &startUtc);
+
+/// "frame_000000.png": the same number names the original and its annotated copy.
+QString frameName(int number);
+
+/// Frames as ffmpeg's image sequence reader takes them, relative to the datasource's folder.
+QString framePattern();
+
+/// The film of a datasource, inside its folder.
+QString filmPath(const SourceFolder &folder);
+
+} // namespace SessionLayout

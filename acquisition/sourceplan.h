@@ -1,0 +1,27 @@
+#pragma once
+
+#include "acquisition/acquisitionplan.h"
+#include "acquisition/cadenceanalysis.h"
+
+enum class PreflightMode;
+
+/// How one datasource is sampled, and what is said about it.
+struct SourcePlan
+{
+    RequestSchedule schedule;
+    CadenceStatistics statistics;
+    QString logLine;
+};
+
+namespace SourcePlanning {
+
+/**
+ * The plan of one datasource.
+ *
+ * @param frameSeconds  what its probe found: ascending, unique seconds since the epoch; looked at
+ *                      only where @p mode is a quick probe
+ */
+SourcePlan plan(const DataSource &source, PreflightMode mode, const QVector<qint64> &frameSeconds,
+                const AcquisitionSettings &settings);
+
+} // namespace SourcePlanning

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QString>
+
+struct AcquisitionSettings;
+struct DataSource;
+struct FrameRequest;
+
+/// How a datasource is sampled and how exactly its images must meet the requested time.
+enum class SourceTimingProfile { Aia, Suvi, Default };
+
+/// "AIA", "SUVI" or "DEFAULT", the word that logs and descriptors carry.
+QString toText(SourceTimingProfile profile);
+
+namespace SourceTiming {
+
+/// Judged by nickname and catalog path in any letter case; SUVI goes before AIA.
+SourceTimingProfile profileOf(const DataSource &source);
+
+/// Dense archives are sampled at the requested cadence without a look at them first.
+bool isDense(const DataSource &source);
+
+/**
+ * Seconds by which an image of @p source may miss the requested time.
+ *
+ * AIA and SUVI have tolerances of their own in sys/orvik.ini, read anew at each call, unless the
+ * user has switched the profiles off.
+ */
+int toleranceSeconds(const DataSource &source, const AcquisitionSettings &settings);
+int toleranceSeconds(const FrameRequest &request, const AcquisitionSettings &settings);
+
+} // namespace SourceTiming
