@@ -1,0 +1,163 @@
+#pragma once
+
+#include "acquisition/acquisitionplan.h"
+#include "acquisition/acquisitionsettings.h"
+#include "acquisition/framelookup.h"
+#include "acquisition/probequeue.h"
+#include "acquisition/sessiontally.h"
+#include "output/encodequeue.h"
+#include "output/manifestwriter.h"
+
+#include <QObject>
+#include <QProcess>
+#include <QTimer>
+
+#include <optional>
+
+class HelioviewerClient;
+class QImage;
+
+/**
+ * Runs one acquisition at a time, from settings to finished films.
+ *
+ * A session goes through its stages by the signals of its child processes: curl for the cadence
+ * probes, the lookups and the downloads, ffmpeg for the films. Each step that follows another is
+ * taken from the event loop and never from inside the slot of the step before: a request that
+ * fails at once must not call itself, a QProcess cannot be started again from its own
+ * errorOccurred, and a frame's memory is to be free before the next child is forked.
+ *
+ * Slots connected to the signals may call stop() at any time, and start() as soon as isRunning()
+ * tells false. Destruction ends a session without a word: children are killed, the manifest stays,
+ * no descriptor is written.
+ */
+class AcquisitionController : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit AcquisitionController(QObject *parent = nullptr);
+    ~AcquisitionController() override;
+
+    bool isRunning() const { return m_stage != Stage::Idle; }
+
+    /**
+     * Starts a session with a copy of @p settings.
+     *
+     * @return false when it cannot be started; @p errorText, which may be null, then says why
+     */
+    bool start(const AcquisitionSettings &settings, QString *errorText = nullptr);
+    /// Ends the running session as canceled before it returns; all files written so far stay.
+    void stop();
+
+signals:
+    /// A line for the log.
+    void logMessage(const QString &text);
+    /// After every probe, request and film; counts anew from 0 when the plan is ready.
+    void progressChanged(int value, int maximum);
+    /// At each change of stage and for every probe and lookup.
+    void stateChanged(const QString &text);
+    /// Once per datasource when the plan is built; @p uniqueFrames is -1 for one that is sampled
+    /// without a probe, and all are 0 when the probe failed.
+    void sourceTimingAnalyzed(int sourceId, int uniqueFrames, int medianSeconds, int minSeconds,
+                              int maxSeconds);
+    /// After every accepted frame; @p imageFile is the annotated copy where there is one.
+    void previewReady(const QString &sourceName, const QString &imageFile,
+                      const QDateTime &requestedUtc, const QDateTime &actualUtc,
+                      qint64 deltaSeconds);
+    /// Once per session, as its last signal.
+    void finished(bool canceled, const QString &sessionDirectory);
+
+private slots:
+    void onFrameIndex(int sourceId, const QDateTime &startUtc, const QDateTime &endUtc,
+                      const QVector<QDateTime> &framesUtc, const QString &note);
+    void onClosestImage(int sourceId, const QDateTime &requestedUtc, qint64 imageId,
+                        const QDateTime &actualUtc, const QJsonObject &answer);
+    void onImageDownloaded(int sourceId, const QDateTime &requestedUtc, const QDateTime &actualUtc,
+                           qint64 imageId, const QString &file);
+    void onClientError(const QString &operation, const QString &message);
+    void onPreflightError(const QString &operation, const QString &message);
+    void onFfmpegFinished(int exitCode, QProcess::ExitStatus exitStatus);
+    void onFfmpegError(QProcess::ProcessError error);
+    void onFfmpegReadyRead();
+
+private:
+    enum class Stage {
+        Idle,
+        Preflight, ///< measuring cadences
+        Acquiring, ///< working through the plan
+        Encoding,  ///< making films
+        Stopping,  ///< stop was requested, children are being killed
+    };
+
+    void enterStage(Stage stage);
+    void takeNextStep();
+
+    void resetSession(const AcquisitionSettings &settings);
+    bool createSessionFiles(QString *errorText);
+    void classifySources();
+    bool announceSession();
+
+    void scheduleProbes();
+    bool startProbe(int worker);
+    void growProbePool(int workers);
+    std::optional<ProbeWindow> releaseProbe();
+    void fallBack(const DataSource &source, const QString &line);
+    void closeProbe();
+
+    void buildPlan();
+    bool planSource(const DataSource &source, QVector<RequestSchedule> *schedules);
+
+    void issueNextLookup();
+    bool isCurrent(int sourceId, const QDateTime &requestedUtc) const;
+    void acceptForDownload();
+    void startDownload();
+    void downloadAgain();
+    bool warnOfBlankBlock(const QImage &image);
+    bool writeVideoFrame(QImage image);
+    void acceptFrame();
+    void closeRequest(FrameStatus status, const QString &line);
+    bool appendRow(const ManifestRow &row);
+    void advance();
+    void discardFrame();
+
+    void beginEncoding();
+    bool concludeSource(const DataSource &source);
+    void encodeNext();
+    void closeFilm();
+    void finishEncoding();
+
+    void cancelChildren();
+    void finish(bool canceled);
+    qint64 totalSteps() const;
+
+    /// Whether the session that a step began in is still the one that runs.
+    bool isSession(int session) const { return m_session == session; }
+    template<typename Signal, typename... Values>
+    bool send(Signal signal, const Values &...values);
+    bool report(const QString &line);
+    bool reportProgress(qint64 value, qint64 maximum);
+    bool reportState(const QString &text);
+    bool reportTiming(int sourceId, const CadenceStatistics &statistics);
+    bool reportPreview(const FrameLookup &frame, const QString &imageFile);
+
+    Stage m_stage = Stage::Idle;
+    int m_session = 0; // changes at each start and finish
+    QTimer m_nextStep;
+
+    AcquisitionSettings m_settings;
+    QString m_sessionDirectory;
+    ManifestWriter m_manifest;
+    bool m_manifestWaits = false; // rows could not be written yet, and the user knows
+    SessionTally m_tally;
+
+    QVector<HelioviewerClient *> m_probeClients; // children of this object, kept for all sessions
+    ProbeQueue m_probes;                         // workers are indices of the clients
+
+    AcquisitionPlan m_plan;
+    HelioviewerClient *m_client;         // child of this object; lookups and downloads
+    std::optional<FrameLookup> m_lookup; // the request in flight
+
+    EncodeQueue m_films;
+    QProcess m_ffmpeg;
+    bool m_encoding = false; // the end of an encoder run is still to be told
+};
