@@ -37,5 +37,8 @@ if(ORVIK_LINT)
     "SHELL:-Xclang -load -Xclang ClazyPlugin.so"
     "SHELL:-Xclang -add-plugin -Xclang clazy"
     "SHELL:-Xclang -plugin-arg-clazy -Xclang level1")
-  set(CMAKE_CXX_CLANG_TIDY clang-tidy --quiet)
+  # Our headers, but not what moc and uic write into a build folder within the project.
+  string(REGEX REPLACE "([][+.*()^$?{}|\\])" "\\\\\\1" root "${PROJECT_SOURCE_DIR}")
+  set(CMAKE_CXX_CLANG_TIDY clang-tidy --quiet
+    "--header-filter=^${root}/(app|base|client|imaging|output|acquisition|roi|ui|simulator|demo|bench|tests)/")
 endif()
