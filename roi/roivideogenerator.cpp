@@ -192,7 +192,7 @@ bool RoiVideoGenerator::writePicture(const Job &job, const QImage &upright, cons
     if (m_plan.timestampOverlay || m_plan.sourceOverlay || m_plan.scaleOverlay)
         drawFrameAnnotations(picture, utc, job.nickname(), m_plan.timestampOverlay,
                              m_plan.sourceOverlay, m_plan.scaleOverlay, kmPerPixel);
-    return PngWriter::save(picture, path);
+    return PngWriter::save(picture, path, PngWriter::Packing::Quick);
 }
 
 /// A cut changes no pixel's length, so it is the full frame's width that counts.
