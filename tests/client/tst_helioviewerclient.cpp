@@ -266,7 +266,7 @@ private slots:
         client.reset();
         QCOMPARE(errors.size(), 0);
         QVERIFY(!QFile::exists(m_png));
-        const auto child = static_cast<pid_t>(FakeProgram::runs(m_curl).first().processId);
+        const auto child = static_cast<pid_t>(FakeProgram::runs(m_curl).constFirst().processId);
         QVERIFY(kill(child, 0) != 0); // ended and reaped
     }
 
@@ -275,6 +275,5 @@ private:
     QString m_png;
 };
 
-Q_DECLARE_METATYPE(FakeProgram::Reply)
 QTEST_GUILESS_MAIN(TestHelioviewerClient)
 #include "tst_helioviewerclient.moc"

@@ -45,7 +45,7 @@ QJsonObject toJson(const FakeProgram::Reply &reply)
 
 QString FakeProgram::install(const QString &path)
 {
-    const QString program = QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(path);
+    QString program = QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(path);
     QDir().mkpath(QFileInfo(program).path());
     for (const QString &old : {program, journalPath(program), scriptPath(program)})
         QFile::remove(old);

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QMap>
+#include <QMetaType>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -67,3 +68,5 @@ QVector<QStringList> argumentLists(const QString &program);
 void clearJournal(const QString &program);
 
 } // namespace FakeProgram
+
+Q_DECLARE_METATYPE(FakeProgram::Reply) // a column of a data table
