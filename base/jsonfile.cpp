@@ -10,8 +10,10 @@ JsonFile::SaveResult JsonFile::save(const QString &path, const QJsonObject &obje
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return SaveResult::CannotOpen;
-    file.write(QJsonDocument(object).toJson(QJsonDocument::Indented));
-    return file.commit() ? SaveResult::Saved : SaveResult::CannotCommit;
+    const QByteArray json = QJsonDocument(object).toJson(QJsonDocument::Indented);
+    // A disk that fills up takes a part of it, which QSaveFile does not see as an error.
+    const bool written = file.write(json) == json.size();
+    return written && file.commit() ? SaveResult::Saved : SaveResult::CannotCommit;
 }
 
 std::optional<QJsonObject> JsonFile::load(const QString &path, QString *errorText)

@@ -1,0 +1,70 @@
+#include "base/filenames.h"
+#include "base/utctext.h"
+
+#include <QtTest>
+
+/// Times and names as texts.
+class TestTexts : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        qputenv("TZ", "Europe/Berlin"); // local time is never UTC here
+        tzset();
+    }
+
+    void timeFromText_data()
+    {
+        const QString noon = QStringLiteral("2024-05-01T12:00:07Z");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("expected"); // empty: invalid
+        QTest::newRow("white space around") << QStringLiteral(" \t%1\r\n").arg(noon) << noon;
+        QTest::newRow("milliseconds") << QStringLiteral("2024-05-01T12:00:07.999Z") << noon;
+        QTest::newRow("offset") << QStringLiteral("2024-05-01T14:00:07+02:00") << noon;
+        QTest::newRow("no zone: local time") << QStringLiteral("2024-05-01T14:00:07") << noon;
+        QTest::newRow("blank") << QStringLiteral("  ") << QString();
+        QTest::newRow("no such day") << QStringLiteral("2024-02-30T12:00:07Z") << QString();
+    }
+
+    void timeFromText()
+    {
+        QFETCH(QString, text);
+        QTEST(UtcText::toText(UtcText::fromText(text)), "expected");
+    }
+
+    void timeToText()
+    {
+        const QDateTime time(QDate(2024, 1, 1), QTime(0, 30, 9, 999), Qt::OffsetFromUTC, 3600);
+        QCOMPARE(UtcText::toText(time), QStringLiteral("2023-12-31T23:30:09Z"));
+        QCOMPARE(UtcText::toOverlayText(time), QStringLiteral("2023-12-31 23:30:09 UTC"));
+        QCOMPARE(UtcText::toDisplayText(time), QStringLiteral("2023-12-31 23:30:09"));
+        QCOMPARE(FileNames::datasourceFolder(QString(), time),
+                 QStringLiteral("source_20231231_233009"));
+        QCOMPARE(UtcText::signedDelta(0), QStringLiteral("+0"));
+        QCOMPARE(UtcText::signedDelta(-7), QStringLiteral("-7"));
+    }
+
+    void fileName_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("slash") << QStringLiteral(" XRT Al_poly/Open ")
+                               << QStringLiteral("XRT_Al_poly_Open");
+        QTest::newRow("path upwards") << QStringLiteral("../..") << QStringLiteral("_");
+        QTest::newRow("runs") << QStringLiteral("a__ +_b--%1") << QStringLiteral("a_b--_1");
+        QTest::newRow("any script") << QStringLiteral("H\u03b1 Sch\u00f6n \u00bd \u65e5")
+                                    << QStringLiteral("H\u03b1_Sch\u00f6n_\u00bd_\u65e5");
+        QTest::newRow("nothing left") << QStringLiteral(" \t") << QStringLiteral("ROI");
+    }
+
+    void fileName()
+    {
+        QFETCH(QString, text);
+        QTEST(FileNames::roiPart(text), "expected");
+    }
+};
+
+QTEST_APPLESS_MAIN(TestTexts)
+#include "tst_texts.moc"
