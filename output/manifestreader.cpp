@@ -27,7 +27,7 @@ public:
 
 private:
     CsvFields m_fields;
-    std::array<int, ManifestColumns::Count> m_positions; // -1: the file has no such column
+    std::array<int, ManifestColumns::Count> m_positions{}; // -1: the file has no such column
 };
 
 void Table::setHeader(QStringView line)
@@ -50,6 +50,11 @@ double toNumber(const QStringRef &text)
     return std::isfinite(number) ? number : 0.0;
 }
 
+bool isKept(const ManifestColumns::Geometry &column, double number)
+{
+    return number > 0.0 || !column.positive;
+}
+
 /**
  * The frames of one datasource while they are read.
  *
@@ -63,12 +68,15 @@ public:
     const QVector<ManifestFrame> &frames() const { return m_frames; }
 
 private:
+    static constexpr std::size_t geometryCount = ManifestColumns::geometry.size();
+
     void updateMetadata(const Table &table);
-    void setMetadata(const ManifestColumns::Geometry &column, double number);
+    QJsonObject newMetadata() const;
 
     QVector<ManifestFrame> m_frames;
-    std::array<QString, ManifestColumns::geometry.size()> m_texts; // that m_metadata was made of
-    QJsonObject m_metadata{{QStringLiteral("refPixelX"), 0.0}, {QStringLiteral("refPixelY"), 0.0}};
+    std::array<QString, geometryCount> m_texts;
+    std::array<double, geometryCount> m_numbers{}; // that m_texts tell
+    QJsonObject m_metadata = newMetadata();        // made of m_numbers
 };
 
 void FrameList::append(const Table &table)
@@ -79,25 +87,35 @@ void FrameList::append(const Table &table)
                      m_metadata});
 }
 
+/// Values are replaced in place, but an object whose keys come and go would keep the room of all.
 void FrameList::updateMetadata(const Table &table)
 {
-    for (std::size_t i = 0; i < m_texts.size(); ++i) {
+    bool sameKeys = true;
+    for (std::size_t i = 0; i < geometryCount; ++i) {
         const ManifestColumns::Geometry &column = ManifestColumns::geometry[i];
         const QStringRef text = table.field(column.column);
         if (text == m_texts[i])
             continue;
+        const double number = toNumber(text);
+        sameKeys = sameKeys && isKept(column, number) == isKept(column, m_numbers[i]);
+        if (sameKeys && isKept(column, number))
+            m_metadata.insert(QLatin1String(column.metadataKey), number);
         m_texts[i] = text.toString();
-        setMetadata(column, toNumber(text));
+        m_numbers[i] = number;
     }
+    if (!sameKeys)
+        m_metadata = newMetadata();
 }
 
-void FrameList::setMetadata(const ManifestColumns::Geometry &column, double number)
+QJsonObject FrameList::newMetadata() const
 {
-    const QLatin1String key(column.metadataKey);
-    if (column.positive && number <= 0.0)
-        m_metadata.remove(key);
-    else
-        m_metadata.insert(key, number);
+    QJsonObject metadata;
+    for (std::size_t i = 0; i < geometryCount; ++i) {
+        const ManifestColumns::Geometry &column = ManifestColumns::geometry[i];
+        if (isKept(column, m_numbers[i]))
+            metadata.insert(QLatin1String(column.metadataKey), m_numbers[i]);
+    }
+    return metadata;
 }
 
 } // namespace

@@ -11,8 +11,9 @@ struct ManifestRow;
 /**
  * The ledger of a session: one whole row on disk for each outcome, as soon as it is known.
  *
- * A row reaches the system in one write, so that the file ends with a whole row whenever the
- * program dies. Text is stored in the encoding of the locale.
+ * A row reaches the system in one write, so that the file ends with a whole row when the program
+ * dies; only a kill within that very call can cut one, where it crosses a memory page. Text is
+ * stored in the encoding of the locale.
  */
 class ManifestWriter
 {
