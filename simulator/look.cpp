@@ -77,10 +77,10 @@ QRgb redTemperature(double v)
     return rgb(ramp(v, 0.0, 0.69), ramp(v, 0.47, 1.0), ramp(v, 0.745, 1.0));
 }
 
-/// "Blue/white" of the same set.
+/// The blue of the older 171 channel and of the outer coronagraph.
 QRgb blueWhite(double v)
 {
-    return rgb(ramp(v, 0.64, 1.0), ramp(v, 0.32, 0.96), ramp(v, 0.0, 0.62));
+    return rgb(ramp(v, 0.8, 1.0), ramp(v, 0.5, 0.98), ramp(v, 0.03, 0.78));
 }
 
 /// The curves of which the tables of the AIA bands are made (aia_lct of SolarSoft).

@@ -1,14 +1,91 @@
 #include "simulator/scene.h"
 
+#include "simulator/activeregions.h"
 #include "simulator/archive.h"
+#include "simulator/coronagraphpainter.h"
+#include "simulator/coronapainter.h"
+#include "simulator/darkroom.h"
+#include "simulator/diskpainter.h"
 #include "simulator/hash.h"
 #include "simulator/imagegeometry.h"
 #include "simulator/indexedpicture.h"
+#include "simulator/lightfield.h"
+#include "simulator/looppainter.h"
+#include "simulator/magnetogrampainter.h"
+#include "simulator/regionpainter.h"
+#include "simulator/sunstyle.h"
+#include "simulator/surfaceview.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace Simulator {
+
+namespace {
+
+constexpr int darkestOnDisk = 8; // a colour that is told from a part never rendered
+
+Development paintSun(LightField &field, const SceneView &view)
+{
+    const SunStyle style = styleOf(view.look);
+    const SurfaceView surface(view.unixTime, view.disk.radius);
+    const std::vector<ActiveRegion> regions = activeRegionsAt(view.unixTime);
+    paintDisk(field, surface, style);
+    paintCorona(field, surface, regions, style);
+    paintRegions(field, surface, regions, style);
+    paintFilaments(field, surface, filamentsAt(view.unixTime), style);
+    paintLoops(field, surface, regions, view.unixTime, style);
+    return {style.curve, style.white, style.grain, darkestOnDisk, view.grainSeed};
+}
+
+Development paintField(LightField &field, const SceneView &view)
+{
+    const SurfaceView surface(view.unixTime, view.disk.radius);
+    paintMagnetogram(field, surface, activeRegionsAt(view.unixTime));
+    return {0.0F, 1.0F, 2.5F, darkestOnDisk, view.grainSeed};
+}
+
+Development paintOutskirts(LightField &field, const SceneView &view)
+{
+    paintCoronagraph(field, view.unixTime, view.look);
+    return {2.0F, 1.6F, 3.5F, 0, view.grainSeed};
+}
+
+Development paint(LightField &field, const SceneView &view)
+{
+    switch (view.look) {
+    case Look::CoronaC2:
+    case Look::CoronaC3:
+    case Look::CoronaCor1:
+    case Look::CoronaCor2:
+    case Look::CoronaK:
+    case Look::CoronaWide:
+        return paintOutskirts(field, view);
+    case Look::Magnetic:
+        return paintField(field, view);
+    case Look::Gold:
+    case Look::Bronze:
+    case Look::Red:
+    case Look::Green:
+    case Look::Teal:
+    case Look::Purple:
+    case Look::Blue:
+    case Look::EitBlue:
+    case Look::EitGreen:
+    case Look::Olive:
+    case Look::Rose:
+    case Look::Sand:
+    case Look::Visible:
+    case Look::HAlpha:
+    case Look::XRay:
+    case Look::HardXRay:
+    case Look::FarUv:
+        break;
+    }
+    return paintSun(field, view);
+}
+
+} // namespace
 
 SceneView viewOf(const ArchiveSource &source, const ArchiveImage &image, int widthPx)
 {
@@ -28,31 +105,12 @@ SceneView viewOf(const ArchiveSource &source, const ArchiveImage &image, int wid
 
 IndexedPicture renderScene(const SceneView &view)
 {
-    IndexedPicture picture{view.widthPx, view.heightPx, {}, colourTable(view.look)};
-    picture.pixels.resize(size_t(view.widthPx) * size_t(view.heightPx));
-    const double turn = double(view.unixTime % (27 * 86400)) / (27.0 * 86400.0) * 6.283185307;
-    size_t at = 0;
-    quint64 grain = view.grainSeed;
-    for (int row = 0; row < view.heightPx; ++row)
-        for (int column = 0; column < view.widthPx; ++column) {
-            const double x = (column + 0.5 - view.disk.centreX) / view.disk.radius;
-            const double y = (row + 0.5 - view.disk.centreY) / view.disk.radius;
-            const double r2 = x * x + y * y;
-            double level = 0.0;
-            if (r2 < 1.0) {
-                const double mu = std::sqrt(1.0 - r2);
-                const double longitude = std::atan2(x, mu) - turn;
-                level = 60.0 + 60.0 * mu +
-                        40.0 * std::sin(7.0 * longitude + 9.0 * y) * std::sin(11.0 * y - longitude);
-            } else {
-                level = 70.0 * std::exp(-(std::sqrt(r2) - 1.0) * 8.0);
-            }
-            grain = grain * 6364136223846793005ULL + 1442695040888963407ULL;
-            if (level > 2.0)
-                level += double(grain >> 60) - 8.0;
-            picture.pixels[at++] = uchar(std::clamp(level, r2 < 1.0 ? 8.0 : 0.0, 254.0));
-        }
-    return picture;
+    LightField field(view.widthPx, view.heightPx, view.disk);
+    const Development development = paint(field, view);
+    QVector<QRgb> palette = colourTable(view.look);
+    if (view.alphaWhereDark)
+        palette[0] = qRgba(0, 0, 0, 0);
+    return develop(field, palette, development);
 }
 
 } // namespace Simulator
