@@ -24,13 +24,34 @@ Permutation makePermutation()
 
 const Permutation permutation = makePermutation();
 
-/// One of twelve directions to the edges of a cube, times the offset (K. Perlin, SIGGRAPH 2002).
+/// Directions to the edges of a cube, four of them twice (K. Perlin, SIGGRAPH 2002).
+constexpr std::array<Vector3, 16> directions = {{{1, 1, 0},
+                                                 {-1, 1, 0},
+                                                 {1, -1, 0},
+                                                 {-1, -1, 0},
+                                                 {1, 0, 1},
+                                                 {-1, 0, 1},
+                                                 {1, 0, -1},
+                                                 {-1, 0, -1},
+                                                 {0, 1, 1},
+                                                 {0, -1, 1},
+                                                 {0, 1, -1},
+                                                 {0, -1, -1},
+                                                 {1, 1, 0},
+                                                 {0, -1, 1},
+                                                 {-1, 1, 0},
+                                                 {0, -1, -1}}};
+
 float gradient(unsigned hash, float x, float y, float z)
 {
-    const unsigned h = hash & 15U;
-    const float u = h < 8 ? x : y;
-    const float v = h < 4 ? y : (h == 12 || h == 14 ? x : z);
-    return ((h & 1U) ? -u : u) + ((h & 2U) ? -v : v);
+    return dot(directions[hash & 15U], {x, y, z});
+}
+
+/// std::floor() is a call into the library on a plain x86-64.
+int floorOf(float value)
+{
+    const int truncated = int(value);
+    return truncated - (float(truncated) > value ? 1 : 0);
 }
 
 float fade(float t)
@@ -47,15 +68,15 @@ float mix(float a, float b, float t)
 
 float noise(const Vector3 &point)
 {
-    const float floorX = std::floor(point.x);
-    const float floorY = std::floor(point.y);
-    const float floorZ = std::floor(point.z);
-    const float x = point.x - floorX;
-    const float y = point.y - floorY;
-    const float z = point.z - floorZ;
-    const size_t i = size_t(int(floorX) & 255);
-    const size_t j = size_t(int(floorY) & 255);
-    const size_t k = size_t(int(floorZ) & 255);
+    const int floorX = floorOf(point.x);
+    const int floorY = floorOf(point.y);
+    const int floorZ = floorOf(point.z);
+    const float x = point.x - float(floorX);
+    const float y = point.y - float(floorY);
+    const float z = point.z - float(floorZ);
+    const size_t i = size_t(floorX & 255);
+    const size_t j = size_t(floorY & 255);
+    const size_t k = size_t(floorZ & 255);
     const Permutation &p = permutation;
     const size_t a = p[i] + j;
     const size_t b = p[i + 1] + j;

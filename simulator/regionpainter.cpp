@@ -29,6 +29,7 @@ void visitPixels(LightField &field, const SurfaceView &surface, const ActiveRegi
     if (seen.z < -reach * region.size)
         return;
     const float inverse = 1.0F / region.size;
+    const float limit = reach * reach * region.size * region.size;
     const float shift = float(chance(region.seed, 90));
     const LightField::Box box = field.boxAround(seen.x, seen.y, reach * region.size);
     for (int line = box.top; line < box.bottom; ++line) {
@@ -42,12 +43,13 @@ void visitPixels(LightField &field, const SurfaceView &surface, const ActiveRegi
             const float z = std::sqrt(square);
             const Vector3 away = surface.toSun({x, y, z}) - region.centre;
             Local local{dot(away, region.along), dot(away, region.across), 0};
+            if (local.along * local.along + local.across * local.across > limit)
+                continue;
             local.patches = surface.map().detailAt(shift + local.along * 0.3F,
                                                    shift + local.across * 0.9F, 2.0F);
             local.along *= inverse;
             local.across *= inverse;
-            if (local.along * local.along + local.across * local.across < reach * reach)
-                visit(light[column], local, z);
+            visit(light[column], local, z);
         }
     }
 }
