@@ -43,12 +43,12 @@ void fillBox(QPainter &painter, const QRect &box)
     painter.fillRect(box, QColor(0, 0, 0, 165));
 }
 
-void drawText(QPainter &painter, const QFont &font, const QRect &rect, int flags,
+void drawText(QPainter &painter, const QFont &font, const QRect &rect, Qt::Alignment alignment,
               const QString &text)
 {
     painter.setFont(font);
     painter.setPen(Qt::white);
-    painter.drawText(rect, flags, text);
+    painter.drawText(rect, static_cast<int>(alignment), text);
 }
 
 void drawBottomText(QPainter &painter, QSize frame, const Measures &measures, const QString &text,
