@@ -24,8 +24,8 @@ enum Role {
 
 constexpr int column = 0;
 
-/// Tool tips guess whether a text is HTML; a name from the service must not decide that.
-class PlainToolTips : public QStyledItemDelegate
+/// Draws an empty check box so that it can be seen, and shows every tool tip as plain text.
+class CatalogDelegate : public QStyledItemDelegate
 {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
@@ -36,8 +36,17 @@ public:
         const QString text = index.data(Qt::ToolTipRole).toString();
         if (event->type() != QEvent::ToolTip || !Qt::mightBeRichText(text))
             return QStyledItemDelegate::helpEvent(event, view, option, index);
+        // Tool tips guess whether a text is HTML; a name from the service must not decide that.
         QToolTip::showText(event->globalPos(), Qt::convertFromPlainText(text), view);
         return true;
+    }
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        // The style derives the box's outline from the window's colour, which is as dark as a row.
+        option->palette.setColor(QPalette::Window, QColor(185, 185, 190));
     }
 };
 
@@ -144,7 +153,7 @@ void restore(QTreeWidget *tree, const CatalogTree::Selection &selection)
 
 void CatalogTree::prepare(QTreeWidget *tree)
 {
-    tree->setItemDelegate(new PlainToolTips(tree));
+    tree->setItemDelegate(new CatalogDelegate(tree));
 }
 
 void CatalogTree::fill(QTreeWidget *tree, const QJsonObject &catalog, Selection *selection)
@@ -171,8 +180,8 @@ CatalogSource CatalogTree::source(const QTreeWidgetItem *leaf)
                      leaf->data(column, PathRole).toString()};
     source.entry = entryOf(leaf);
     if (leaf->data(column, UniqueFramesRole).isValid()) {
-        source.analysis = CadenceAnalysis{number(UniqueFramesRole), number(MedianRole),
-                                          number(MinRole), number(MaxRole)};
+        source.analysis = SourceCadence{number(UniqueFramesRole), number(MedianRole),
+                                        number(MinRole), number(MaxRole)};
     }
     return source;
 }
@@ -214,7 +223,7 @@ void CatalogTree::untickAll(QTreeWidget *tree)
 }
 
 QTreeWidgetItem *CatalogTree::setAnalysis(QTreeWidget *tree, int sourceId,
-                                          const CadenceAnalysis &analysis)
+                                          const SourceCadence &analysis)
 {
     for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it) {
         QTreeWidgetItem *item = *it;

@@ -48,7 +48,7 @@ void tickAiaBands(QTreeWidget *tree); ///< ticks the seven coronal bands of AIA 
 void untickAll(QTreeWidget *tree);
 
 /// Keeps an analysis on the first leaf with this id; null when there is none.
-QTreeWidgetItem *setAnalysis(QTreeWidget *tree, int sourceId, const CadenceAnalysis &analysis);
+QTreeWidgetItem *setAnalysis(QTreeWidget *tree, int sourceId, const SourceCadence &analysis);
 void clearAnalyses(QTreeWidget *tree);
 
 } // namespace CatalogTree

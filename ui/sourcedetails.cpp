@@ -45,7 +45,7 @@ QString notAnalysedSection(const RequestedSampling &sampling)
              UtcText::toDisplayText(sampling.endUtc).toHtmlEscaped());
 }
 
-QString probedSection(const CadenceAnalysis &found, int cadenceSeconds)
+QString probedSection(const SourceCadence &found, int cadenceSeconds)
 {
     QString section =
         tr("<p><b>Cadence estimated by quick probe:</b> about <b>%1</b><br>%2 probe "
@@ -61,12 +61,11 @@ QString probedSection(const CadenceAnalysis &found, int cadenceSeconds)
     return section;
 }
 
-QString cadenceSection(const std::optional<CadenceAnalysis> &found,
-                       const RequestedSampling &sampling)
+QString cadenceSection(const std::optional<SourceCadence> &found, const RequestedSampling &sampling)
 {
     if (!found)
         return notAnalysedSection(sampling);
-    if (found->uniqueFrames == CadenceAnalysis::denseSource) {
+    if (found->uniqueFrames == SourceCadence::denseSource) {
         return tr("<p><b>Cadence strategy:</b> <b>dense-source fast path</b><br>Orvik samples "
                   "directly every %1 and skips the full JPX archive scan.</p><p>Actual frame time "
                   "is still validated through getClosestImage, timing tolerance and duplicate-ID "
@@ -84,9 +83,9 @@ QString cadenceSection(const std::optional<CadenceAnalysis> &found,
     return probedSection(*found, sampling.cadenceSeconds);
 }
 
-QString cadenceLine(const CadenceAnalysis &found)
+QString cadenceLine(const SourceCadence &found)
 {
-    if (found.uniqueFrames == CadenceAnalysis::denseSource) {
+    if (found.uniqueFrames == SourceCadence::denseSource) {
         return tr("Cadence: dense-source fast path; direct sampling every %1 (full JPX scan "
                   "skipped).")
             .arg(formatDuration(found.medianSeconds));
@@ -141,7 +140,7 @@ QString SourceDetails::toolTip(const QString &path, const QJsonObject &entry)
         .arg(path, textOf(entry, "start"), textOf(entry, "end"));
 }
 
-QString SourceDetails::toolTipWithCadence(const QString &toolTip, const CadenceAnalysis &analysis)
+QString SourceDetails::toolTipWithCadence(const QString &toolTip, const SourceCadence &analysis)
 {
     return toolTip.left(toolTip.indexOf(cadenceLineStart)) + QLatin1Char('\n') +
            cadenceLine(analysis);

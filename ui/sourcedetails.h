@@ -9,7 +9,7 @@
 #include <optional>
 
 /// What a session's planning found out about one datasource.
-struct CadenceAnalysis
+struct SourceCadence
 {
     static constexpr int denseSource = -1; ///< as uniqueFrames: sampled directly, never probed
 
@@ -24,7 +24,7 @@ struct CatalogSource
 {
     DataSource source;
     QJsonObject entry; ///< as the service delivered it
-    std::optional<CadenceAnalysis> analysis;
+    std::optional<SourceCadence> analysis;
 };
 
 /// The sampling that the user asks for at the moment.
@@ -48,6 +48,6 @@ QString page(const CatalogSource &source, const RequestedSampling &sampling);
 /// Plain text: where a datasource lies and when it has images; cadence unknown.
 QString toolTip(const QString &path, const QJsonObject &entry);
 /// The same tool tip with what the analysis found in place of its cadence line.
-QString toolTipWithCadence(const QString &toolTip, const CadenceAnalysis &analysis);
+QString toolTipWithCadence(const QString &toolTip, const SourceCadence &analysis);
 
 } // namespace SourceDetails

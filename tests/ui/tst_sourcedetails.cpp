@@ -97,7 +97,7 @@ void TestSourceDetails::cadence()
     QFETCH(QString, section);
     QFETCH(QString, line);
     CatalogSource source = aia171();
-    source.analysis = CadenceAnalysis{uniqueFrames, medianSeconds, 230, 480};
+    source.analysis = SourceCadence{uniqueFrames, medianSeconds, 230, 480};
     const QString page = SourceDetails::page(source, everyMinute());
     QVERIFY2(page.contains(section), qPrintable(page));
 
@@ -114,7 +114,7 @@ void TestSourceDetails::cadence()
 void TestSourceDetails::optimisationFromMoreThanOneAndAHalfSteps()
 {
     CatalogSource source = aia171();
-    source.analysis = CadenceAnalysis{40, 90, 80, 100};
+    source.analysis = SourceCadence{40, 90, 80, 100};
     QVERIFY(!SourceDetails::page(source, everyMinute()).contains(optimisation));
     source.analysis->medianSeconds = 91;
     QVERIFY(SourceDetails::page(source, everyMinute()).contains(optimisation));

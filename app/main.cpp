@@ -1,0 +1,22 @@
+#include "app/applicationlook.h"
+#include "app/runtimeconfig.h"
+#include "ui/mainwindow.h"
+
+#include <QApplication>
+#include <QLocale>
+
+int main(int argc, char *argv[])
+{
+    QApplication application(argc, argv);
+    QApplication::setOrganizationName(QStringLiteral("Brannock Works"));
+    QApplication::setApplicationName(QStringLiteral("Orvik"));
+    QApplication::setApplicationVersion(QStringLiteral("0.0.1"));
+    // A decimal point on every system.
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::AnyCountry));
+    RuntimeConfig::ensureRuntimeConfig();
+    applyApplicationLook(application);
+
+    MainWindow window;
+    window.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,453 @@
+#include "ui/mainwindow.h"
+
+#include "acquisition/acquisitioncontroller.h"
+#include "app/runtimeconfig.h"
+#include "base/utctext.h"
+#include "client/helioviewerclient.h"
+#include "roi/roivideodialog.h"
+#include "ui/acquisitionestimate.h"
+#include "ui/catalogcache.h"
+#include "ui/desktopactions.h"
+#include "ui/licensedialog.h"
+#include "ui/logview.h"
+#include "ui/outputsearch.h"
+#include "ui/previewpane.h"
+#include "ui/uisettings.h"
+#include "ui_mainwindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QStyleOptionComboBox>
+
+namespace {
+
+/// The width hint of a date edit leaves out its arrow; the last digit of the time must stay in
+/// view.
+void widenForArrow(QDateTimeEdit *edit)
+{
+    const QString widest = edit->displayFormat().replace(QRegularExpression(QStringLiteral("\\w")),
+                                                         QStringLiteral("8"));
+    QStyleOptionComboBox option;
+    option.initFrom(edit);
+    const QSize text(edit->fontMetrics().horizontalAdvance(widest + QLatin1Char(' ')),
+                     edit->fontMetrics().height());
+    edit->setMinimumWidth(
+        edit->style()->sizeFromContents(QStyle::CT_ComboBox, &option, text, edit).width());
+}
+
+} // namespace
+
+// --- construction
+
+MainWindow::MainWindow(QWidget *parent)
+    : QMainWindow(parent)
+    , m_catalogClient(new HelioviewerClient(this))
+    , m_controller(new AcquisitionController(this))
+    , m_form(std::make_unique<Ui::MainWindow>())
+{
+    RuntimeConfig::ensureRuntimeConfig();
+    buildWidgets();
+    showRuntimePaths();
+    connectWidgets();
+    connectActions();
+    statusBar()->showMessage(tr("Ready"));
+    loadSettings();
+    connectEngine();
+    loadCatalog();
+}
+
+MainWindow::~MainWindow()
+{
+    // A run that is still going is ended here, while everything stands, and in silence: a message
+    // box would keep a closed program alive.
+    for (QObject *worker :
+         {static_cast<QObject *>(m_controller), static_cast<QObject *>(m_catalogClient)}) {
+        worker->disconnect(this);
+        worker->disconnect(m_log);
+        delete worker;
+    }
+}
+
+void MainWindow::buildWidgets()
+{
+    m_form->setupUi(this);
+    m_form->catalogSplitter->setStretchFactor(0, 2);
+    m_form->catalogSplitter->setStretchFactor(1, 1);
+    m_form->catalogSplitter->setSizes({700, 350});
+    m_form->catalogInfo->setHtml(SourceDetails::welcomePage());
+    widenForArrow(m_form->startEdit);
+    widenForArrow(m_form->endEdit);
+    CatalogTree::prepare(m_form->sourcesTree);
+    m_log = new LogView(m_form->log, m_form->logWidget, this);
+    m_preview = new PreviewPane(m_form->previewLabel, this);
+    makeKeyboardAccessible();
+}
+
+void MainWindow::showRuntimePaths()
+{
+    m_form->pathsLabel->setText(tr("curl: %1    |    ffmpeg: %2    |    output: %3")
+                                    .arg(QDir::toNativeSeparators(RuntimeConfig::curlPath()),
+                                         QDir::toNativeSeparators(RuntimeConfig::ffmpegPath()),
+                                         QDir::toNativeSeparators(RuntimeConfig::outputRoot())));
+}
+
+void MainWindow::makeKeyboardAccessible()
+{
+    m_form->actionOpenOutputFolder->setShortcuts(QKeySequence::Open);
+    m_form->actionPlayLatestVideo->setShortcut(Qt::CTRL + Qt::Key_L);
+    m_form->actionPlaySelectedVideo->setShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_L);
+    m_form->actionCreateRoiVideo->setShortcut(Qt::CTRL + Qt::Key_I);
+    m_form->actionStartAcquisition->setShortcut(Qt::CTRL + Qt::Key_Return);
+    m_form->actionStopAcquisition->setShortcut(Qt::CTRL + Qt::Key_Period);
+    m_form->actionExit->setShortcuts(QKeySequence::Quit);
+    m_form->actionRefreshCatalog->setShortcuts(QKeySequence::Refresh);
+    m_form->actionHelpOrvik->setShortcuts(QKeySequence::HelpContents);
+
+    // Buttons of a tool bar take no focus of themselves; these follow the log.
+    QWidget *previous = m_form->log;
+    for (QAction *action : {m_form->actionStartAcquisition, m_form->actionStopAcquisition,
+                            m_form->actionOpenOutputFolder}) {
+        QWidget *button = m_form->mainToolBar->widgetForAction(action);
+        button->setFocusPolicy(Qt::TabFocus);
+        setTabOrder(previous, button);
+        previous = button;
+    }
+    m_form->sourcesTree->setFocus();
+}
+
+void MainWindow::connectWidgets()
+{
+    connect(m_form->refreshButton, &QPushButton::clicked, this, &MainWindow::refreshSources);
+    connect(m_form->aiaButton, &QPushButton::clicked, this, &MainWindow::selectAiaBands);
+    connect(m_form->clearButton, &QPushButton::clicked, this, &MainWindow::clearSelection);
+    connect(m_form->sourcesTree, &QTreeWidget::currentItemChanged, this,
+            &MainWindow::onSourceCurrentChanged);
+    connect(m_form->startEdit, &QDateTimeEdit::dateTimeChanged, this,
+            &MainWindow::onSamplingChanged);
+    connect(m_form->endEdit, &QDateTimeEdit::dateTimeChanged, this, &MainWindow::onSamplingChanged);
+    connect(m_form->cadenceSpin, qOverload<int>(&QSpinBox::valueChanged), this,
+            &MainWindow::onSamplingChanged);
+    connect(m_form->fpsSpin, qOverload<int>(&QSpinBox::valueChanged), this,
+            &MainWindow::refreshEstimate);
+}
+
+void MainWindow::connectActions()
+{
+    const auto trigger = [this](QAction *action, auto slot) {
+        connect(action, &QAction::triggered, this, slot);
+    };
+    trigger(m_form->actionOpenOutputFolder, &MainWindow::openOutputFolder);
+    trigger(m_form->actionPlayLatestVideo, &MainWindow::playLatestVideo);
+    trigger(m_form->actionPlaySelectedVideo, &MainWindow::selectAndPlayVideo);
+    trigger(m_form->actionCreateRoiVideo, &MainWindow::createRoiVideo);
+    trigger(m_form->actionStartAcquisition, &MainWindow::startAcquisition);
+    trigger(m_form->actionStopAcquisition, &MainWindow::stopAcquisition);
+    trigger(m_form->actionExit, &MainWindow::close);
+    trigger(m_form->actionRefreshCatalog, &MainWindow::refreshSources);
+    trigger(m_form->actionHelpOrvik, &MainWindow::showHelp);
+    trigger(m_form->actionLicense, &MainWindow::showLicense);
+}
+
+void MainWindow::loadSettings()
+{
+    UiSettings::loadFields(*m_form);
+    refreshEstimate();
+    UiSettings::restoreLayout(this, *m_form);
+    m_selection = UiSettings::loadSelection();
+}
+
+void MainWindow::connectEngine()
+{
+    connect(m_catalogClient, &HelioviewerClient::catalogReceived, this,
+            &MainWindow::onCatalogReceived);
+    connect(m_catalogClient, &HelioviewerClient::requestError, this, &MainWindow::onCatalogError);
+    connect(m_catalogClient, &HelioviewerClient::logMessage, m_log, &LogView::append);
+    connect(m_controller, &AcquisitionController::logMessage, m_log, &LogView::append);
+    connect(m_controller, &AcquisitionController::progressChanged, this,
+            &MainWindow::onProgressChanged);
+    connect(m_controller, &AcquisitionController::stateChanged, m_form->stateLabel,
+            &QLabel::setText);
+    connect(m_controller, &AcquisitionController::sourceTimingAnalyzed, this,
+            &MainWindow::onSourceTimingAnalyzed);
+    connect(m_controller, &AcquisitionController::previewReady, this, &MainWindow::onPreviewReady);
+    connect(m_controller, &AcquisitionController::finished, this, &MainWindow::onFinished);
+}
+
+void MainWindow::loadCatalog()
+{
+    if (!showCachedCatalog())
+        refreshSources();
+}
+
+// --- catalog
+
+bool MainWindow::showCachedCatalog()
+{
+    const std::optional<QJsonObject> catalog = CatalogCache::load();
+    if (!catalog)
+        return false;
+    fillTree(*catalog);
+    m_log->append(QStringLiteral("Loaded cached catalog: %1")
+                      .arg(QDir::toNativeSeparators(RuntimeConfig::catalogPath())));
+    return true;
+}
+
+void MainWindow::fillTree(const QJsonObject &catalog)
+{
+    CatalogTree::fill(m_form->sourcesTree, catalog, &m_selection);
+}
+
+void MainWindow::refreshSources()
+{
+    if (m_catalogClient->isBusy() || m_controller->isRunning())
+        return;
+    m_log->append(QStringLiteral("Refreshing Helioviewer datasource catalog..."));
+    m_form->refreshButton->setEnabled(false);
+    m_catalogClient->getDataSources();
+}
+
+void MainWindow::onCatalogReceived(const QJsonObject &catalog)
+{
+    m_form->refreshButton->setEnabled(true);
+    fillTree(catalog);
+    m_log->append(CatalogCache::save(catalog)
+                      ? QStringLiteral("Helioviewer datasource catalog updated.")
+                      : QStringLiteral("WARNING: unable to save catalog cache in ./sys."));
+}
+
+void MainWindow::onCatalogError(const QString &operation, const QString &message)
+{
+    m_form->refreshButton->setEnabled(true);
+    m_log->append(QStringLiteral("ERROR %1: %2").arg(operation, message));
+    DesktopActions::warn(this, tr("Helioviewer"), tr("%1 failed:\n%2").arg(operation, message));
+}
+
+void MainWindow::selectAiaBands()
+{
+    CatalogTree::tickAiaBands(m_form->sourcesTree);
+}
+
+void MainWindow::clearSelection()
+{
+    CatalogTree::untickAll(m_form->sourcesTree);
+}
+
+// --- details and estimate
+
+RequestedSampling MainWindow::requestedSampling() const
+{
+    return {m_form->startEdit->dateTime().toUTC(), m_form->endEdit->dateTime().toUTC(),
+            m_form->cadenceSpin->value()};
+}
+
+void MainWindow::onSourceCurrentChanged(QTreeWidgetItem *current, QTreeWidgetItem * /*previous*/)
+{
+    renderDetails(current);
+}
+
+void MainWindow::renderDetails(const QTreeWidgetItem *item)
+{
+    m_form->catalogInfo->setHtml(
+        CatalogTree::isLeaf(item)
+            ? SourceDetails::page(CatalogTree::source(item), requestedSampling())
+            : SourceDetails::noSourcePage());
+}
+
+void MainWindow::onSamplingChanged()
+{
+    CatalogTree::clearAnalyses(m_form->sourcesTree); // found for another interval
+    renderDetails(m_form->sourcesTree->currentItem());
+    refreshEstimate();
+}
+
+void MainWindow::refreshEstimate()
+{
+    const RequestedSampling sampling = requestedSampling();
+    m_form->estimateLabel->setText(AcquisitionEstimate::text(
+        sampling.startUtc, sampling.endUtc, sampling.cadenceSeconds, m_form->fpsSpin->value()));
+}
+
+void MainWindow::onSourceTimingAnalyzed(int sourceId, int uniqueFrames, int medianSeconds,
+                                        int minSeconds, int maxSeconds)
+{
+    const QTreeWidgetItem *leaf = CatalogTree::setAnalysis(
+        m_form->sourcesTree, sourceId, {uniqueFrames, medianSeconds, minSeconds, maxSeconds});
+    if (leaf != nullptr && leaf == m_form->sourcesTree->currentItem())
+        renderDetails(leaf);
+}
+
+// --- acquisition
+
+AcquisitionSettings MainWindow::settingsFromWidgets() const
+{
+    AcquisitionSettings settings;
+    settings.startUtc = m_form->startEdit->dateTime().toUTC();
+    settings.endUtc = m_form->endEdit->dateTime().toUTC();
+    settings.cadenceSeconds = m_form->cadenceSpin->value();
+    settings.maxTimeErrorSeconds = m_form->timeErrorSpin->value();
+    settings.useSourceTimingProfiles = m_form->sourceTimingProfilesCheck->isChecked();
+    settings.imageWidth = m_form->widthSpin->value();
+    settings.videoFps = m_form->fpsSpin->value();
+    settings.videoCrf = m_form->crfSpin->value();
+    settings.keepFrames = m_form->keepFramesCheck->isChecked();
+    settings.sourceOverlay = m_form->sourceOverlayCheck->isChecked();
+    settings.scaleOverlay = m_form->scaleOverlayCheck->isChecked();
+    settings.createVideos = m_form->createVideosCheck->isChecked();
+    settings.sources = CatalogTree::tickedSources(m_form->sourcesTree);
+    return settings;
+}
+
+void MainWindow::startAcquisition()
+{
+    const AcquisitionSettings settings = settingsFromWidgets();
+    if (!settings.keepFrames && !settings.createVideos) {
+        DesktopActions::warn(this, tr("Orvik"), tr("Enable PNG frame storage or MP4 creation."));
+        return;
+    }
+    UiSettings::save(*this, *m_form);
+    QString errorText;
+    if (!m_controller->start(settings, &errorText)) {
+        DesktopActions::warn(this, tr("Orvik"), errorText);
+        return;
+    }
+    showRunBeginning();
+    setRunning(true);
+}
+
+void MainWindow::showRunBeginning()
+{
+    m_log->clear();
+    m_preview->clear(tr("Waiting for the first accepted frame..."));
+    m_form->previewMeta->setText(
+        tr("Actual UTC timestamp will appear on the downloaded frame preview."));
+    m_log->append(QStringLiteral("Acquisition started."));
+}
+
+void MainWindow::stopAcquisition()
+{
+    m_controller->stop();
+}
+
+void MainWindow::setRunning(bool running)
+{
+    const std::initializer_list<QWidget *> choices = {m_form->sourcesTree,
+                                                      m_form->refreshButton,
+                                                      m_form->aiaButton,
+                                                      m_form->clearButton,
+                                                      m_form->startEdit,
+                                                      m_form->endEdit,
+                                                      m_form->cadenceSpin,
+                                                      m_form->timeErrorSpin,
+                                                      m_form->sourceTimingProfilesCheck,
+                                                      m_form->widthSpin,
+                                                      m_form->fpsSpin,
+                                                      m_form->crfSpin,
+                                                      m_form->keepFramesCheck,
+                                                      m_form->sourceOverlayCheck,
+                                                      m_form->scaleOverlayCheck,
+                                                      m_form->createVideosCheck};
+    for (QWidget *choice : choices)
+        choice->setEnabled(!running);
+    m_form->actionCreateRoiVideo->setEnabled(!running);
+    m_form->actionStartAcquisition->setEnabled(!running);
+    m_form->actionStopAcquisition->setEnabled(running);
+}
+
+void MainWindow::onProgressChanged(int value, int maximum)
+{
+    m_form->progress->setRange(0, qMax(maximum, 1));
+    m_form->progress->setValue(value);
+}
+
+void MainWindow::onPreviewReady(const QString &sourceName, const QString &imageFile,
+                                const QDateTime &requestedUtc, const QDateTime &actualUtc,
+                                qint64 deltaSeconds)
+{
+    if (!m_preview->showFile(imageFile)) {
+        m_log->append(QStringLiteral("WARNING: unable to load preview image %1").arg(imageFile));
+        return;
+    }
+    m_form->previewMeta->setText(
+        tr("Source: %1   |   Actual: %2 UTC\nRequested: %3 UTC   |   Delta: %4 s")
+            .arg(sourceName, UtcText::toDisplayText(actualUtc),
+                 UtcText::toDisplayText(requestedUtc), UtcText::signedDelta(deltaSeconds)));
+}
+
+void MainWindow::onFinished(bool /*canceled*/, const QString &sessionDirectory)
+{
+    setRunning(false);
+    m_log->append(QStringLiteral("Output: %1").arg(QDir::toNativeSeparators(sessionDirectory)));
+    QApplication::alert(this);
+}
+
+// --- finished work
+
+void MainWindow::openOutputFolder()
+{
+    DesktopActions::openFolder(RuntimeConfig::outputRoot());
+}
+
+void MainWindow::play(const QString &videoFile)
+{
+    if (DesktopActions::playVideo(this, videoFile))
+        m_log->append(QStringLiteral("Playing video: %1").arg(QDir::toNativeSeparators(videoFile)));
+}
+
+void MainWindow::playLatestVideo()
+{
+    const QString outputRoot = RuntimeConfig::outputRoot();
+    const QString newest = OutputSearch::newestVideo(outputRoot);
+    if (!newest.isEmpty())
+        play(newest);
+    else if (DesktopActions::offerToChooseVideo(this, outputRoot))
+        selectAndPlayVideo();
+}
+
+void MainWindow::selectAndPlayVideo()
+{
+    const QString file = DesktopActions::chooseVideo(
+        this,
+        OutputSearch::videoStartFolder(RuntimeConfig::outputRoot(), UiSettings::lastVideoFolder()));
+    if (file.isEmpty())
+        return;
+    UiSettings::saveLastVideoFolder(QFileInfo(file).absolutePath());
+    play(file);
+}
+
+void MainWindow::createRoiVideo()
+{
+    const QString outputRoot = RuntimeConfig::outputRoot();
+    const QString newest = OutputSearch::newestSession(outputRoot);
+    RoiVideoDialog dialog(newest.isEmpty() ? outputRoot : newest, this);
+    connect(&dialog, &RoiVideoDialog::logMessage, m_log, &LogView::append);
+    dialog.exec();
+}
+
+void MainWindow::showHelp()
+{
+    DesktopActions::showHelp(this);
+}
+
+void MainWindow::showLicense()
+{
+    LicenseDialog dialog(this);
+    dialog.exec();
+}
+
+// --- window
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    UiSettings::save(*this, *m_form);
+    QMainWindow::closeEvent(event);
+}
+
+void MainWindow::resizeEvent(QResizeEvent *event)
+{
+    QMainWindow::resizeEvent(event);
+    m_preview->rescale();
+}

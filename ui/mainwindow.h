@@ -1,0 +1,89 @@
+#pragma once
+
+#include "acquisition/acquisitionsettings.h"
+#include "ui/catalogtree.h"
+#include "ui/sourcedetails.h"
+
+#include <QMainWindow>
+
+#include <memory>
+
+class AcquisitionController;
+class HelioviewerClient;
+class LogView;
+class PreviewPane;
+class QJsonObject;
+
+namespace Ui {
+class MainWindow;
+}
+
+/**
+ * The program's window: a catalog to tick, settings, a run to watch, and what came of it.
+ *
+ * Connects the parts, enables them for idle or running, and delegates the rest. Idle becomes
+ * running with a successful start and idle again only when the controller has finished.
+ */
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private slots:
+    void refreshSources();
+    void onCatalogReceived(const QJsonObject &catalog);
+    void onCatalogError(const QString &operation, const QString &message);
+    void startAcquisition();
+    void stopAcquisition();
+    void selectAiaBands();
+    void clearSelection();
+    void openOutputFolder();
+    void playLatestVideo();
+    void selectAndPlayVideo();
+    void createRoiVideo();
+    void showHelp();
+    void showLicense();
+    void onSourceCurrentChanged(QTreeWidgetItem *current, QTreeWidgetItem *previous);
+    void onSourceTimingAnalyzed(int sourceId, int uniqueFrames, int medianSeconds, int minSeconds,
+                                int maxSeconds);
+    void onPreviewReady(const QString &sourceName, const QString &imageFile,
+                        const QDateTime &requestedUtc, const QDateTime &actualUtc,
+                        qint64 deltaSeconds);
+
+private:
+    void buildWidgets();
+    void showRuntimePaths();
+    void makeKeyboardAccessible();
+    void connectWidgets();
+    void connectActions();
+    void loadSettings();
+    void connectEngine();
+    void loadCatalog();
+
+    void fillTree(const QJsonObject &catalog);
+    bool showCachedCatalog();
+    AcquisitionSettings settingsFromWidgets() const;
+    RequestedSampling requestedSampling() const;
+    void showRunBeginning();
+    void setRunning(bool running);
+    void onProgressChanged(int value, int maximum);
+    void onFinished(bool canceled, const QString &sessionDirectory);
+    void onSamplingChanged();
+    void refreshEstimate();
+    void renderDetails(const QTreeWidgetItem *item);
+    void play(const QString &videoFile);
+
+    HelioviewerClient *m_catalogClient;  // a child, as the controller
+    AcquisitionController *m_controller; // a child, deleted before the widgets that it reports to
+    std::unique_ptr<Ui::MainWindow> m_form;
+    LogView *m_log = nullptr;           // a child
+    PreviewPane *m_preview = nullptr;   // a child
+    CatalogTree::Selection m_selection; // to be restored by the next rebuild of the tree
+};
