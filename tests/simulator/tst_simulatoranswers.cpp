@@ -1,0 +1,260 @@
+#include "simulator/archive.h"
+#include "simulator/endpoints.h"
+#include "simulator/faultyanswers.h"
+#include "simulator/jsontext.h"
+#include "simulator/picturestore.h"
+
+#include <QImage>
+#include <QTest>
+#include <QUrlQuery>
+
+using namespace Simulator;
+
+Q_DECLARE_METATYPE(Simulator::Operation)
+Q_DECLARE_METATYPE(Simulator::FaultKind)
+
+namespace {
+
+ArchiveSource source(const char *path, const char *nickname, int sourceId)
+{
+    ArchiveSource made;
+    made.path = QString::fromLatin1(path);
+    made.nickname = QString::fromLatin1(nickname);
+    made.sourceId = sourceId;
+    made.rsunPx = 1587.151;
+    made.start = QStringLiteral("2010-06-02 00:05:36");
+    made.end = QStringLiteral("2010-06-02 00:06:48");
+    return made;
+}
+
+std::shared_ptr<const Archive> smallArchive()
+{
+    ArchiveSource empty = source("Hinode/XRT/C_poly/Any", "XRT C_poly/Any", 10008);
+    empty.start.clear();
+    empty.end.clear();
+    empty.levelLabels =
+        QStringList{QStringLiteral("Observatory"), QStringLiteral("Instrument"),
+                    QStringLiteral("Filter Wheel 1"), QStringLiteral("Filter Wheel 2")};
+    ArchiveSource trace = source("TRACE/171", "TRACE 171", 75);
+    trace.widthPx = 300;
+    trace.heightPx = 305;
+    return std::make_shared<const Archive>(
+        QVector<ArchiveSource>{source("SDO/AIA/171", "AIA 171", 0), empty, trace});
+}
+
+Query queryOf(const QString &text)
+{
+    Query query;
+    const auto items = QUrlQuery(text).queryItems(QUrl::FullyDecoded);
+    for (const auto &item : items)
+        query.insert(item.first, item.second);
+    return query;
+}
+
+Answer answerTo(Operation operation, const QString &query, const QVector<Fault> &faults = {})
+{
+    const auto archive = smallArchive();
+    PictureStore pictures(archive);
+    return answerOf(operation, *archive, pictures, queryOf(query), faults);
+}
+
+const QString closestQuery = QStringLiteral("date=2010-06-02T00:06:00Z&sourceId=0");
+const QString jpxQuery =
+    QStringLiteral("startTime=2010-06-02T00:00:00Z&endTime=2010-06-02T00:10:00Z&sourceId=0"
+                   "&linked=true&jpip=true&verbose=true&cadence=60");
+
+} // namespace
+
+class TestSimulatorAnswers : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void bodiesAreWrittenByteForByte_data();
+    void bodiesAreWrittenByteForByte();
+    void errorsHaveTheirStatusAndBody_data();
+    void errorsHaveTheirStatusAndBody();
+    void closestImageCanDepart_data();
+    void closestImageCanDepart();
+    void widthIsNeverEnlarged_data();
+    void widthIsNeverEnlarged();
+    void imageCarriesItsHeaders();
+    void textIsEscapedAsTheServiceDoes();
+};
+
+void TestSimulatorAnswers::bodiesAreWrittenByteForByte_data()
+{
+    QTest::addColumn<Operation>("operation");
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<QByteArray>("body");
+
+    QTest::newRow("datasources: order kept, null dates, id 0, two to four levels")
+        << Operation::GetDataSources << QString()
+        << QByteArray(
+               R"({"SDO":{"AIA":{"171":{"sourceId":0,"nickname":"AIA 171","layeringOrder":1,)"
+               R"("start":"2010-06-02 00:05:36","end":"2010-06-02 00:06:48","uiLabels":[)"
+               R"({"label":"Observatory","name":"SDO"},{"label":"Instrument","name":"AIA"},)"
+               R"({"label":"Measurement","name":"171"}]}}},"Hinode":{"XRT":{"C_poly":{"Any":{)"
+               R"("sourceId":10008,"nickname":"XRT C_poly\/Any","layeringOrder":1,"start":null,)"
+               R"("end":null,"uiLabels":[{"label":"Observatory","name":"Hinode"},)"
+               R"({"label":"Instrument","name":"XRT"},{"label":"Filter Wheel 1","name":"C_poly"},)"
+               R"({"label":"Filter Wheel 2","name":"Any"}]}}}},"TRACE":{"171":{"sourceId":75,)"
+               R"("nickname":"TRACE 171","layeringOrder":1,"start":"2010-06-02 00:05:36",)"
+               R"("end":"2010-06-02 00:06:48","uiLabels":[{"label":"Observatory","name":"TRACE"},)"
+               R"({"label":"Measurement","name":"171"}]}}})");
+    QTest::newRow("frame index")
+        << Operation::GetJPX << jpxQuery
+        << QByteArray(
+               R"({"message":null,"uri":"jpips:\/\/helioviewer.org:8090\/movies\/SDO_AIA_171_)"
+               R"(F2010-06-02T00.00.00Z_T2010-06-02T00.10.00ZB60L.jpx",)"
+               R"("frames":[1275437136,1275437208]})");
+    QTest::newRow("frame index without frames")
+        << Operation::GetJPX
+        << QStringLiteral("startTime=2011-06-02T00:00:00Z&endTime=2011-06-02T00:10:00Z&sourceId=0")
+        << QByteArray(R"({"error":"No AIA 171 data is available on or after )"
+                      R"(2011-06-02T00:00:00Z.","uri":null})");
+    QTest::newRow("closest image")
+        << Operation::GetClosestImage << closestQuery
+        << QByteArray(
+               R"({"id":"%ID","date":"2010-06-02 00:06:12","name":"AIA 171",)"
+               R"("scale":0.6046330815404457,"scaleCorrection":1,"width":4096,"height":4096,)"
+               R"("refPixelX":2048.5,"refPixelY":2048.5,"offsetX":0,"offsetY":0,"rotation":0,)"
+               R"("rsun":1587.151,"dsun":149597870700,"sunCenterOffsetParams":[],)"
+               R"("layeringOrder":1})");
+}
+
+void TestSimulatorAnswers::bodiesAreWrittenByteForByte()
+{
+    QFETCH(Operation, operation);
+    QFETCH(QString, query);
+    QFETCH(QByteArray, body);
+    const auto archive = smallArchive();
+    body.replace("%ID", QByteArray::number(archive->idOf({0, 1, 0})));
+    const Answer answer = answerTo(operation, query);
+    QCOMPARE(answer.body, body);
+    QCOMPARE(answer.status, 200);
+    QVERIFY(answer.contentType.startsWith("application/json"));
+}
+
+void TestSimulatorAnswers::errorsHaveTheirStatusAndBody_data()
+{
+    QTest::addColumn<Operation>("operation");
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("part");
+
+    const Operation closest = Operation::GetClosestImage;
+    const Operation download = Operation::DownloadImage;
+    QTest::newRow("parameter missing") << closest << "sourceId=0" << 400 << QByteArray("Error:");
+    QTest::newRow("date without its Z")
+        << closest << "date=2010-06-02T00:06:00&sourceId=0" << 400 << QByteArray("<!DOCTYPE html>");
+    QTest::newRow("id in words") << closest << "date=2010-06-02T00:06:00Z&sourceId=AIA" << 400
+                                 << QByteArray("Error:");
+    QTest::newRow("datasource without images")
+        << closest << "date=2010-06-02T00:06:00Z&sourceId=10008" << 500
+        << QByteArray(R"({"error":"No data of the requested type (XRT C_poly\/Any) are currently )"
+                      R"(available.","errno":10})");
+    QTest::newRow("unknown datasource")
+        << closest << "date=2010-06-02T00:06:00Z&sourceId=5" << 500 << QByteArray("type () are");
+    QTest::newRow("unknown image")
+        << download << "id=7&width=100&type=png" << 500 << QByteArray("\"errno\":24}");
+    QTest::newRow("width 0 divides by zero")
+        << download << "id=%ID&width=0" << 500 << QByteArray("\"errno\":255}");
+    QTest::newRow("bad type") << download << "id=%ID&type=gif" << 400 << QByteArray("Error:");
+    QTest::newRow("bad boolean") << Operation::GetJPX
+                                 << QString(jpxQuery).replace(QStringLiteral("linked=true"),
+                                                              QStringLiteral("linked=yes"))
+                                 << 400 << QByteArray("Error:");
+}
+
+void TestSimulatorAnswers::errorsHaveTheirStatusAndBody()
+{
+    QFETCH(Operation, operation);
+    QFETCH(QString, query);
+    QFETCH(QByteArray, part);
+    query.replace(QStringLiteral("%ID"), QString::number(smallArchive()->idOf({0, 1, 0})));
+    const Answer answer = answerTo(operation, query);
+    QTEST(answer.status, "status");
+    QVERIFY2(answer.body.contains(part), answer.body.constData());
+}
+
+void TestSimulatorAnswers::closestImageCanDepart_data()
+{
+    QTest::addColumn<FaultKind>("kind");
+    QTest::addColumn<int>("value");
+    QTest::addColumn<QByteArray>("start");
+    QTest::addColumn<QByteArray>("part");
+
+    const QByteArray usual = "{\"id\":\"%ID\",";
+    QTest::newRow("id as a number") << FaultKind::NumberId << 0 << QByteArray("{\"id\":%ID,")
+                                    << QByteArray("\"rsun\":1587.151");
+    QTest::newRow("numbers as texts")
+        << FaultKind::NumericStrings << 0 << usual << QByteArray("\"rsun\":\"1587.151\"");
+    QTest::newRow("no usable id") << FaultKind::WrongId << 0 << QByteArray("{\"id\":\"0\",")
+                                  << QByteArray("\"rsun\"");
+    QTest::newRow("no id at all") << FaultKind::WrongId << 3 << QByteArray("{\"date\":")
+                                  << QByteArray("\"rsun\"");
+    QTest::newRow("older server") << FaultKind::NoRsun << 0 << usual
+                                  << QByteArray("\"rotation\":0,\"dsun\"");
+    QTest::newRow("another time") << FaultKind::StaleDate << -3600 << usual
+                                  << QByteArray("2010-06-01 23:06:12");
+    QTest::newRow("stray newline")
+        << FaultKind::LeadingNewline << 0 << "\n" + usual << QByteArray("\"rsun\"");
+}
+
+void TestSimulatorAnswers::closestImageCanDepart()
+{
+    QFETCH(FaultKind, kind);
+    QFETCH(int, value);
+    QFETCH(QByteArray, start);
+    QFETCH(QByteArray, part);
+    start.replace("%ID", QByteArray::number(smallArchive()->idOf({0, 1, 0})));
+    const Answer answer = answerTo(Operation::GetClosestImage, closestQuery,
+                                   {{Operation::GetClosestImage, kind, value}});
+    QVERIFY2(answer.body.startsWith(start) && answer.body.contains(part), answer.body.constData());
+}
+
+void TestSimulatorAnswers::widthIsNeverEnlarged_data()
+{
+    QTest::addColumn<QString>("parameters");
+    QTest::addColumn<QSize>("size");
+
+    QTest::newRow("smaller, height rounded") << "width=100" << QSize(100, 102);
+    QTest::newRow("wider than native") << "width=1024" << QSize(300, 305);
+    QTest::newRow("negative is native") << "width=-1" << QSize(300, 305);
+    QTest::newRow("neither width nor scale") << QString() << QSize(300, 305);
+    QTest::newRow("twice the native scale") << "scale=1.2092662134856732" << QSize(150, 153);
+    QTest::newRow("width wins over scale") << "width=50&scale=9" << QSize(50, 51);
+}
+
+void TestSimulatorAnswers::widthIsNeverEnlarged()
+{
+    QFETCH(QString, parameters);
+    const QString id = QString::number(smallArchive()->idOf({2, 0, 0}));
+    const Answer answer =
+        answerTo(Operation::DownloadImage, QStringLiteral("id=%1&%2").arg(id, parameters));
+    QTEST(QImage::fromData(answer.body).size(), "size");
+}
+
+void TestSimulatorAnswers::imageCarriesItsHeaders()
+{
+    const QString id = QString::number(smallArchive()->idOf({2, 0, 0}));
+    const Answer answer =
+        answerTo(Operation::DownloadImage, QStringLiteral("id=%1&width=64&type=png").arg(id));
+    QCOMPARE(answer.contentType, QByteArray("image/png; charset=binary"));
+    QCOMPARE(answer.headers.at(0).second, QByteArray("Wed, 02 Jun 2010 00:05:36 GMT"));
+    QVERIFY(answer.headers.at(1).second.contains("max-age=2592000"));
+    QVERIFY(answer.headers.at(2).second.endsWith("TRACE_171_full_image_4.png.png\""));
+}
+
+void TestSimulatorAnswers::textIsEscapedAsTheServiceDoes()
+{
+    JsonText json;
+    json.beginArray().value(QString::fromUtf8("a/\"\\\n\u00b0")).value(0.0).value(-665.89);
+    json.value(150753140000.0).value(0.6046335795891192).endArray();
+    QCOMPARE(json.text(),
+             QByteArray("[\"a\\/\\\"\\\\\\n\\u00b0\",0,-665.89,150753140000,0.6046335795891192]"));
+}
+
+QTEST_GUILESS_MAIN(TestSimulatorAnswers)
+#include "tst_simulatoranswers.moc"

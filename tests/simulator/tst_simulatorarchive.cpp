@@ -1,0 +1,233 @@
+#include "simulator/archive.h"
+#include "simulator/imagegeometry.h"
+#include "simulator/jpxframes.h"
+#include "simulator/servicetime.h"
+
+#include <QTest>
+
+#include <algorithm>
+
+using namespace Simulator;
+
+namespace {
+
+qint64 at(const char *time)
+{
+    return *parseArchiveTime(QString::fromLatin1(time));
+}
+
+ArchiveSource every(int spacingSeconds, const char *start, const char *end)
+{
+    ArchiveSource source;
+    source.nickname = QStringLiteral("HMI Mag");
+    source.path = QStringLiteral("SDO/HMI/magnetogram");
+    source.sourceId = 19;
+    source.spacingSeconds = spacingSeconds;
+    source.start = QString::fromLatin1(start);
+    source.end = QString::fromLatin1(end);
+    return source;
+}
+
+QVector<qint64> sortedSpacings(const QVector<qint64> &times)
+{
+    QVector<qint64> spacings;
+    for (int i = 1; i < times.size(); ++i)
+        spacings.append(times.at(i) - times.at(i - 1));
+    std::sort(spacings.begin(), spacings.end());
+    return spacings;
+}
+
+} // namespace
+
+class TestSimulatorArchive : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void framesAreResampled_data();
+    void framesAreResampled();
+    void windowsWithoutFramesSayWhy_data();
+    void windowsWithoutFramesSayWhy();
+    void stepsEndAtTheCap();
+    void sampleHasPicturesWhenExpected_data();
+    void sampleHasPicturesWhenExpected();
+    void idsLeadBackToTheirPictures();
+    void radiusFollowsTheDistance();
+};
+
+void TestSimulatorArchive::framesAreResampled_data()
+{
+    QTest::addColumn<int>("archiveSpacing");
+    QTest::addColumn<int>("cadence");
+    QTest::addColumn<qint64>("smallest");
+    QTest::addColumn<qint64>("median");
+    QTest::addColumn<qint64>("largest");
+
+    QTest::newRow("denser than asked: multiples around it") << 45 << 60 << 45LL << 45LL << 90LL;
+    QTest::newRow("denser, a little more is asked") << 45 << 68 << 45LL << 90LL << 90LL;
+    QTest::newRow("the archive's own spacing") << 45 << 45 << 45LL << 45LL << 45LL;
+    QTest::newRow("sparser than asked: every image once") << 240 << 60 << 240LL << 240LL << 240LL;
+    QTest::newRow("cadence left out: every image") << 45 << 0 << 45LL << 45LL << 45LL;
+}
+
+void TestSimulatorArchive::framesAreResampled()
+{
+    QFETCH(int, archiveSpacing);
+    QFETCH(int, cadence);
+    const Archive archive({every(archiveSpacing, "2024-05-01 00:00:00", "2024-05-02 00:00:00")});
+    const qint64 start = at("2024-05-01 03:00:01");
+    const qint64 end = at("2024-05-01 05:00:00");
+    const JpxFrames frames = jpxFrames(archive, 19, start, end, cadence);
+
+    QCOMPARE(frames.error, QString());
+    QCOMPARE(frames.unixTimes.constFirst(), archive.atOrAfter(19, start)->unixTime);
+    QCOMPARE(frames.unixTimes.constLast(), archive.atOrBefore(19, end)->unixTime);
+    const QVector<qint64> spacings = sortedSpacings(frames.unixTimes);
+    QTEST(spacings.constFirst(), "smallest");
+    QTEST(spacings.at(spacings.size() / 2), "median");
+    QTEST(spacings.constLast(), "largest");
+}
+
+void TestSimulatorArchive::windowsWithoutFramesSayWhy_data()
+{
+    QTest::addColumn<int>("sourceId");
+    QTest::addColumn<QString>("start");
+    QTest::addColumn<QString>("end");
+    QTest::addColumn<QString>("error");
+
+    const QString none = QStringLiteral("Error encountered during JPX creation: No images were "
+                                        "found for the requested time range.");
+    QTest::newRow("between two images") << 19 << "2024-05-01 01:00:01"
+                                        << "2024-05-01 01:59:59" << none;
+    QTest::newRow("exactly one image") << 19 << "2024-05-01 01:30:00"
+                                       << "2024-05-01 02:30:00" << none;
+    QTest::newRow("after the last") << 19 << "2024-05-03 00:00:00"
+                                    << "2024-05-03 02:00:00"
+                                    << "No HMI Mag data is available on or after "
+                                       "2024-05-03T00:00:00Z.";
+    QTest::newRow("before the first") << 19 << "2024-04-03 00:00:00"
+                                      << "2024-04-03 02:00:00"
+                                      << "No HMI Mag data is available on or before "
+                                         "2024-04-03T02:00:00Z.";
+    QTest::newRow("unknown id: two blanks") << 77 << "2024-05-01 00:00:00"
+                                            << "2024-05-01 05:00:00"
+                                            << "No  data is available on or after "
+                                               "2024-05-01T00:00:00Z.";
+    QTest::newRow("a group has none") << 10001 << "2024-05-01 00:00:00"
+                                      << "2024-05-01 05:00:00"
+                                      << "No XRT Any/Any data is available on or after "
+                                         "2024-05-01T00:00:00Z.";
+}
+
+void TestSimulatorArchive::windowsWithoutFramesSayWhy()
+{
+    QFETCH(int, sourceId);
+    QFETCH(QString, start);
+    QFETCH(QString, end);
+    ArchiveSource group;
+    group.nickname = QStringLiteral("XRT Any/Any");
+    group.sourceId = 10001;
+    group.groupedSourceId = 19;
+    const Archive archive({every(3600, "2024-05-01 00:00:00", "2024-05-02 00:00:00"), group});
+    const JpxFrames frames =
+        jpxFrames(archive, sourceId, *parseArchiveTime(start), *parseArchiveTime(end), 60);
+    QTEST(frames.error, "error");
+    QVERIFY(frames.unixTimes.isEmpty());
+}
+
+void TestSimulatorArchive::stepsEndAtTheCap()
+{
+    const Archive archive({every(5, "2024-05-01 00:00:00", "2024-05-02 00:00:00")});
+    const JpxFrames frames =
+        jpxFrames(archive, 19, at("2024-05-01 00:00:00"), at("2024-05-01 02:00:00"), 5);
+    // 7200 s in 1000 steps are 7 s each: they end 200 s after the window's first image.
+    QCOMPARE(frames.message,
+             QStringLiteral("Movie cadence has been changed to one image every 7 seconds between "
+                            "your requested start and end dates in order to avoid exceeding the "
+                            "maximum of 1000 frames allowed per request."));
+    QCOMPARE(sortedSpacings(frames.unixTimes).constLast(), 205LL);
+    QCOMPARE(frames.unixTimes.constFirst(), at("2024-05-01 00:00:00"));
+    QVERIFY(jpxFrames(archive, 19, at("2024-05-01 00:00:00"), at("2024-05-01 02:00:00"), 8)
+                .message.isEmpty());
+}
+
+void TestSimulatorArchive::sampleHasPicturesWhenExpected_data()
+{
+    QTest::addColumn<int>("sourceId");
+    QTest::addColumn<QString>("time");
+    QTest::addColumn<QString>("earliest");
+    QTest::addColumn<QString>("latest");
+
+    QTest::newRow("AIA: within half a spacing") << 10 << "2024-05-01 00:30:00"
+                                                << "2024-05-01 00:29:42"
+                                                << "2024-05-01 00:30:18";
+    QTest::newRow("EIT, id 0, the morning's set") << 0 << "2024-05-01 02:00:00"
+                                                  << "2024-05-01 01:12:00"
+                                                  << "2024-05-01 01:15:00";
+    QTest::newRow("EIT, the afternoon's set") << 0 << "2024-05-01 12:00:00"
+                                              << "2024-05-01 13:05:00"
+                                              << "2024-05-01 13:08:00";
+    QTest::newRow("contact lost years ago") << 25 << "2024-05-01 00:00:00"
+                                            << "2014-09-27 00:00:00"
+                                            << "2014-09-27 16:31:17";
+    QTest::newRow("before the first picture") << 2003 << "2001-01-01 00:00:00"
+                                              << "2023-05-05 00:00:00"
+                                              << "2023-05-05 00:01:00";
+    QTest::newRow("the sun has set at the observatory") << 83 << "2024-05-01 08:00:00"
+                                                        << "2024-05-01 01:55:00"
+                                                        << "2024-05-01 02:00:00";
+    QTest::newRow("little was ingested in early 2022") << 10 << "2022-02-01 12:10:00"
+                                                       << "2022-02-01 11:55:00"
+                                                       << "2022-02-01 12:25:00";
+}
+
+void TestSimulatorArchive::sampleHasPicturesWhenExpected()
+{
+    QFETCH(int, sourceId);
+    QFETCH(QString, time);
+    const auto image = Archive::sample()->nearest(sourceId, *parseArchiveTime(time));
+    QVERIFY(image);
+    const QString found = archiveTimeText(image->unixTime);
+    QFETCH(QString, earliest);
+    QFETCH(QString, latest);
+    QVERIFY2(found >= earliest && found <= latest, qPrintable(found));
+}
+
+void TestSimulatorArchive::idsLeadBackToTheirPictures()
+{
+    const auto archive = Archive::sample();
+    qint64 ascending = 0;
+    qint64 before = 0;
+    int images = 0;
+    for (const ArchiveSource &source : archive->sources())
+        for (qint64 time = at("2008-09-20 00:00:00"); time < at("2026-01-01 00:00:00");
+             time += 40000000) {
+            const auto image = archive->nearest(source.sourceId, time);
+            if (!image)
+                continue;
+            const qint64 id = archive->idOf(*image);
+            const auto found = archive->imageOf(id);
+            QVERIFY2(found && found->sourceIndex == image->sourceIndex &&
+                         found->slot == image->slot && found->unixTime == image->unixTime,
+                     qPrintable(source.nickname));
+            ascending += id > before ? 1 : 0;
+            before = id;
+            ++images;
+        }
+    QVERIFY2(ascending > images / 4 && ascending < images * 3 / 4, "ids follow the time");
+    QVERIFY(!archive->imageOf(0) && !archive->imageOf(-5) && !archive->imageOf(Q_INT64_C(1) << 60));
+}
+
+void TestSimulatorArchive::radiusFollowsTheDistance()
+{
+    const auto archive = Archive::sample();
+    const auto radius = [&archive](const char *time) {
+        const auto image = archive->nearest(11, at(time));
+        return geometryOf(archive->sourceOf(*image), *image).rsunPx;
+    };
+    QVERIFY(qAbs(radius("2021-12-31 23:59:52") - 1626.67) < 0.5); // as in a header of that day
+    QVERIFY(qAbs(radius("2024-04-16 11:15:41") - 1593.43) < 0.5);
+}
+
+QTEST_GUILESS_MAIN(TestSimulatorArchive)
+#include "tst_simulatorarchive.moc"

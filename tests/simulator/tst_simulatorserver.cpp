@@ -1,0 +1,237 @@
+#include "simulator/archive.h"
+#include "simulator/server.h"
+
+#include <httplib.h>
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include <thread>
+
+using namespace Simulator;
+
+Q_DECLARE_METATYPE(Simulator::Fault)
+Q_DECLARE_METATYPE(Simulator::Transport)
+
+namespace {
+
+constexpr const char *closestPath =
+    "/v2/getClosestImage/?date=2024-05-01T00%3A00%3A00Z&sourceId=2003";
+
+std::string downloadPath()
+{
+    const auto archive = Archive::sample();
+    return "/v2/downloadImage/?id=" +
+           std::to_string(archive->idOf(*archive->nearest(2003, 1714521600))) +
+           "&width=96&type=png";
+}
+
+} // namespace
+
+class TestSimulatorServer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void faultsReachTheWire_data();
+    void faultsReachTheWire();
+    void faultsConcernTheirRequestsOnly();
+    void journalKeepsOrderAndQuery();
+    void requestsAreServedAtOnce();
+    void stopEndsHangingClients();
+    void stoppedServerRefusesAndStartsAgain();
+    void certificatesAreWhatTheTransportSays_data();
+    void certificatesAreWhatTheTransportSays();
+    void unknownPathsAreErrors_data();
+    void unknownPathsAreErrors();
+};
+
+void TestSimulatorServer::faultsReachTheWire_data()
+{
+    QTest::addColumn<Fault>("fault");
+    QTest::addColumn<int>("status"); // 0: no answer arrives
+    QTest::addColumn<QByteArray>("start");
+
+    const Operation closest = Operation::GetClosestImage;
+    const Operation download = Operation::DownloadImage;
+    const QByteArray object = "{\"error\":";
+    QTest::newRow("bad gateway") << Fault{closest, FaultKind::Status, 502} << 502
+                                 << QByteArray("<html>");
+    QTest::newRow("exception") << Fault{closest, FaultKind::Status, 500} << 500 << object;
+    QTest::newRow("late") << Fault{closest, FaultKind::Delay, 30} << 200 << QByteArray("{\"id\":");
+    QTest::newRow("refused") << Fault{closest, FaultKind::Refuse} << 0 << QByteArray();
+    QTest::newRow("reset in the body")
+        << Fault{closest, FaultKind::ResetInBody} << 0 << QByteArray();
+    QTest::newRow("closed in the body")
+        << Fault{download, FaultKind::ResetInBody, 1} << 0 << QByteArray();
+    QTest::newRow("web page") << Fault{closest, FaultKind::HtmlBody} << 200
+                              << QByteArray("<!DOCTYPE html>");
+    QTest::newRow("error object") << Fault{closest, FaultKind::JsonErrorBody} << 200 << object;
+    QTest::newRow("nothing") << Fault{closest, FaultKind::EmptyBody} << 200 << QByteArray();
+    QTest::newRow("array") << Fault{closest, FaultKind::JsonArray} << 200 << QByteArray("[]");
+    QTest::newRow("object for a picture")
+        << Fault{download, FaultKind::JsonErrorBody} << 200 << object;
+    QTest::newRow("half a picture")
+        << Fault{download, FaultKind::TruncatedPng} << 200 << QByteArray("\x89PNG");
+}
+
+void TestSimulatorServer::faultsReachTheWire()
+{
+    QFETCH(Fault, fault);
+    Server server(Archive::sample());
+    QVERIFY(server.start());
+    httplib::Client client("127.0.0.1", server.port());
+    const std::string path =
+        fault.operation == Operation::DownloadImage ? downloadPath() : closestPath;
+    const std::string whole = client.Get(path)->body;
+    server.addFault(fault);
+    QElapsedTimer timer;
+    timer.start();
+    const httplib::Result result = client.Get(path);
+    QVERIFY(timer.elapsed() >= (fault.kind == FaultKind::Delay ? fault.value : 0));
+    QTEST(result ? result->status : 0, "status");
+    QFETCH(QByteArray, start);
+    if (!result)
+        return;
+    QVERIFY(QByteArray::fromStdString(result->body).startsWith(start));
+    if (fault.kind == FaultKind::TruncatedPng)
+        QCOMPARE(result->body, whole.substr(0, whole.size() / 2));
+}
+
+void TestSimulatorServer::faultsConcernTheirRequestsOnly()
+{
+    Server server(Archive::sample());
+    QVERIFY(server.start());
+    server.addFault({Operation::GetClosestImage, FaultKind::Status, 503, 2, 2});
+    httplib::Client client("127.0.0.1", server.port());
+    QVector<int> statuses;
+    for (int request = 0; request < 4; ++request)
+        statuses.append(client.Get(closestPath)->status);
+    QCOMPARE(statuses, (QVector<int>{200, 503, 503, 200}));
+    QCOMPARE(client.Get("/v2/getDataSources/")->status, 200);
+    server.addFault({Operation::GetClosestImage, FaultKind::Status, 504});
+    server.clearFaults();
+    QCOMPARE(client.Get(closestPath)->status, 200);
+}
+
+void TestSimulatorServer::journalKeepsOrderAndQuery()
+{
+    Server server(Archive::sample());
+    QVERIFY(server.start());
+    httplib::Client client("127.0.0.1", server.port());
+    client.Get("/v2/getDataSources/");
+    client.Get(closestPath);
+    QCOMPARE(server.journal().size(), 2);
+    QCOMPARE(int(server.journal().at(0).operation), int(Operation::GetDataSources));
+    QCOMPARE(server.journal().at(0).query, QByteArray());
+    QCOMPARE(server.journal().at(1).query,
+             QByteArray("date=2024-05-01T00%3A00%3A00Z&sourceId=2003"));
+    QCOMPARE(server.requestCount(Operation::GetClosestImage), 1);
+    server.clearJournal();
+    QVERIFY(server.journal().isEmpty());
+    QCOMPARE(server.requestCount(Operation::GetClosestImage), 0);
+}
+
+void TestSimulatorServer::requestsAreServedAtOnce()
+{
+    Server server(Archive::sample());
+    QVERIFY(server.start());
+    server.addFault({Operation::GetClosestImage, FaultKind::Hang, 0, 1, 1});
+    std::thread hanging([&server] {
+        httplib::Client client("127.0.0.1", server.port());
+        client.Get(closestPath);
+    });
+    QTRY_COMPARE(server.requestCount(Operation::GetClosestImage), 1);
+    httplib::Client client("127.0.0.1", server.port());
+    QCOMPARE(client.Get(closestPath)->status, 200);
+    QCOMPARE(server.journal().constLast().inFlight, 2);
+    server.stop();
+    hanging.join();
+}
+
+void TestSimulatorServer::stopEndsHangingClients()
+{
+    Server server(Archive::sample());
+    QVERIFY(server.start());
+    server.addFault({Operation::GetClosestImage, FaultKind::Hang});
+    bool answered = true;
+    std::thread hanging([&server, &answered] {
+        httplib::Client client("127.0.0.1", server.port());
+        answered = bool(client.Get(closestPath));
+    });
+    httplib::Client idle("127.0.0.1", server.port());
+    idle.set_keep_alive(true);
+    QVERIFY(idle.Get("/v2/getDataSources/"));
+    QTRY_COMPARE(server.requestCount(Operation::GetClosestImage), 1);
+    QElapsedTimer timer;
+    timer.start();
+    server.stop();
+    QVERIFY2(timer.elapsed() < 800, qPrintable(QString::number(timer.elapsed())));
+    hanging.join();
+    QVERIFY(!answered);
+}
+
+void TestSimulatorServer::stoppedServerRefusesAndStartsAgain()
+{
+    Server server(Archive::sample());
+    QVERIFY(server.start());
+    const int port = server.port();
+    QCOMPARE(server.baseUrl(), QStringLiteral("http://127.0.0.1:%1/v2").arg(port));
+    QVERIFY(httplib::Client("127.0.0.1", port).Get(closestPath));
+    server.stop();
+    QVERIFY(!httplib::Client("127.0.0.1", port).Get(closestPath));
+
+    QString errorText;
+    QVERIFY2(server.start(&errorText, port), qPrintable(errorText));
+    QVERIFY(httplib::Client("127.0.0.1", port).Get(closestPath));
+    Server second(Archive::sample());
+    QVERIFY(!second.start(&errorText, port));
+    QCOMPARE(errorText, QStringLiteral("Cannot listen on port %1 of 127.0.0.1.").arg(port));
+}
+
+void TestSimulatorServer::certificatesAreWhatTheTransportSays_data()
+{
+    QTest::addColumn<Transport>("transport");
+    QTest::addColumn<bool>("trusted");
+
+    QTest::newRow("nobody signed it") << Transport::HttpsSelfSigned << false;
+    QTest::newRow("for another host") << Transport::HttpsForeignHost << false;
+    QTest::newRow("signed for this host") << Transport::HttpsTrusted << true;
+}
+
+void TestSimulatorServer::certificatesAreWhatTheTransportSays()
+{
+    QFETCH(Transport, transport);
+    Server server(Archive::sample(), transport);
+    QVERIFY(server.start());
+    QVERIFY(server.baseUrl().startsWith(QLatin1String("https://127.0.0.1:")));
+    httplib::SSLClient careful("127.0.0.1", server.port());
+    careful.set_ca_cert_path(server.caCertificateFile().toStdString());
+    QTEST(bool(careful.Get(closestPath)), "trusted");
+    httplib::SSLClient careless("127.0.0.1", server.port());
+    careless.enable_server_certificate_verification(false);
+    QCOMPARE(careless.Get(closestPath)->status, 200);
+}
+
+void TestSimulatorServer::unknownPathsAreErrors_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<int>("status");
+
+    QTest::newRow("unknown action") << "/v2/getMovie/" << 400;
+    QTest::newRow("without its slash") << "/v2/getDataSources" << 400;
+    QTest::newRow("another place") << "/robots.txt" << 404;
+}
+
+void TestSimulatorServer::unknownPathsAreErrors()
+{
+    QFETCH(QString, path);
+    Server server(Archive::sample());
+    QVERIFY(server.start());
+    httplib::Client client("127.0.0.1", server.port());
+    QTEST(client.Get(path.toStdString())->status, "status");
+    QVERIFY(server.journal().isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestSimulatorServer)
+#include "tst_simulatorserver.moc"
