@@ -67,7 +67,6 @@ void TestSimulatorArchive::framesAreResampled_data()
     QTest::newRow("denser, a little more is asked") << 45 << 68 << 45LL << 90LL << 90LL;
     QTest::newRow("the archive's own spacing") << 45 << 45 << 45LL << 45LL << 45LL;
     QTest::newRow("sparser than asked: every image once") << 240 << 60 << 240LL << 240LL << 240LL;
-    QTest::newRow("cadence left out: every image") << 45 << 0 << 45LL << 45LL << 45LL;
 }
 
 void TestSimulatorArchive::framesAreResampled()
