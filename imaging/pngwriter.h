@@ -9,7 +9,7 @@ namespace PngWriter {
 /// How hard a file is packed; the pixels are the same.
 enum class Packing {
     Balanced, ///< for files that are kept
-    Quick,    ///< for temporary frames: less than half the time, up to a third larger
+    Quick, ///< for temporary frames: half the time, a fifth larger or, when smooth, twice as large
 };
 
 /**
