@@ -70,7 +70,7 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     m_ui->splitter->setStretchFactor(0, 1);
-    m_ui->controlScroll->setMinimumWidth(m_ui->controlPanel->sizeHint().width());
+    m_ui->splitter->setSizes({860, 400}); // in proportion: the canvas takes what there is
     m_ui->frameView->setFocusProxy(m_ui->frameSlider); // arrow keys step through the frames
     m_canvas = new RoiCanvas(m_ui->frameView, this);
     m_canvas->showMessage(tr("Open a session to inspect the captured full frames."));
@@ -78,6 +78,7 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
     connectCanvas();
     showSource(-1);
     showRoiList(-1);
+    m_ui->browseButton->setFocus();
     const QDir initial(initialSessionDirectory);
     if (!initialSessionDirectory.isEmpty() && initial.exists(QStringLiteral("session.json")))
         loadSession(initialSessionDirectory, &m_initialError);
@@ -330,6 +331,7 @@ void RoiVideoDialog::showSession()
         m_ui->sourceCombo->setCurrentIndex(row);
     }
     showSource(row);
+    m_ui->frameSlider->setFocus();
     setStatus(tr("Session loaded: %1 datasource(s), %2 with original PNG frames.")
                   .arg(sources.size())
                   .arg(m_session.sourcesWithFrames()));
