@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QString>
+#include <QTextStream>
+
+/**
+ * The log and, below it, one line of progress.
+ *
+ * Colours and the progress line are for people: into a file or a pipe go the plain log lines alone.
+ */
+class Terminal
+{
+public:
+    Terminal();
+
+    /// A line of the session's log, coloured by its class.
+    void logLine(const QString &text);
+    /// A line of our own.
+    void print(const QString &text);
+
+    void setState(const QString &text);
+    void setProgress(int value, int maximum);
+    /// Takes the progress line away.
+    void endProgress();
+
+private:
+    void printAboveProgress(const QString &text);
+    void drawProgress();
+
+    QTextStream m_out;
+    bool m_isTerminal;
+    bool m_hasColours;
+    bool m_showsProgress = false;
+    QString m_state;
+    int m_value = 0;
+    int m_maximum = 1;
+};
