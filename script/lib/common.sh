@@ -13,6 +13,12 @@ CONCLUSION="done"      # the sentence after a success
 
 cd "$PROJECT_ROOT"
 
+# Without a login session Qt complains in every program that it has no place for sockets.
+if [[ -z "${XDG_RUNTIME_DIR:-}" ]]; then
+    export XDG_RUNTIME_DIR="$PROJECT_ROOT/build/runtime"
+    mkdir -p -m 700 "$XDG_RUNTIME_DIR"
+fi
+
 # What every build needs, and what the engine runs.
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qtbase5-dev libdeflate-dev libcpp-httplib-dev
     libssl-dev libpng-dev curl ffmpeg ca-certificates fonts-dejavu-core)
