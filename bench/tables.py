@@ -1,0 +1,172 @@
+#!/usr/bin/env python3
+"""Runs the programs of a bench build in turn and prints what they measured as tables.
+
+Usage: tables.py BUILD_FOLDER [--quick]
+
+All programs of a table run one after the other in several rounds, so that a busy moment of the
+machine falls on all of them; each figure is the median of its rounds.
+"""
+import json
+import os
+import shutil
+import signal
+import statistics
+import subprocess
+import sys
+import tempfile
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+BUILD = os.path.abspath(sys.argv[1])
+QUICK = "--quick" in sys.argv[2:]
+UNAVOIDABLE = ["lookup", "download", "decode", "detect", "paint", "write"]
+
+
+def run(*command):
+    done = subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True)
+    return json.loads(done.stdout)
+
+
+class Service:
+    """The sample archive; its answers are rendered once and then come out of its cache."""
+
+    def __enter__(self):
+        program = os.path.join(BUILD, "simulator", "orvik-simulator")
+        self.process = subprocess.Popen([program], stdout=subprocess.PIPE, text=True)
+        line = self.process.stdout.readline()
+        self.base = next(word for word in line.split() if word.startswith("http"))
+        return self
+
+    def __exit__(self, *_):
+        self.process.send_signal(signal.SIGTERM)
+        self.process.wait()
+
+
+class Programs:
+    def __init__(self, base):
+        self.base = base
+
+    def _run(self, command, frames, width, *switches):
+        out = tempfile.mkdtemp(prefix="orvik-bench-")
+        try:
+            return run(command, "--base", self.base, "--out", out, "--frames", str(frames),
+                       "--width", str(width), *switches)
+        finally:
+            shutil.rmtree(out)
+
+    def engine(self, frames, width, *switches):
+        return self._run(os.path.join(BUILD, "bench", "accept", "bench_accept"), frames, width,
+                         *switches)
+
+    def parts(self, frames, width, *switches):
+        return self._run(os.path.join(BUILD, "bench", "parts", "bench_parts"), frames, width,
+                         *switches)
+
+    def script(self, frames, width):
+        out = tempfile.mkdtemp(prefix="orvik-bench-")
+        try:
+            return run(sys.executable, os.path.join(HERE, "user_script.py"), self.base, out,
+                       str(frames), str(width))
+        finally:
+            shutil.rmtree(out)
+
+
+def median(results, *keys):
+    def value(result):
+        for key in keys:
+            result = result[key]
+        return result
+    return statistics.median(value(result) for result in results)
+
+
+def table(title, head, rows):
+    print(f"\n{title}\n")
+    cells = [head] + [[cell if isinstance(cell, str) else f"{cell:.2f}" for cell in row]
+                      for row in rows]
+    widths = [max(len(row[i]) for row in cells) for i in range(len(head))]
+    for number, row in enumerate(cells):
+        print("| " + " | ".join(c.ljust(w) if i == 0 else c.rjust(w)
+                                for i, (c, w) in enumerate(zip(row, widths))) + " |")
+        if number == 0:
+            print("|" + "|".join("-" * (w + 2) for w in widths) + "|")
+    sys.stdout.flush()
+
+
+def verdict(holds):
+    return "holds" if holds else "MISSED"
+
+
+def measure_width(programs, width, frames, rounds):
+    programs.engine(frames, width, "--no-window")  # fills the service's cache
+    results = {"window": [], "engine": [], "parts": [], "qt": [], "script": []}
+    few = max(2, frames // 4)  # the slow ones tell as much with fewer frames
+    for _ in range(rounds):
+        results["window"].append(programs.engine(frames, width))
+        results["engine"].append(programs.engine(frames, width, "--no-window"))
+        results["parts"].append(programs.parts(frames, width))
+        results["qt"].append(programs.parts(few, width, "--qt-writer"))
+        results["script"].append(programs.script(few, width))
+    return results
+
+
+def frame_tables(programs, width, frames, rounds):
+    results = measure_width(programs, width, frames, rounds)
+    parts = {name: median(results["parts"], "steps_ms", name)
+             for name in UNAVOIDABLE + ["preview"]}
+    unavoidable = sum(parts[name] for name in UNAVOIDABLE)
+    qt_loop = sum(median(results["qt"], "steps_ms", name) for name in UNAVOIDABLE)
+    script = median(results["script"], "wall_ms")
+    engine, window = median(results["engine"], "wall_ms"), median(results["window"], "wall_ms")
+
+    table(f"A frame of {width} px, ms: its parts, each on its own", ["part", "ms"],
+          [[name, parts[name]] for name in UNAVOIDABLE] + [["sum", unavoidable]]
+          + [["preview in the window", parts["preview"]]])
+    table(f"A frame of {width} px, ms: the engine",
+          ["", "wall", "own CPU", "largest stall"],
+          [[name, median(results[key], "wall_ms"), median(results[key], "self_cpu_ms"),
+            median(results[key], "largest_stall_ms")]
+           for name, key in (("engine", "engine"), ("engine, log and preview", "window"))])
+    table(f"A frame of {width} px, ms: where the engine's time goes, log and preview connected",
+          ["stage", "ms"],
+          [[stage, median(results["window"], "stages_ms", stage)]
+           for stage in ("lookup", "judge", "download", "accept", "window")])
+    table(f"A frame of {width} px: what that means", ["comparison", "factor", "bound", ""], [
+        ["(a) engine / sum of its parts", engine / unavoidable, "<= 1.10",
+         verdict(engine <= 1.10 * unavoidable)],
+        ["(a) with log and preview / the same sum", window / unavoidable, "<= 1.10",
+         verdict(window <= 1.10 * unavoidable)],
+        ["(b) loop with Qt's PNG writer / engine", qt_loop / window, ">= 3.5",
+         verdict(qt_loop >= 3.5 * window)],
+        ["(c) Python script / engine", script / window, ">= 2.5",
+         verdict(script >= 2.5 * window)],
+        ["(d) blank-block search, % of a frame", 100 * parts["detect"] / window, "< 1",
+         verdict(parts["detect"] < 0.01 * window)],
+    ])
+
+
+def growth_tables(programs, frames):
+    rows = []
+    for room in ("plan", "output", "imaging"):
+        program = os.path.join(BUILD, "bench", f"micro_{room}")
+        if not os.path.exists(program):
+            continue
+        result = run(program, "--benchmark_format=json")
+        known = {"name", "run_name", "run_type", "repetitions", "repetition_index", "threads",
+                 "iterations", "real_time", "cpu_time", "time_unit", "family_index",
+                 "per_family_instance_index"}
+        for entry in result["benchmarks"]:
+            counters = ", ".join(f"{key} {value:.3g}" for key, value in entry.items()
+                                 if key not in known and isinstance(value, (int, float)))
+            rows.append([entry["name"], f"{entry['cpu_time']:.4g} {entry['time_unit']}", counters])
+    table("(e) What must not grow", ["measurement", "CPU time", "counters (per item, s or bytes)"],
+          rows)
+    long_run = programs.engine(frames, 128, "--no-window")
+    growth = long_run["growth_kb_per_1000_frames"]
+    table("(e) Memory over a long session, without its log", ["frames", "kB per 1000", "bound", ""],
+          [[str(frames), growth, "< 1024", verdict(growth < 1024)]])
+
+
+with Service() as service:
+    programs = Programs(service.base)
+    frame_tables(programs, 1024, 8 if QUICK else 24, 1 if QUICK else 5)
+    frame_tables(programs, 2048, 4 if QUICK else 12, 1 if QUICK else 3)
+    growth_tables(programs, 500 if QUICK else 5000)
