@@ -112,8 +112,8 @@ Filament filamentOf(quint64 seed, double age)
     constexpr int points = 48;
     for (int point = 0; point <= points; ++point) {
         const double along = double(point) / points - 0.5;
-        const double bend = 0.05 * std::sin(along * 7.0 + 6.0 * draw(7)) +
-                            0.015 * std::sin(along * 31.0 + 6.0 * draw(8));
+        const double bend = 0.04 * std::sin(along * 6.0 + 6.0 * draw(7)) +
+                            0.006 * std::sin(along * 25.0 + 6.0 * draw(8));
         const double lat = latitude + along * length * slope + bend;
         filament.path.push_back(pointAt(lat, turned(longitude + along * length, latitude, age)));
     }

@@ -93,7 +93,7 @@ float lightOf(const Outburst &outburst, float distance, float angle)
     const float place = std::sqrt(along * along + across * across) / radius;
     if (place > 1.3F)
         return 0.0F;
-    const float front = std::max(1.0F - std::fabs(place - 0.95F) * 7.0F, 0.0F);
+    const float front = std::max(1.0F - std::fabs(place - 0.93F) * 4.5F, 0.0F);
     const float core = std::max(1.0F - std::fabs(place - 0.25F) * 3.0F, 0.0F);
     const float onset = along > -radius ? 1.0F : 0.4F;
     return outburst.light * onset * (0.55F * front * front + 0.3F * core + (place < 1 ? 0.06F : 0));
@@ -108,9 +108,13 @@ public:
         , m_rowsPerLog(float(rows - 1) / std::log(optics.edge / optics.occulter))
         , m_light(size_t(columns) * rows)
     {
+        const float days = float(std::fmod(double(unixTime) / secondsPerDay, 2000.0));
+        std::vector<float> streamers(columns);
+        for (int column = 0; column < columns; ++column)
+            streamers[size_t(column)] = streamersAt(directionOf(column), days);
         const std::vector<Outburst> outbursts = outburstsAt(unixTime);
         for (int row = 0; row < rows; ++row)
-            fillRow(row, double(unixTime), outbursts);
+            fillRow(row, double(unixTime), streamers, outbursts);
     }
 
     float at(float turns, float distance) const
@@ -146,23 +150,29 @@ private:
                (1.0F + 0.35F * fine);
     }
 
-    void fillRow(int row, double unixTime, const std::vector<Outburst> &outbursts)
+    static Vector3 directionOf(int column)
+    {
+        const float angle = float(column) / columns * turn;
+        return {std::sin(angle), std::cos(angle), 0.0F};
+    }
+
+    void fillRow(int row, double unixTime, const std::vector<float> &streamers,
+                 const std::vector<Outburst> &outbursts)
     {
         const float distance = m_optics.occulter * std::exp(float(row) / m_rowsPerLog);
         const float fall = std::pow(m_optics.occulter / distance, m_optics.falloff);
-        const float days = float(std::fmod(unixTime / secondsPerDay, 2000.0));
-        // Blobs leave along the streamers at some two solar radii an hour.
-        const float outwards =
-            3.0F * std::log(distance) - float(0.5 * std::fmod(unixTime / secondsPerHour, 500.0));
+        const double hours = std::fmod(unixTime / secondsPerHour, 500.0);
+        // Blobs leave along the streamers.
+        const float outwards = 3.0F * std::log(distance) - float(0.5 * hours);
         float *light = m_light.data() + size_t(row) * columns;
         for (int column = 0; column < columns; ++column) {
-            const float turns = float(column) / columns;
-            const Vector3 direction{std::sin(turns * turn), std::cos(turns * turn), 0.0F};
-            const float blobs = noise(Vector3{direction.x * 6.0F, direction.y * 6.0F, outwards});
-            float sum = fall * streamersAt(direction, days) * (1.0F + 0.3F * blobs);
+            const Vector3 direction = directionOf(column) * 6.0F;
+            const float blobs = noise(direction + Vector3{0.0F, 0.0F, outwards});
+            float sum = fall * streamers[size_t(column)] * (1.0F + 0.3F * blobs);
             for (const Outburst &outburst : outbursts)
-                sum += lightOf(outburst, distance, turns) * std::sqrt(fall) * (0.8F + 0.5F * blobs);
-            light[column] = m_optics.background * (0.55F + 0.45F * fall) + sum;
+                sum += lightOf(outburst, distance, float(column) / columns) * std::sqrt(fall) *
+                       (0.8F + 0.5F * blobs);
+            light[column] = m_optics.background * (0.45F + 0.75F * fall) + sum;
         }
     }
 

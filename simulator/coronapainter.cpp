@@ -66,7 +66,7 @@ Rim rimOf(const SurfaceView &surface, const std::vector<ActiveRegion> &regions,
         const Vector3 limb{std::sin(radians), std::cos(radians), 0.0F};
         const float base = surfaceAlong(surface, limb);
         const float active = regionsAt(limb, regions, surface);
-        rim.light[angle] = style.corona * (base + 2.2F * active);
+        rim.light[angle] = style.corona * (base * std::sqrt(base) + 2.2F * active);
         rim.inverseHeight[angle] =
             1.0F / (style.coronaHeight * (0.6F + 0.4F * base + 0.35F * std::min(active, 1.5F)));
         // Rays turn with the Sun: they are drawn from the noise at the limb's own place on it.

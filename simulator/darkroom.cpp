@@ -56,7 +56,8 @@ IndexedPicture develop(const LightField &field, const QVector<QRgb> &palette,
     IndexedPicture picture{field.widthPx(), field.heightPx(), {}, palette};
     picture.pixels.resize(size_t(field.widthPx()) * size_t(field.heightPx()));
     const std::vector<int> curve = curveOf(development);
-    const float scale = float(lightSteps) / development.white;
+    const float scale = float(lightSteps) / (development.white - development.black);
+    const float black = development.black;
     Grain grain(development.grainSeed, development.grain);
     uchar *pixel = picture.pixels.data();
     for (int line = 0; line < field.heightPx(); ++line) {
@@ -64,7 +65,7 @@ IndexedPicture develop(const LightField &field, const QVector<QRgb> &palette,
         const float *light = field.row(line);
         for (int column = 0; column < field.widthPx(); ++column) {
             const float x = field.xOf(column);
-            const int step = std::min(int(light[column] * scale), lightSteps);
+            const int step = std::min(int((light[column] - black) * scale), lightSteps);
             const int level = curve[size_t(std::max(step, 0))];
             // Nothing shines beyond the corona: what is dark there stays calm.
             const int noise = grain.next() * std::min(level, 2048) / 2048;

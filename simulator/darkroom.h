@@ -11,6 +11,7 @@ struct IndexedPicture;
 /// How light becomes a step of the colour table.
 struct Development
 {
+    float black = 0.0F;    ///< light up to which nothing is shown
     float curve = 6.0F;    ///< 0 for a straight line; larger lifts faint light
     float white = 1.0F;    ///< light of the brightest step
     float grain = 1.0F;    ///< spread of the noise, in steps

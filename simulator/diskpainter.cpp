@@ -47,7 +47,7 @@ public:
             return style.points * std::pow(smooth(0.5F + (v - 0.5F) * contrast, 0.78F, 1.1F), 2.0F);
         }))
         , m_holes(
-              tabulated([&style](float v) { return 1.0F - style.holes * smooth(v, 0.62F, 0.74F); }))
+              tabulated([&style](float v) { return 1.0F - style.holes * smooth(v, 0.58F, 0.76F); }))
         , m_polar(tabulated([](float sine) { return 0.42F * smooth(sine, 0.78F, 1.0F); }))
         , m_belts(tabulated([&style](float sine) {
             const float away = (sine - 0.3F) / 0.2F;
@@ -62,7 +62,8 @@ public:
         const float cloud = m_cloud[channelOf(texels, CloudChannel)];
         const size_t sine = stepOf(std::fabs(sinLatitude));
         const float region = float(channelOf(texels, RegionChannel)) / 255.0F;
-        const float hole = m_holes[stepOf(region + m_polar[sine])];
+        const float ragged = 0.2F * float(channelOf(texels, CloudChannel)) / 255.0F - 0.1F;
+        const float hole = m_holes[stepOf(region - ragged + m_polar[sine])];
         const unsigned network = channelOf(texels, NetworkChannel);
         const float base = m_belts[sine] * m_limb[stepOf(z)] * m_network[network];
         return hole * cloud * (base + m_threads[channelOf(texels, ThreadChannel)]) +

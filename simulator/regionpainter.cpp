@@ -68,13 +68,20 @@ float share(SurfaceTexels texels, SurfaceChannel channel)
     return float(channelOf(texels, channel)) / 255.0F;
 }
 
+/// 1 where a patch of the wide texture lies, 0 beside it: no region ends in an ellipse.
+float patchAt(const Local &local)
+{
+    return std::clamp(4.0F * (share(local.patches, CloudChannel) - 0.36F), 0.0F, 1.0F);
+}
+
 /// Patchy light of both polarities, brightest where threads of the texture cross.
 float plageAt(const Local &local)
 {
-    const float envelope = lobe(local, 0.75F, -0.1F, 1.5F) + lobe(local, -0.8F, 0.15F, 1.8F);
+    const float envelope = lobe(local, 0.75F, -0.1F, 1.35F) + lobe(local, -0.8F, 0.15F, 1.9F);
     const float threads = share(local.patches, ThreadChannel);
     const float network = share(local.patches, NetworkChannel);
-    return envelope * (0.15F + 1.1F * threads * threads + 1.5F * std::max(network - 0.45F, 0.0F));
+    return envelope * (0.08F + patchAt(local)) *
+           (0.1F + 1.5F * threads * threads + 1.4F * std::max(network - 0.45F, 0.0F));
 }
 
 struct Sunspot
@@ -95,7 +102,7 @@ std::vector<Sunspot> spotsOf(const ActiveRegion &region)
         };
         const bool leads = spot % 3 == 0;
         const float radius =
-            (spot == 0 ? 0.36F : 0.22F + 0.1F * draw(0)) * std::sqrt(region.strength);
+            (spot == 0 ? 0.44F : 0.25F + 0.16F * draw(0)) * std::sqrt(region.strength);
         spots.push_back({(leads ? 0.75F : -0.75F) + (spot == 0 ? 0.0F : 0.8F * draw(1)),
                          0.7F * draw(2), radius});
     }
@@ -151,7 +158,7 @@ void paintPolarities(LightField &field, const SurfaceView &surface,
             const float clumps =
                 share(local.patches, NetworkChannel) * (0.4F + share(local.patches, ThreadChannel));
             const float ragged = std::max(clumps - 0.33F, 0.0F) * 6.0F;
-            float flux = ragged * (lobe(local, 0.8F, -0.1F, 1.3F) - lobe(local, -0.9F, 0.2F, 1.9F));
+            float flux = ragged * (lobe(local, 0.8F, -0.1F, 1.2F) - lobe(local, -0.9F, 0.2F, 1.7F));
             for (const Sunspot &spot : spots)
                 flux += (spot.along > 0.0F ? 3.0F : -3.0F) *
                         lobe(local, spot.along, spot.across, spot.radius);

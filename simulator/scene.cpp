@@ -25,6 +25,18 @@ namespace {
 
 constexpr int darkestOnDisk = 8; // a colour that is told from a part never rendered
 
+/// Two feet of a flare in the middle of the picture: who looks at hard X-rays looks there.
+void paintKernels(LightField &field, quint64 seed)
+{
+    const float x = field.xOf(field.widthPx() / 2);
+    const float y = field.yOf(field.heightPx() / 2);
+    const float reach = 0.15F * float(field.widthPx()) / float(field.disk().radius);
+    for (quint64 kernel = 0; kernel < 3; ++kernel)
+        field.addSpot(x + reach * float(chance(seed, kernel * 3) - 0.5),
+                      y + reach * float(chance(seed, kernel * 3 + 1) - 0.5), 0.7F * reach,
+                      0.6F + 1.8F * float(chance(seed, kernel * 3 + 2)));
+}
+
 Development paintSun(LightField &field, const SceneView &view)
 {
     const SunStyle style = styleOf(view.look);
@@ -35,20 +47,22 @@ Development paintSun(LightField &field, const SceneView &view)
     paintRegions(field, surface, regions, style);
     paintFilaments(field, surface, filamentsAt(view.unixTime), style);
     paintLoops(field, surface, regions, view.unixTime, style);
-    return {style.curve, style.white, style.grain, darkestOnDisk, view.grainSeed};
+    if (view.look == Look::HardXRay)
+        paintKernels(field, quint64(view.unixTime / 600));
+    return {style.black, style.curve, style.white, style.grain, darkestOnDisk, view.grainSeed};
 }
 
 Development paintField(LightField &field, const SceneView &view)
 {
     const SurfaceView surface(view.unixTime, view.disk.radius);
     paintMagnetogram(field, surface, activeRegionsAt(view.unixTime));
-    return {0.0F, 1.0F, 2.5F, darkestOnDisk, view.grainSeed};
+    return {0.0F, 0.0F, 1.0F, 2.5F, darkestOnDisk, view.grainSeed};
 }
 
 Development paintOutskirts(LightField &field, const SceneView &view)
 {
     paintCoronagraph(field, view.unixTime, view.look);
-    return {2.0F, 1.6F, 3.5F, 0, view.grainSeed};
+    return {0.0F, 2.0F, 1.15F, 3.5F, 0, view.grainSeed};
 }
 
 Development paint(LightField &field, const SceneView &view)

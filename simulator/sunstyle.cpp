@@ -21,8 +21,9 @@ SunStyle coolCorona()
     style.plage = 0.65F;
     style.loops = 1.1F;
     style.fans = 0.75F;
+    style.black = 0.02F;
     style.curve = 9.0F;
-    style.white = 3.0F;
+    style.white = 2.6F;
     return style;
 }
 
@@ -30,15 +31,18 @@ SunStyle coolCorona()
 SunStyle warmCorona()
 {
     SunStyle style = coolCorona();
-    style.quiet = 0.3F;
+    style.quiet = 0.25F;
     style.network = 0.3F;
-    style.threads = 0.34F;
-    style.holes = 0.82F;
-    style.corona = 0.8F;
-    style.coronaHeight = 0.12F;
-    style.glow = 0.75F;
-    style.loops = 0.8F;
-    style.fans = 0.55F;
+    style.threads = 0.2F;
+    style.holes = 0.66F;
+    style.limb = 0.4F;
+    style.corona = 0.62F;
+    style.coronaHeight = 0.095F;
+    style.black = 0.045F;
+    style.glow = 0.9F;
+    style.plage = 0.8F;
+    style.loops = 0.75F;
+    style.fans = 0.5F;
     return style;
 }
 

@@ -29,6 +29,7 @@ struct SunStyle
     float prominences = 0.0F; ///< light of filaments beyond the limb
     float spots = 0.0F;       ///< how dark sunspots are
     float flares = 1.0F;
+    float black = 0.0F; ///< light up to which nothing is shown
     float curve = 6.0F; ///< how much a logarithm lifts faint light
     float white = 2.5F; ///< light that is shown brightest
     float grain = 1.2F; ///< noise in steps of the colour table

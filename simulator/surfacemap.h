@@ -54,8 +54,11 @@ public:
     /// The same texture, @p times as fine and repeated, for what is smaller than a texel.
     SurfaceTexels detailAt(float turns, float sinLatitude, float times) const
     {
-        return interpolated(turns * times * float(m_columns),
-                            (sinLatitude + 1.0F) * times * 0.5F * float(m_rows));
+        // To and fro in the middle of the map, clear of the poles where texels are stretched.
+        const float way = (sinLatitude + 1.0F) * times;
+        const float part = way * 0.5F - float(int(way * 0.5F));
+        const float inBand = part < 0.5F ? part : 1.0F - part;
+        return interpolated(turns * times * float(m_columns), (0.25F + inBand) * float(m_rows));
     }
 
 private:
