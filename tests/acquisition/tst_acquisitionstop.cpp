@@ -1,0 +1,226 @@
+#include "tests/acquisition/acquisitionroad.h"
+#include "tests/support/fakeprogram.h"
+
+#include <QDirIterator>
+#include <QJsonObject>
+#include <QtTest>
+
+using Simulator::FaultKind;
+using Simulator::Operation;
+
+namespace {
+
+void installEncoder(bool endless)
+{
+    FakeProgram::Reply reply;
+    reply.hang = endless;
+    reply.standardOutput = "encoding\n";
+    const QString ffmpeg = FakeProgram::install(QStringLiteral("bin/fake-ffmpeg"));
+    FakeProgram::setScript(ffmpeg, {reply});
+    TestFolder::setKey(QStringLiteral("paths/ffmpeg"), ffmpeg);
+}
+
+/// AIA is sampled directly, SUVI after a probe; one image each.
+AcquisitionSettings smallSession()
+{
+    return AcquisitionRoad::settings(59, {AcquisitionRoad::aia(), AcquisitionRoad::suvi()});
+}
+
+/// Starts a session and waits until it waits for a child that does not end.
+bool startAndHang(AcquisitionRoad &road, const QString &lastEvent)
+{
+    const QMap<QString, Operation> operations = {
+        {QStringLiteral("curl: getJPX"), Operation::GetJPX},
+        {QStringLiteral("curl: getClosestImage"), Operation::GetClosestImage},
+        {QStringLiteral("curl: downloadImage"), Operation::DownloadImage}};
+    if (operations.contains(lastEvent))
+        road.server.addFault({operations.value(lastEvent), FaultKind::Hang});
+    installEncoder(true);
+    return road.controller->start(smallSession()) && QTest::qWaitFor([&road, &lastEvent] {
+               return road.events.last() == lastEvent && !AcquisitionRoad::children().isEmpty();
+           });
+}
+
+} // namespace
+
+/// A session that does not run to its end.
+class TestAcquisitionStop : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { TestFolder::clearKeys(); }
+    void childInFlightIsKilled_data();
+    void childInFlightIsKilled();
+    void destructionLeavesNoChildAndNoDescriptor_data() { childInFlightIsKilled_data(); }
+    void destructionLeavesNoChildAndNoDescriptor();
+    void stopFromInsideASlot_data();
+    void stopFromInsideASlot();
+    void nextSessionIsStartedFromTheLastSignal();
+};
+
+void TestAcquisitionStop::childInFlightIsKilled_data()
+{
+    QTest::addColumn<QString>("lastEvent");
+    QTest::addColumn<QString>("line"); // between the two of the stop itself
+    QTest::addColumn<QString>("statuses");
+    QTest::addColumn<int>("frameFiles");
+
+    QTest::newRow("cadence probe") << "curl: getJPX"
+                                   << ""
+                                   << "" << 0;
+    QTest::newRow("lookup") << "curl: getClosestImage"
+                            << "ERROR AIA 171 [getClosestImage]: Process crashed"
+                            << "LOOKUP_ERROR" << 0;
+    QTest::newRow("download") << "curl: downloadImage"
+                              << "ERROR AIA 171 [downloadImage]: Process crashed"
+                              << "DOWNLOAD_ERROR" << 0;
+    QTest::newRow("encoder") << "encoding"
+                             << "FFMPEG ERROR for AIA 171 (exit code 9). Frames are preserved."
+                             << "OK OK" << 4;
+}
+
+void TestAcquisitionStop::childInFlightIsKilled()
+{
+    QFETCH(QString, lastEvent);
+    QFETCH(QString, line);
+
+    AcquisitionRoad road;
+    QVERIFY(startAndHang(road, lastEvent));
+    const int before = road.logLines().size();
+    road.controller->stop();
+    QVERIFY(!road.controller->isRunning());
+    QCOMPARE(AcquisitionRoad::children(), QString());
+    QStringList lines = {QStringLiteral("Stop requested by user."), line,
+                         QStringLiteral("Session canceled.")};
+    lines.removeAll(QString());
+    QCOMPARE(QStringList(road.logLines().mid(before)), lines);
+    QTEST(road.column("Status"), "statuses");
+    QCOMPARE(road.descriptor().value(QLatin1String("canceled")), true);
+    QVERIFY(!road.describedSource(1).isEmpty());
+
+    road.controller->stop(); // idle: nothing happens
+    QCoreApplication::processEvents();
+    QCOMPARE(road.events.last(), QStringLiteral("[finished] canceled"));
+    QCOMPARE(road.count("[finished]"), 1);
+}
+
+void TestAcquisitionStop::destructionLeavesNoChildAndNoDescriptor()
+{
+    QFETCH(QString, lastEvent);
+    QFETCH(int, frameFiles);
+
+    AcquisitionRoad road;
+    QVERIFY(startAndHang(road, lastEvent));
+    const QStringList before = road.events;
+    road.controller.reset();
+    QCOMPARE(AcquisitionRoad::children(), QString());
+    QCOMPARE(road.events, before); // not a word
+    QDirIterator files(road.output.path(), QDir::Files, QDirIterator::Subdirectories);
+    int others = 0;
+    while (files.hasNext())
+        others += files.next().endsWith(QLatin1String("manifest.csv")) ? 0 : 1;
+    QCOMPARE(others, frameFiles); // whole frames stay, half ones and a descriptor do not
+}
+
+void TestAcquisitionStop::stopFromInsideASlot_data()
+{
+    QTest::addColumn<QString>("event");
+
+    for (const char *event : {"Session: ",
+                              "[progress] 0/1",
+                              "[state] Quick cadence probe",
+                              "[state] Analyzing",
+                              "curl: getJPX",
+                              "[progress] 1/1",
+                              "[timing] 10",
+                              "Fast path AIA 171: direct",
+                              "Quick probe GOES-R",
+                              "Acquisition plan ready",
+                              "[progress] 0/4",
+                              "[state] Downloading frames",
+                              "[state] AIA 171",
+                              "curl: getClosestImage",
+                              "curl: downloadImage",
+                              "WARNING AIA 171",
+                              "OK AIA 171",
+                              "[preview] AIA 171",
+                              "[progress] 1/4",
+                              "REJECT GOES-R",
+                              "Summary AIA 171",
+                              "No accepted frames",
+                              "[state] Encoding videos",
+                              "ffmpeg: ",
+                              "encoding",
+                              "Video completed",
+                              "[progress] 3/4",
+                              "Original and timestamped",
+                              "[progress] 4/4",
+                              "[state] Completed",
+                              "Session completed.",
+                              "[finished]"})
+        QTest::newRow(event) << QString::fromLatin1(event);
+}
+
+void TestAcquisitionStop::stopFromInsideASlot()
+{
+    QFETCH(QString, event);
+
+    AcquisitionRoad road;
+    installEncoder(false);
+    road.server.addFault({Operation::DownloadImage, FaultKind::TruncatedPng, 0, 1, 1});
+    road.server.addFault({Operation::GetClosestImage, FaultKind::StaleDate, 100000, 2, 1});
+    AcquisitionSettings settings = smallSession();
+    settings.keepFrames = false;
+
+    bool stopped = false;
+    bool tooLate = false; // the session has ended by itself
+    road.onEvent = [&](const QString &noted) {
+        if (stopped || !noted.startsWith(event))
+            return;
+        stopped = true;
+        tooLate = !road.controller->isRunning();
+        road.controller->stop();
+        road.controller->stop();
+        QVERIFY(!road.controller->isRunning());
+    };
+    QVERIFY(road.run(settings));
+    QVERIFY(stopped);
+    QCOMPARE(road.count("[finished]"), 1);
+    QCOMPARE(road.count("Stop requested by user."), tooLate ? 0 : 1);
+    QCOMPARE(road.events.last(), tooLate ? QStringLiteral("[finished] completed")
+                                         : QStringLiteral("[finished] canceled"));
+    QCOMPARE(road.descriptor().value(QLatin1String("canceled")), !tooLate);
+    QCOMPARE(AcquisitionRoad::children(), QString());
+
+    // Nothing of it is left for the session after it.
+    const QString first = road.sessionDirectory();
+    QVERIFY(road.run(settings));
+    QCOMPARE(road.events.last(), QStringLiteral("[finished] completed"));
+    QCOMPARE(road.sessionDirectory(), first + QStringLiteral("_2"));
+    QCOMPARE(road.column("RequestIndex"), QStringLiteral("0 1"));
+}
+
+void TestAcquisitionStop::nextSessionIsStartedFromTheLastSignal()
+{
+    AcquisitionRoad road;
+    AcquisitionSettings settings = smallSession();
+    settings.createVideos = false;
+    int sessions = 1;
+    road.onEvent = [&](const QString &event) {
+        // The stop comes from the midst of a step, which must not go on in the next session.
+        if (event.startsWith(QLatin1String("OK AIA 171")) && sessions == 1)
+            road.controller->stop();
+        if (event.startsWith(QLatin1String("[finished]")) && ++sessions <= 3)
+            QVERIFY(road.controller->start(settings));
+    };
+    QVERIFY(road.controller->start(settings));
+    QTRY_COMPARE_WITH_TIMEOUT(sessions, 4, 20000);
+    QCOMPARE(road.count("[finished] canceled"), 1);
+    QCOMPARE(road.count("[finished] completed"), 2);
+    QCOMPARE(road.column("RequestIndex"), QStringLiteral("0 1"));
+    QVERIFY(road.sessionDirectory().endsWith(QLatin1String("_3")));
+}
+
+QTEST_MAIN(TestAcquisitionStop)
+#include "tst_acquisitionstop.moc"
