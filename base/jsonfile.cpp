@@ -11,8 +11,9 @@ JsonFile::SaveResult JsonFile::save(const QString &path, const QJsonObject &obje
     if (!file.open(QIODevice::WriteOnly))
         return SaveResult::CannotOpen;
     const QByteArray json = QJsonDocument(object).toJson(QJsonDocument::Indented);
-    // A disk that fills up takes a part of it, which QSaveFile does not see as an error.
-    const bool written = file.write(json) == json.size();
+    // A disk that fills up takes a part of it, which QSaveFile does not see as an error; nor does
+    // it look at what becomes of the rest in its buffer, which commit() would write too late.
+    const bool written = file.write(json) == json.size() && file.flush();
     return written && file.commit() ? SaveResult::Saved : SaveResult::CannotCommit;
 }
 

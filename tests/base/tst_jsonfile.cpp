@@ -20,9 +20,19 @@ private slots:
         QVERIFY(JsonFile::load(m_path) == object);
     }
 
+    void diskFullHalfWayKeepsTheOldFile_data()
+    {
+        QTest::addColumn<int>("length");
+
+        QTest::newRow("seen when it is written") << 100'000;
+        QTest::newRow("seen when the buffer is flushed") << 2'000;
+    }
+
     void diskFullHalfWayKeepsTheOldFile()
     {
-        const QJsonObject large{{QStringLiteral("text"), QString(100'000, QLatin1Char('x'))}};
+        QFETCH(int, length);
+
+        const QJsonObject large{{QStringLiteral("text"), QString(length, QLatin1Char('x'))}};
         std::signal(SIGXFSZ, SIG_IGN);
         rlimit unlimited{};
         QCOMPARE(getrlimit(RLIMIT_FSIZE, &unlimited), 0);
