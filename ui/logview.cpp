@@ -36,6 +36,21 @@ QTextCharFormat format(LineClass lineClass, const QPalette &palette)
     return {};
 }
 
+/// Whether @p text holds so long a word that wrapping at words would take a time that grows with
+/// its square: each of its lines is sought to the word's end.
+bool hasEndlessWord(const QString &text)
+{
+    constexpr int endlessChars = 10'000;
+    int wordStart = 0;
+    for (int i = 0; i < text.size(); ++i) {
+        if (text.at(i).isSpace())
+            wordStart = i + 1;
+        else if (i - wordStart >= endlessChars)
+            return true;
+    }
+    return false;
+}
+
 /// The named font may be missing; whatever stands in for it must keep the columns aligned.
 void keepColumnsAligned(QTextEdit *log)
 {
@@ -65,6 +80,8 @@ void LogView::append(const QString &text)
     cursor.insertText(
         QStringLiteral("[%1] ").arg(QTime::currentTime().toString(QStringLiteral("HH:mm:ss"))),
         format(QColor(135, 140, 150), QFont::Normal));
+    if (hasEndlessWord(text))
+        m_log->setWordWrapMode(QTextOption::WrapAnywhere);
     cursor.insertText(text, format(lineClass, m_log->palette()));
     cursor.insertBlock();
     m_log->setTextCursor(cursor);
@@ -75,6 +92,7 @@ void LogView::append(const QString &text)
 void LogView::clear()
 {
     m_log->clear();
+    m_log->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     m_errors = 0;
     m_warnings = 0;
     refreshTitle();

@@ -1,0 +1,320 @@
+#include "tests/support/testfolder.h"
+#include "tests/ui/windowfixture.h"
+
+#include <QAccessible>
+#include <QAction>
+#include <QCheckBox>
+#include <QDateTimeEdit>
+#include <QDesktopServices>
+#include <QDockWidget>
+#include <QJsonObject>
+#include <QLabel>
+#include <QMenu>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTextBrowser>
+#include <QToolBar>
+#include <QTreeWidget>
+#include <QtTest>
+
+using WindowFixture::BoxCloser;
+using WindowFixture::logText;
+using WindowFixture::part;
+using WindowFixture::userSettings;
+
+namespace {
+
+constexpr char catalog[] = R"({"SDO": {"AIA": {
+    "171": {"sourceId": 10, "nickname": "AIA 171", "start": "2010", "end": "2024"},
+    "<b>": {"sourceId": 13, "nickname": "<b>AIA</b>"}}}})";
+
+/// The focusable parts below @p interface that a screen reader could not name.
+QStringList nameless(QAccessibleInterface *interface)
+{
+    QStringList found;
+    const QAccessible::State state = interface->state();
+    if (state.focusable && !state.invisible && interface->text(QAccessible::Name).isEmpty()) {
+        const QObject *object = interface->object();
+        found.append(object ? object->objectName() + QLatin1Char('/') +
+                                  QLatin1String(object->metaObject()->className())
+                            : QString::number(interface->role()));
+    }
+    for (int i = 0; i < interface->childCount(); ++i)
+        found += nameless(interface->child(i));
+    return found;
+}
+
+QStringList names(const QList<QAction *> &actions)
+{
+    QStringList result;
+    for (const QAction *action : actions) {
+        result.append(action->isSeparator() ? QStringLiteral("-")
+                      : action->menu()      ? action->menu()->objectName()
+                                            : action->objectName());
+    }
+    return result;
+}
+
+} // namespace
+
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { WindowFixture::isolateUserSettings(); }
+    void init();
+    void menusAndIcons();
+    void everyInteractivePartHasAName();
+    void tabReachesTheToolBar();
+    void markupOfTheServiceIsShown();
+    void detailsFollowCurrentAndSampling();
+    void refusedStartSavesSettingsAndKeepsTheLog();
+    void presetCountsUntilTheUserSaved();
+    void wrongStoredValues_data();
+    void wrongStoredValues();
+    void groupAsCurrentIsNotRemembered();
+    void brokenCacheAsksTheService_data();
+    void brokenCacheAsksTheService();
+    void unwritableCacheIsAWarning();
+    void runtimePathsAreShown();
+    void playsTheNewestVideo();
+    void missingVideosAndHelp();
+
+public slots:
+    void open(const QUrl &url) { m_opened.append(url.toLocalFile()); }
+
+private:
+    QVector<QString> m_opened;
+};
+
+void TestMainWindow::init()
+{
+    WindowFixture::reset();
+    WindowFixture::writeCatalog(catalog);
+    m_opened.clear();
+}
+
+void TestMainWindow::menusAndIcons()
+{
+    const MainWindow window;
+    QCOMPARE(names(part<QMenu>(window, "menuFile")->actions()).join(QLatin1Char(' ')),
+             QStringLiteral("actionOpenOutputFolder menuPlayVideo actionCreateRoiVideo - "
+                            "actionExit"));
+    QCOMPARE(names(part<QToolBar>(window, "mainToolBar")->actions()).join(QLatin1Char(' ')),
+             QStringLiteral("actionStartAcquisition actionStopAcquisition - "
+                            "actionOpenOutputFolder"));
+    const QList<QAction *> actions = window.findChildren<QAction *>(
+        QRegularExpression(QStringLiteral("^action(?!RefreshCatalog)")));
+    QCOMPARE(actions.size(), 9);
+    for (const QAction *action : actions)
+        QVERIFY2(!action->icon().pixmap(16).isNull(), qPrintable(action->objectName()));
+    QVERIFY(!window.windowIcon().pixmap(64).isNull());
+}
+
+void TestMainWindow::everyInteractivePartHasAName()
+{
+    MainWindow window;
+    window.show();
+    QCOMPARE(nameless(QAccessible::queryAccessibleInterface(&window)).join(QLatin1Char(32)),
+             QString());
+}
+
+void TestMainWindow::tabReachesTheToolBar()
+{
+    MainWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    QCOMPARE(window.focusWidget(), part<QTreeWidget>(window, "sourcesTree"));
+    QWidget *start = part<QToolBar>(window, "mainToolBar")
+                         ->widgetForAction(part<QAction>(window, "actionStartAcquisition"));
+    for (int presses = 0; window.focusWidget() != start && presses < 40; ++presses)
+        QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+    QCOMPARE(window.focusWidget(), start);
+}
+
+void TestMainWindow::markupOfTheServiceIsShown()
+{
+    userSettings().setValue(QStringLiteral("sources/currentId"), 13);
+    MainWindow window;
+    QVERIFY(part<QTextBrowser>(window, "catalogInfo")
+                ->toPlainText()
+                .startsWith(QStringLiteral("<b>AIA</b>\nCatalog path: SDO/AIA/<b>\n")));
+    QCOMPARE(part<QLabel>(window, "previewMeta")->textFormat(), Qt::PlainText);
+}
+
+void TestMainWindow::detailsFollowCurrentAndSampling()
+{
+    userSettings().setValue(QStringLiteral("sources/currentId"), 10);
+    MainWindow window;
+    const auto *details = part<QTextBrowser>(window, "catalogInfo");
+    QVERIFY(QMetaObject::invokeMethod(&window, "onSourceTimingAnalyzed", Q_ARG(int, 10),
+                                      Q_ARG(int, 9), Q_ARG(int, 240), Q_ARG(int, 240),
+                                      Q_ARG(int, 240)));
+    QVERIFY(details->toPlainText().contains(QStringLiteral("requested sampling is 1 min")));
+    part<QSpinBox>(window, "cadenceSpin")->stepUp();
+    QVERIFY(details->toPlainText().contains(QStringLiteral("not prepared yet")));
+
+    part<QDateTimeEdit>(window, "startEdit")
+        ->setDateTime(part<QDateTimeEdit>(window, "endEdit")->dateTime());
+    part<QSpinBox>(window, "fpsSpin")->setValue(50);
+    QCOMPARE(part<QLabel>(window, "estimateLabel")->text(),
+             QStringLiteral("Nominal estimate: 1 frame(s) per datasource  |  video 00:00:00.020 @ "
+                            "50 fps"));
+}
+
+void TestMainWindow::refusedStartSavesSettingsAndKeepsTheLog()
+{
+    MainWindow window;
+    window.show();
+    part<QSpinBox>(window, "cadenceSpin")->setValue(7);
+    BoxCloser boxes;
+    WindowFixture::clickToolButton(window, "actionStartAcquisition");
+    QCOMPARE(userSettings().value(QStringLiteral("acquisition/cadenceSeconds")).toInt(), 7);
+    QVERIFY(logText(window).contains(QStringLiteral("Loaded cached catalog: ")));
+
+    part<QSpinBox>(window, "cadenceSpin")->setValue(8);
+    part<QCheckBox>(window, "keepFramesCheck")->setChecked(false);
+    part<QCheckBox>(window, "createVideosCheck")->setChecked(false);
+    WindowFixture::clickToolButton(window, "actionStartAcquisition");
+    QCOMPARE(userSettings().value(QStringLiteral("acquisition/cadenceSeconds")).toInt(), 7);
+    QCOMPARE(boxes.shown,
+             QStringList({QStringLiteral("Orvik: Select at least one Helioviewer datasource."),
+                          QStringLiteral("Orvik: Enable PNG frame storage or MP4 creation.")}));
+    QVERIFY(!part<QAction>(window, "actionStopAcquisition")->isEnabled());
+}
+
+void TestMainWindow::presetCountsUntilTheUserSaved()
+{
+    TestFolder::setKey(QStringLiteral("acquisition/cadenceSeconds"), 120);
+    TestFolder::setKey(QStringLiteral("video/sourceOverlay"), false);
+    MainWindow window;
+    QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 120);
+    QVERIFY(part<QCheckBox>(window, "sourceOverlayCheck")->isChecked());
+    window.close();
+    TestFolder::setKey(QStringLiteral("acquisition/cadenceSeconds"), 240);
+    QCOMPARE(part<QSpinBox>(MainWindow(), "cadenceSpin")->value(), 120);
+}
+
+void TestMainWindow::wrongStoredValues_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::newRow("text") << QVariant(QStringLiteral("abc"));
+    QTest::newRow("list") << QVariant(QStringList({QStringLiteral("abc"), QStringLiteral("13")}));
+    QTest::newRow("bytes") << QVariant(QByteArray("\0\xff\x01", 3));
+    QTest::newRow("10 MB in all") << QVariant(QString(500'000, QLatin1Char('x')));
+}
+
+void TestMainWindow::wrongStoredValues()
+{
+    QFETCH(QVariant, value);
+    MainWindow().close();
+    const QStringList keys = userSettings().allKeys();
+    QVERIFY(keys.size() >= 17);
+    for (const QString &key : keys)
+        userSettings().setValue(key, value);
+    userSettings().sync();
+    const MainWindow window;
+    QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 1);
+    QCOMPARE(part<QSpinBox>(window, "crfSpin")->value(), 0);
+    QVERIFY(part<QDateTimeEdit>(window, "startEdit")->dateTime().isValid());
+    const QTreeWidgetItem *aia =
+        part<QTreeWidget>(window, "sourcesTree")->topLevelItem(0)->child(0);
+    QCOMPARE(aia->child(0)->checkState(0) == Qt::Checked, value.type() == QVariant::StringList);
+}
+
+void TestMainWindow::groupAsCurrentIsNotRemembered()
+{
+    userSettings().setValue(QStringLiteral("sources/currentId"), 10);
+    MainWindow window;
+    auto *tree = part<QTreeWidget>(window, "sourcesTree");
+    QVERIFY(tree->currentItem() != nullptr);
+    tree->setCurrentItem(tree->topLevelItem(0));
+    window.close();
+    QVERIFY(!userSettings().contains(QStringLiteral("sources/currentId")));
+}
+
+void TestMainWindow::brokenCacheAsksTheService_data()
+{
+    QTest::addColumn<QByteArray>("cache");
+    QTest::newRow("cut off") << QByteArray(catalog).left(40);
+    QTest::newRow("array") << QByteArray("[]");
+    QTest::newRow("foreign") << QByteArray("\x89PNG\r\n");
+}
+
+void TestMainWindow::brokenCacheAsksTheService()
+{
+    QFETCH(QByteArray, cache);
+    WindowFixture::writeCatalog(cache);
+    TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9/<i>"));
+    BoxCloser boxes;
+    const MainWindow window;
+    const auto *refresh = part<QPushButton>(window, "refreshButton");
+    QVERIFY(!refresh->isEnabled());
+    QTRY_COMPARE_WITH_TIMEOUT(boxes.shown.size(), 1, 20'000);
+    QVERIFY(refresh->isEnabled());
+    QVERIFY(
+        boxes.shown.first().startsWith(QStringLiteral("Helioviewer: getDataSources failed:\n")));
+    QVERIFY(logText(window).contains(QStringLiteral("] ERROR getDataSources: curl: (7)")));
+    QCOMPARE(part<QDockWidget>(window, "logWidget")->windowTitle(),
+             QStringLiteral("Log  -  ERR 1 / WARN 0"));
+}
+
+void TestMainWindow::unwritableCacheIsAWarning()
+{
+    TestFolder::setKey(QStringLiteral("paths/catalog"), QStringLiteral("bin")); // a folder
+    TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9"));
+    BoxCloser boxes;
+    MainWindow window;
+    const QJsonObject answer{{QStringLiteral("x"), QJsonObject()}};
+    QVERIFY(QMetaObject::invokeMethod(&window, "onCatalogReceived", Q_ARG(QJsonObject, answer)));
+    QCOMPARE(part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount(), 1);
+    QVERIFY(logText(window).contains(
+        QStringLiteral("WARNING: unable to save catalog cache in ./sys.")));
+    QVERIFY(!logText(window).contains(QStringLiteral("catalog updated.")));
+}
+
+void TestMainWindow::runtimePathsAreShown()
+{
+    TestFolder::setKey(QStringLiteral("paths/output"), QStringLiteral("/tmp/../srv/<b>%1"));
+    const MainWindow window;
+    const QString bin = TestFolder::path(QStringLiteral("bin"));
+    QCOMPARE(part<QLabel>(window, "pathsLabel")->text(),
+             QStringLiteral("curl: ") + bin + QStringLiteral("/curl    |    ffmpeg: ") + bin +
+                 QStringLiteral("/ffmpeg    |    output: /srv/<b>%1"));
+}
+
+void TestMainWindow::playsTheNewestVideo()
+{
+    const TestFolder::OutputRoot root;
+    const QString film = root.path() + QStringLiteral("/%1 film.mp4");
+    QVERIFY(QFile(film).open(QIODevice::WriteOnly));
+    QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open");
+    const MainWindow window;
+    part<QAction>(window, "actionPlayLatestVideo")->trigger();
+    part<QAction>(window, "actionOpenOutputFolder")->trigger();
+    QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+    QCOMPARE(m_opened, QVector<QString>({film, root.path()}));
+    QVERIFY(logText(window).contains(QStringLiteral("Playing video: ") + film));
+}
+
+void TestMainWindow::missingVideosAndHelp()
+{
+    TestFolder::setKey(QStringLiteral("paths/output"), QStringLiteral("gone"));
+    const MainWindow window;
+    {
+        BoxCloser boxes(QMessageBox::No);
+        part<QAction>(window, "actionPlayLatestVideo")->trigger();
+        QCOMPARE(boxes.shown,
+                 QStringList(QStringLiteral("Play latest video: No MP4 video was found "
+                                            "under:\n%1\n\nSelect a video manually?")
+                                 .arg(TestFolder::path(QStringLiteral("gone")))));
+    }
+    BoxCloser boxes;
+    part<QAction>(window, "actionHelpOrvik")->trigger();
+    QCOMPARE(boxes.shown, QStringList(QStringLiteral("Orvik help: Help file not found:\n%1")
+                                          .arg(TestFolder::path(QStringLiteral("doc/help.html")))));
+}
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "ui/mainwindow.h"
+
+#include <QMessageBox>
+#include <QSettings>
+#include <QStringList>
+#include <QTimer>
+
+/// What the tests of the whole window share.
+namespace WindowFixture {
+
+/// Keeps the settings of whoever runs the tests out of them; call it first.
+void isolateUserSettings();
+/// Empties user settings, runtime configuration and catalog cache.
+void reset();
+void writeCatalog(const QByteArray &json);
+QSettings &userSettings();
+
+/// A part of the window; the test fails at once when it is missing.
+template<typename Widget>
+Widget *part(const QMainWindow &window, const char *objectName)
+{
+    auto *found = window.findChild<Widget *>(QLatin1String(objectName));
+    if (found == nullptr)
+        qFatal("no %s", objectName);
+    return found;
+}
+
+/// A real click on the tool bar.
+void clickToolButton(const MainWindow &window, const char *action);
+/// Real clicks on a leaf, which becomes current, and on its box.
+void clickLeaf(const MainWindow &window, const QString &text);
+/// The leaf whose text begins with @p text.
+QTreeWidgetItem *findLeaf(const MainWindow &window, const QString &text);
+QString logText(const MainWindow &window);
+
+/// Answers message boxes as they come up and remembers what they said.
+class BoxCloser : public QObject
+{
+public:
+    explicit BoxCloser(QMessageBox::StandardButton answer = QMessageBox::Ok);
+
+    QStringList shown; ///< "title: text"
+};
+
+} // namespace WindowFixture
