@@ -611,6 +611,7 @@ void AcquisitionController::finish(bool canceled)
 {
     if (!isRunning())
         return;
+    const bool manifestWaited = m_manifestWaits;
     const bool manifestWhole = m_manifest.close();
     JsonFile::save(QDir(m_sessionDirectory).filePath(SessionFiles::descriptor()),
                    SessionDescriptor::toJson(toRecord(m_settings, m_tally, canceled)));
@@ -623,6 +624,8 @@ void AcquisitionController::finish(bool canceled)
 
     if (!manifestWhole)
         emit logMessage(AcquisitionLog::manifestIncomplete());
+    else if (manifestWaited)
+        emit logMessage(AcquisitionLog::manifestRecovered());
     if (!canceled)
         emit progressChanged(clampedToInt(total), clampedToInt(qMax<qint64>(total, 1)));
     emit stateChanged(AcquisitionLog::endState(canceled));

@@ -284,7 +284,7 @@ QString AcquisitionLog::manifestWaiting(const QString &reason)
 
 QString AcquisitionLog::manifestRecovered()
 {
-    return QStringLiteral("OK manifest.csv is complete again; the waiting rows are written.");
+    return QStringLiteral("manifest.csv is complete again; its waiting rows are written.");
 }
 
 QString AcquisitionLog::manifestIncomplete()

@@ -3,7 +3,7 @@
 #include <QDateTime>
 #include <QString>
 
-/// One planned lookup. Kept small: a plan may hold a million of them.
+/// One planned lookup.
 struct FrameRequest
 {
     QString nickname;

@@ -73,9 +73,15 @@ QVariant read(Key key)
     return ConfigFile().value(QLatin1String(wanted.key), wanted.defaultValue);
 }
 
+QString readText(Key key)
+{
+    // A comma that nobody quoted makes a list of the value; its writer meant one text.
+    return read(key).toStringList().join(QStringLiteral(", "));
+}
+
 QString readPath(Key key)
 {
-    return RuntimeConfig::resolveAppPath(read(key).toString());
+    return RuntimeConfig::resolveAppPath(readText(key));
 }
 
 } // namespace
@@ -110,7 +116,7 @@ QString RuntimeConfig::resolveAppPath(const QString &path)
 
 QString RuntimeConfig::apiBase()
 {
-    QString base = read(ApiBase).toString();
+    QString base = readText(ApiBase);
     while (base.endsWith(QLatin1Char('/')))
         base.chop(1);
     return base;

@@ -1,11 +1,19 @@
 #include "base/utctext.h"
 
+#include <QLocale>
+
 namespace {
 
 const QString &storedPattern()
 {
     static const QString pattern = QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'");
     return pattern;
+}
+
+/// QDateTime itself would use the digits of the system's language, which no reader would know.
+QString inPlainDigits(const QDateTime &time, const QString &pattern)
+{
+    return QLocale::c().toString(time.toUTC(), pattern);
 }
 
 } // namespace
@@ -32,17 +40,17 @@ QDateTime UtcText::fromText(const QString &text)
 
 QString UtcText::toOverlayText(const QDateTime &time)
 {
-    return time.toUTC().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss 'UTC'"));
+    return inPlainDigits(time, QStringLiteral("yyyy-MM-dd HH:mm:ss 'UTC'"));
 }
 
 QString UtcText::toDisplayText(const QDateTime &time)
 {
-    return time.toUTC().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    return inPlainDigits(time, QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
 QString UtcText::toFolderText(const QDateTime &time)
 {
-    return time.toUTC().toString(QStringLiteral("yyyyMMdd_HHmmss"));
+    return inPlainDigits(time, QStringLiteral("yyyyMMdd_HHmmss"));
 }
 
 QString UtcText::signedDelta(qint64 seconds)

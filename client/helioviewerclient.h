@@ -42,8 +42,9 @@ public:
     /**
      * Kills the request in flight and waits up to a second for its end; idle afterwards.
      *
-     * The request still ends in its one signal, emitted while this runs; a request made from a
-     * slot of it is refused as busy.
+     * The request still ends in its one signal, emitted while this runs, unless its child had not
+     * been started yet or does not die in that second; a request made from a slot of it is
+     * refused as busy.
      */
     void cancel();
 

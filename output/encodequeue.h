@@ -8,7 +8,6 @@
 class EncodeQueue
 {
 public:
-    void clear();
     void append(const DataSource &source);
     void noteFailure() { m_allSucceeded = false; } ///< frames are then kept
 

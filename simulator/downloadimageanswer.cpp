@@ -34,8 +34,9 @@ int outputWidth(const ImageGeometry &geometry, int width, bool hasWidth, double 
 /// "2024_05_01__00_00_09__SDO_AIA_171_full_image_4.png.png"
 QString fileName(const ArchiveSource &source, const ArchiveImage &image, const QString &type)
 {
-    const QString time = QDateTime::fromSecsSinceEpoch(image.unixTime, Qt::UTC)
-                             .toString(QStringLiteral("yyyy_MM_dd__HH_mm_ss"));
+    const QString time =
+        QLocale::c().toString(QDateTime::fromSecsSinceEpoch(image.unixTime, Qt::UTC),
+                              QStringLiteral("yyyy_MM_dd__HH_mm_ss"));
     QString name = source.path;
     name.replace(QLatin1Char('/'), QLatin1Char('_')).replace(QLatin1Char(' '), QLatin1Char('_'));
     return QStringLiteral("%1__%2_full_image_4.%3.%3").arg(time, name, type);

@@ -1,6 +1,7 @@
 #include "simulator/servicetime.h"
 
 #include <QDateTime>
+#include <QLocale>
 #include <QRegularExpression>
 
 namespace Simulator {
@@ -14,8 +15,8 @@ std::optional<qint64> parseArchiveTime(const QString &text)
 
 QString archiveTimeText(qint64 unixTime)
 {
-    return QDateTime::fromSecsSinceEpoch(unixTime, Qt::UTC)
-        .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    return QLocale::c().toString(QDateTime::fromSecsSinceEpoch(unixTime, Qt::UTC),
+                                 QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
 std::optional<qint64> parseRequestTime(const QString &text)
@@ -32,8 +33,7 @@ std::optional<qint64> parseRequestTime(const QString &text)
 
 QString requestTimeText(qint64 unixTime)
 {
-    return QDateTime::fromSecsSinceEpoch(unixTime, Qt::UTC)
-        .toString(QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'"));
+    return QDateTime::fromSecsSinceEpoch(unixTime, Qt::UTC).toString(Qt::ISODate);
 }
 
 } // namespace Simulator

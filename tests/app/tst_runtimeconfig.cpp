@@ -34,6 +34,12 @@ class TestRuntimeConfig : public QObject
 private slots:
     void init() { QDir(TestFolder::path(QStringLiteral("sys"))).removeRecursively(); }
 
+    void commaWithoutQuotes()
+    {
+        setKey("paths/output", QStringList{QStringLiteral("/tmp/a"), QStringLiteral("b")});
+        QCOMPARE(RuntimeConfig::outputRoot(), QStringLiteral("/tmp/a, b"));
+    }
+
     void firstStart()
     {
         const QString curl = TestFolder::path(QStringLiteral("bin/curl"));

@@ -11,7 +11,8 @@ class TestTexts : public QObject
 private slots:
     void initTestCase()
     {
-        qputenv("TZ", "Europe/Berlin"); // local time is never UTC here
+        qputenv("LC_ALL", "ar_EG.UTF-8"); // a language with digits of its own
+        qputenv("TZ", "Europe/Berlin");   // local time is never UTC here
         tzset();
     }
 
