@@ -19,11 +19,11 @@ TestSession::TestSession()
     : m_manifest("SourceId,Source,RequestIndex,RequestedUTC,ActualUTC,DeltaSeconds,"
                  "ToleranceSeconds,ImageId,File,VideoFrame,Status,Scale,ScaleCorrection,"
                  "SourceWidth,SourceHeight,RSun,RefPixelX,RefPixelY\n")
-{
-    m_descriptor = {{QStringLiteral("startUtc"), QStringLiteral("2024-05-01T12:00:00Z")},
+    , m_descriptor({{QStringLiteral("startUtc"), QStringLiteral("2024-05-01T12:00:00Z")},
                     {QStringLiteral("videoFps"), 5},
                     {QStringLiteral("videoCrf"), 0},
-                    {QStringLiteral("sources"), QJsonArray()}};
+                    {QStringLiteral("sources"), QJsonArray()}})
+{
     addSource(10, QStringLiteral("AIA 171"), QSize(256, 192));
     addSource(18, QStringLiteral("HMI"), QSize(128, 96));
     write(QStringLiteral("manifest.csv"), m_manifest);

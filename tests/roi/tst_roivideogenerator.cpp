@@ -12,8 +12,6 @@
 #include <QTimer>
 #include <QtTest>
 
-Q_DECLARE_METATYPE(FakeProgram::Reply)
-
 using Outcome = RoiVideoGenerator::Outcome;
 
 namespace {

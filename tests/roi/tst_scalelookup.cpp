@@ -27,8 +27,6 @@ RoiSource sourceWith(const QVector<RoiSourceFrame> &frames)
 
 } // namespace
 
-Q_DECLARE_METATYPE(FakeProgram::Reply)
-
 /// Where the length of a pixel comes from.
 class TestScaleLookup : public QObject
 {
