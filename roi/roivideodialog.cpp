@@ -4,6 +4,7 @@
 #include "base/utctext.h"
 #include "roi/roicanvas.h"
 #include "roi/roigeometry.h"
+#include "roi/roimessagebox.h"
 #include "ui_roivideodialog.h"
 
 #include <QDir>
@@ -503,9 +504,12 @@ void RoiVideoDialog::setStatus(const QString &text)
     m_ui->statusLabel->setText(text);
 }
 
-void RoiVideoDialog::showBox(QMessageBox::Icon icon, const QString &text)
+void RoiVideoDialog::warn(const QString &text)
 {
-    QMessageBox box(icon, tr("ROI video"), text, QMessageBox::Ok, this);
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+    RoiMessageBox::show(QMessageBox::Warning, text, this);
+}
+
+void RoiVideoDialog::inform(const QString &text)
+{
+    RoiMessageBox::show(QMessageBox::Information, text, this);
 }

@@ -6,7 +6,6 @@
 #include "roi/scalelookup.h"
 
 #include <QDialog>
-#include <QMessageBox>
 
 #include <memory>
 
@@ -78,9 +77,8 @@ private:
     void film(const RoiVideoPlan &plan);
     void report(RoiVideoGenerator::Outcome outcome, const RoiVideoGenerator &generator);
     void setStatus(const QString &text);
-    void warn(const QString &text) { showBox(QMessageBox::Warning, text); }
-    void inform(const QString &text) { showBox(QMessageBox::Information, text); }
-    void showBox(QMessageBox::Icon icon, const QString &text);
+    void warn(const QString &text);
+    void inform(const QString &text);
 
     std::unique_ptr<Ui::RoiVideoDialog> m_ui;
     RoiCanvas *m_canvas; // owned as a child

@@ -1,0 +1,40 @@
+#include "roi/roimessagebox.h"
+
+#include <QCoreApplication>
+#include <QLabel>
+#include <QLayout>
+#include <QScreen>
+#include <QScrollArea>
+
+namespace {
+
+/// Puts the box's own text label into a scroll area; a box built otherwise stays as it is.
+void makeScrollable(QMessageBox &box, const QSize &size)
+{
+    auto *text = box.findChild<QLabel *>(QStringLiteral("qt_msgbox_label"));
+    if (!text)
+        return;
+    auto *scroll = new QScrollArea(&box);
+    delete box.layout()->replaceWidget(text, scroll);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setMinimumSize(size);
+    text->setWordWrap(true);
+    scroll->setWidget(text);
+    scroll->setAccessibleName(box.windowTitle());
+}
+
+} // namespace
+
+void RoiMessageBox::show(QMessageBox::Icon icon, const QString &text, QWidget *parent)
+{
+    QMessageBox box(icon, QCoreApplication::translate("RoiMessageBox", "ROI video"), text,
+                    QMessageBox::Ok, parent);
+    box.setTextFormat(Qt::PlainText);
+    const QSize limit = box.screen()->availableSize() / 2;
+    const int textHeight =
+        box.fontMetrics().boundingRect(QRect(QPoint(), limit), Qt::TextWordWrap, text).height();
+    if (textHeight > limit.height())
+        makeScrollable(box, limit);
+    box.exec();
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QMessageBox>
+
+class QString;
+
+namespace RoiMessageBox {
+
+/**
+ * Shows @p text, as plain text, in a box titled "ROI video" and waits for OK.
+ *
+ * Text taller than half the screen scrolls: an encoder's last words run to a hundred lines, and
+ * the button must stay in sight.
+ */
+void show(QMessageBox::Icon icon, const QString &text, QWidget *parent);
+
+} // namespace RoiMessageBox
