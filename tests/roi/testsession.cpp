@@ -3,30 +3,36 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QPainter>
+#include <QProcess>
 
 namespace {
 
-constexpr int framesPerSource = 3;
+QByteArray outputOf(const QString &commandLine, const QString &lastArgument)
+{
+    QStringList words = commandLine.split(QLatin1Char(' '));
+    QProcess process;
+    const QString program = words.takeFirst();
+    process.start(program, words.replaceInStrings(u"FILE"_s, lastArgument));
+    if (!process.waitForFinished())
+        qFatal("%s does not run", qPrintable(program));
+    return process.readAllStandardOutput();
+}
 
 } // namespace
 
 TestSession::TestSession()
-    : m_manifest("SourceId,Source,RequestIndex,RequestedUTC,ActualUTC,DeltaSeconds,"
-                 "ToleranceSeconds,ImageId,File,VideoFrame,Status,Scale,ScaleCorrection,"
-                 "SourceWidth,SourceHeight,RSun,RefPixelX,RefPixelY\n")
-    , m_descriptor({{QStringLiteral("startUtc"), QStringLiteral("2024-05-01T12:00:00Z")},
-                    {QStringLiteral("videoFps"), 5},
-                    {QStringLiteral("videoCrf"), 0},
-                    {QStringLiteral("sources"), QJsonArray()}})
+    : m_manifest("SourceId,Source,ActualUTC,File,Status,SourceWidth,RSun\n")
+    , m_descriptor({{u"startUtc"_s, u"2024-05-01T12:00:00Z"_s},
+                    {u"videoFps"_s, 5},
+                    {u"videoCrf"_s, 0},
+                    {u"sources"_s, QJsonArray()}})
 {
-    addSource(10, QStringLiteral("AIA 171"), QSize(256, 192));
-    addSource(18, QStringLiteral("HMI"), QSize(128, 96));
-    write(QStringLiteral("manifest.csv"), m_manifest);
+    addSource(10, u"AIA 171"_s, QSize(256, 192));
+    addSource(18, u"HMI"_s, QSize(128, 96));
+    write(u"manifest.csv"_s, m_manifest);
     changeDescriptor({});
 }
 
@@ -48,16 +54,16 @@ void TestSession::changeDescriptor(const QJsonObject &members) const
     QJsonObject descriptor = m_descriptor;
     for (auto member = members.begin(); member != members.end(); ++member)
         descriptor.insert(member.key(), member.value());
-    write(QStringLiteral("session.json"), QJsonDocument(descriptor).toJson());
+    write(u"session.json"_s, QJsonDocument(descriptor).toJson());
 }
 
 void TestSession::renameFirstFolder(const QString &archiveName) const
 {
-    QJsonArray sources = m_descriptor.value(QStringLiteral("sources")).toArray();
+    QJsonArray sources = m_descriptor.value(u"sources"_s).toArray();
     QJsonObject first = sources.first().toObject();
-    first.insert(QStringLiteral("archiveName"), archiveName);
+    first.insert(u"archiveName"_s, archiveName);
     sources.replace(0, first);
-    changeDescriptor({{QStringLiteral("sources"), sources}});
+    changeDescriptor({{u"sources"_s, sources}});
 }
 
 QMap<QString, QByteArray> TestSession::checksums() const
@@ -66,7 +72,7 @@ QMap<QString, QByteArray> TestSession::checksums() const
     QDirIterator files(path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         const QString name = QDir(path()).relativeFilePath(files.next());
-        if (!name.endsWith(QLatin1String(".mp4")) && name != QLatin1String("rois.json"))
+        if (!name.endsWith(u".mp4"_s) && name != u"rois.json"_s)
             sums.insert(name, QCryptographicHash::hash(read(name), QCryptographicHash::Sha256));
     }
     return sums;
@@ -89,17 +95,36 @@ void TestSession::addSource(int sourceId, const QString &nickname, const QSize &
 {
     const QString folder = QString(nickname).replace(QLatin1Char(' '), QLatin1Char('_'));
     QDir(path()).mkpath(folder);
-    for (int minute = 0; minute < framesPerSource; ++minute) {
-        const QString file = QStringLiteral("%1/frame_%2.png").arg(folder).arg(minute);
+    for (const char *minute : {"0", "1", "2"}) {
+        const QString file = u"%1/frame_%2.png"_s.arg(folder, QLatin1String(minute));
         frame(size).save(filePath(file));
-        m_manifest += QStringLiteral("%1,\"%2\",%3,\"\",\"2024-05-01T12:0%3:00Z\",0,30,5,\"%4\","
-                                     "\"\",OK,,,4096,3072,1600,0,0\n")
-                          .arg(QString::number(sourceId), nickname, QString::number(minute), file)
+        m_manifest += u"%1,\"%2\",\"2024-05-01T12:0%3:00Z\",\"%4\",OK,4096,1600\n"_s
+                          .arg(QString::number(sourceId), nickname, QLatin1String(minute), file)
                           .toUtf8();
     }
-    QJsonArray sources = m_descriptor.value(QStringLiteral("sources")).toArray();
-    sources.append(QJsonObject{{QStringLiteral("sourceId"), sourceId},
-                               {QStringLiteral("nickname"), nickname},
-                               {QStringLiteral("archiveName"), folder}});
-    m_descriptor.insert(QStringLiteral("sources"), sources);
+    QJsonArray sources = m_descriptor.value(u"sources"_s).toArray();
+    sources.append(QJsonObject{
+        {u"sourceId"_s, sourceId}, {u"nickname"_s, nickname}, {u"archiveName"_s, folder}});
+    m_descriptor.insert(u"sources"_s, sources);
+}
+
+Film Film::probe(const QString &path)
+{
+    const QByteArrayList fields =
+        outputOf(u"ffprobe -v error -count_frames -of csv=p=0 -show_entries "
+                 "stream=width,height,r_frame_rate,nb_read_frames FILE"_s,
+                 path)
+            .trimmed()
+            .split(',');
+    if (fields.size() != 4)
+        return {};
+    return {fields.at(3).toInt(), QSize(fields.at(0).toInt(), fields.at(1).toInt()),
+            QString::fromLatin1(fields.at(2))};
+}
+
+QImage Film::frame(const QString &path, int index)
+{
+    return QImage::fromData(outputOf(u"ffmpeg -v error -i FILE -vf select=eq(n\\,%1) -frames:v 1 "
+                                     "-f image2pipe -c:v png -"_s.arg(index),
+                                     path));
 }

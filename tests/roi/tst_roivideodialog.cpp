@@ -1,19 +1,16 @@
 #include "roi/roivideodialog.h"
 
-#include "tests/roi/film.h"
 #include "tests/roi/testsession.h"
 #include "tests/support/testfolder.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDir>
 #include <QGraphicsRectItem>
 #include <QGraphicsView>
-#include <QJsonDocument>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QSlider>
@@ -22,42 +19,7 @@
 #include <QtTest>
 #include <QWheelEvent>
 
-namespace {
-
-/// Closes message boxes as they come up and remembers what they said.
-class BoxReader : public QObject
-{
-public:
-    BoxReader()
-    {
-        connect(&m_timer, &QTimer::timeout, this, &BoxReader::look);
-        m_timer.start(5);
-    }
-    bool isEmpty() const { return m_texts.isEmpty(); }
-    QStringList takeTexts() { return std::exchange(m_texts, {}); }
-
-private:
-    void look()
-    {
-        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (!box || !box->isVisible())
-            return;
-        QCOMPARE(box->windowTitle(), QStringLiteral("ROI video"));
-        m_texts.append(box->text());
-        box->accept();
-    }
-
-    QTimer m_timer;
-    QStringList m_texts;
-};
-
-QString onlyText(BoxReader &reader)
-{
-    const QStringList texts = reader.takeTexts();
-    return texts.size() == 1 ? texts.first() : QString::number(texts.size());
-}
-
-} // namespace
+#include <cmath>
 
 /// The road of a person: open, look, draw, adjust, save, reload, film.
 class TestRoiVideoDialog : public QObject
@@ -65,7 +27,12 @@ class TestRoiVideoDialog : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { TestFolder::clearKeys(); }
+    void initTestCase()
+    {
+        TestFolder::clearKeys();
+        connect(&m_hand, &QTimer::timeout, this, &TestRoiVideoDialog::closeBox);
+        m_hand.start(5);
+    }
     void init()
     {
         m_stored = std::make_unique<TestSession>();
@@ -75,72 +42,54 @@ private slots:
 
     void opensEmpty()
     {
-        const QTemporaryDir folder;
-        m_dialog = std::make_unique<RoiVideoDialog>(folder.path());
+        m_dialog = std::make_unique<RoiVideoDialog>(m_stored->filePath(u"HMI"_s));
         m_dialog->show();
-        QVERIFY(view()->findChild<QLabel *>()->text().startsWith(
-            QLatin1String("Open a session to inspect")));
-        QCOMPARE(textOf("frameCounterLabel"), QStringLiteral("0 / 0"));
+        QVERIFY(view()->findChild<QLabel *>()->text().startsWith(u"Open a session to inspect"_s));
+        QCOMPARE(textOf("frameCounterLabel"), u"0 / 0"_s);
         click("newRoiButton");
-        QCOMPARE(onlyText(m_boxes),
-                 QStringLiteral("Load a datasource with original PNG frames first."));
         click("saveRoisButton");
-        QCOMPARE(onlyText(m_boxes), QStringLiteral("No session is loaded."));
         click("generateButton");
-        QCOMPARE(onlyText(m_boxes), QStringLiteral("Create and check at least one ROI."));
+        QCOMPARE(m_boxes, QStringList({u"Load a datasource with original PNG frames first."_s,
+                                       u"No session is loaded."_s,
+                                       u"Create and check at least one ROI."_s}));
     }
 
-    void damagedSessionIsToldWhenTheDialogShows()
-    {
-        m_stored->write(QStringLiteral("session.json"), "{");
-        m_dialog = std::make_unique<RoiVideoDialog>(m_stored->path());
-        QVERIFY(m_boxes.isEmpty());
-        m_dialog->show();
-        QTRY_VERIFY(!m_boxes.isEmpty());
-        QVERIFY(onlyText(m_boxes).startsWith(QLatin1String("Invalid session.json: ")));
-        QVERIFY(find<QLineEdit>("sessionEdit")->text().isEmpty());
-    }
-
-    void failedLoadKeepsTheSession()
+    void damagedSessions()
     {
         QString errorText;
-        QVERIFY(!m_dialog->loadSession(QDir::tempPath(), &errorText));
-        QCOMPARE(find<QLineEdit>("sessionEdit")->text(), m_stored->path());
-        QCOMPARE(find<QComboBox>("sourceCombo")->count(), 2);
+        QVERIFY(!m_dialog->loadSession(m_stored->filePath(u"HMI"_s), &errorText));
+        QCOMPARE(find<QLineEdit>("sessionEdit")->text(), m_stored->path()); // the one before stays
+        m_stored->write(u"session.json"_s, "{");
+        m_boxes.clear();
+        m_dialog = std::make_unique<RoiVideoDialog>(m_stored->path());
+        m_dialog->show();
+        QTRY_COMPARE(m_boxes.size(), 1);
+        QVERIFY(m_boxes.first().startsWith(u"Invalid session.json: "_s));
     }
 
-    void showsTheSession()
+    void showsTheFrames()
     {
         QCOMPARE(textOf("statusLabel"),
-                 QStringLiteral("Session loaded: 2 datasource(s), 2 with original PNG frames."));
-        QCOMPARE(find<QComboBox>("sourceCombo")->currentText(),
-                 QStringLiteral("AIA 171  [3 frames]"));
+                 u"Session loaded: 2 datasource(s), 2 with original PNG frames."_s);
+        QCOMPARE(find<QComboBox>("sourceCombo")->currentText(), u"AIA 171  [3 frames]"_s);
         QCOMPARE(find<QSpinBox>("fpsSpin")->value(), 5);
-        QCOMPARE(textOf("frameMetaLabel"),
-                 QStringLiteral("2024-05-01 12:00:00 UTC   |   256 x 192"));
-        QCOMPARE(textOf("scaleLabel"), QStringLiteral("Projected scale: 6957.0 km/pixel at the "
-                                                      "captured PNG resolution."));
+        QCOMPARE(textOf("frameMetaLabel"), u"2024-05-01 12:00:00 UTC   |   256 x 192"_s);
+        QCOMPARE(textOf("scaleLabel"),
+                 u"Projected scale: 6957.0 km/pixel at the captured PNG resolution."_s);
+        const QString file = m_stored->filePath(u"AIA_171/frame_1.png"_s);
+        m_stored->write(u"AIA_171/frame_1.png"_s, "no picture");
         QTest::mouseClick(view()->viewport(), Qt::LeftButton);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);
-        QCOMPARE(textOf("frameCounterLabel"), QStringLiteral("2 / 3"));
-    }
+        QCOMPARE(textOf("frameCounterLabel"), u"2 / 3"_s);
+        QCOMPARE(textOf("statusLabel"), u"Cannot decode "_s + file);
 
-    void missingAndUnreadableFrames()
-    {
-        QDir(m_stored->filePath(QStringLiteral("HMI"))).removeRecursively();
-        m_stored->write(QStringLiteral("AIA_171/frame_1.png"), "no picture");
+        QDir(m_stored->filePath(u"HMI"_s)).removeRecursively();
         open();
-        find<QSlider>("frameSlider")->setValue(1);
-        QCOMPARE(textOf("statusLabel"),
-                 QStringLiteral("Cannot decode ") +
-                     m_stored->filePath(QStringLiteral("AIA_171/frame_1.png")));
-        QCOMPARE(textOf("scaleLabel"), QStringLiteral("Scale: --"));
         find<QComboBox>("sourceCombo")->setCurrentIndex(1);
-        QCOMPARE(find<QComboBox>("sourceCombo")->currentText(),
-                 QStringLiteral("HMI  [no original PNGs]"));
+        QCOMPARE(find<QComboBox>("sourceCombo")->currentText(), u"HMI  [no original PNGs]"_s);
         QCOMPARE(textOf("statusLabel"),
-                 QStringLiteral("The original PNG frames are not present for this datasource."));
-        QCOMPARE(textOf("frameCounterLabel"), QStringLiteral("0 / 0"));
+                 u"The original PNG frames are not present for this datasource."_s);
+        QCOMPARE(textOf("scaleLabel"), u"Scale: --"_s);
     }
 
     void wheelZoomsWithoutLimit()
@@ -158,8 +107,6 @@ private slots:
         QTest::addColumn<QPoint>("from");
         QTest::addColumn<QPoint>("to");
         QTest::addColumn<QRect>("pixels"); // empty: no region
-        QTest::newRow("down to the right")
-            << QPoint(64, 48) << QPoint(192, 144) << QRect(64, 48, 128, 96);
         QTest::newRow("up to the left")
             << QPoint(192, 144) << QPoint(64, 48) << QRect(64, 48, 128, 96);
         QTest::newRow("leaves the frame")
@@ -173,71 +120,49 @@ private slots:
         QFETCH(QRect, pixels);
         view()->resetTransform(); // a screen pixel is a pixel of the frame
         click("newRoiButton");
-        QCOMPARE(textOf("statusLabel"),
-                 QStringLiteral("Drag a rectangle on the image to define the new ROI."));
+        QCOMPARE(textOf("statusLabel"), u"Drag a rectangle on the image to define the new ROI."_s);
         drag(QPoint(-5, -5), QPoint(-5, -5));
-        QCOMPARE(textOf("statusLabel"),
-                 QStringLiteral("Start the ROI selection inside the image."));
+        QCOMPARE(textOf("statusLabel"), u"Start the ROI selection inside the image."_s);
         drag(from, to);
         QCOMPARE(view()->dragMode(), QGraphicsView::ScrollHandDrag);
+        QCOMPARE(textOf("statusLabel"),
+                 pixels.isEmpty()
+                     ? u"ROI creation canceled: rectangle too small."_s
+                     : u"Created ROI 1. Adjust X/Y/Width/Height or rotation if needed."_s);
         QCOMPARE(find<QListWidget>("roiList")->count(), pixels.isEmpty() ? 0 : 1);
-        if (pixels.isEmpty()) {
-            QCOMPARE(textOf("statusLabel"),
-                     QStringLiteral("ROI creation canceled: rectangle too small."));
-        } else {
+        if (!pixels.isEmpty())
             QCOMPARE(geometry(), pixels);
-            QCOMPARE(outlines(), QVector<QRectF>{pixels});
-            QCOMPARE(textOf("statusLabel"),
-                     QStringLiteral("Created ROI 1. Adjust X/Y/Width/Height or rotation if "
-                                    "needed."));
-        }
     }
 
     void editsSurviveUnsaved()
     {
         drawTwo();
         auto *list = find<QListWidget>("roiList");
-        find<QLineEdit>("nameEdit")->setFocus();
-        find<QLineEdit>("nameEdit")->selectAll();
-        QTest::keyClicks(find<QLineEdit>("nameEdit"), QStringLiteral("West <b>limb</b>"));
+        find<QLineEdit>("nameEdit")->clear();
+        QTest::keyClicks(find<QLineEdit>("nameEdit"), u"West <b>limb</b>"_s);
         find<QSpinBox>("xSpin")->setValue(101);
         find<QComboBox>("rotationCombo")->setCurrentIndex(2);
         list->item(0)->setCheckState(Qt::Unchecked);
-
         find<QComboBox>("sourceCombo")->setCurrentIndex(1); // half the size
         QCOMPARE(geometry(), QRect(51, 0, 32, 24));
         find<QComboBox>("sourceCombo")->setCurrentIndex(0);
-        QCOMPARE(geometry(), QRect(101, 0, 64, 48));
         click("newRoiButton");
         drag(QPoint(10, 10), QPoint(40, 40));
-        QCOMPARE(list->item(0)->checkState(), Qt::Unchecked);
         list->setFocus();
         QTest::keyClick(list, Qt::Key_Delete);
         QCOMPARE(list->count(), 2);
-        QCOMPARE(list->item(0)->checkState(), Qt::Unchecked);
-        QCOMPARE(list->currentItem()->text(), QStringLiteral("West <b>limb</b>"));
-        QCOMPARE(find<QComboBox>("rotationCombo")->currentIndex(), 2);
-
         click("saveRoisButton");
-        QCOMPARE(onlyText(m_boxes), QStringLiteral("ROI definitions saved to rois.json."));
+        QCOMPARE(m_boxes, QStringList(u"ROI definitions saved to rois.json."_s));
+
         open();
-        QCOMPARE(find<QListWidget>("roiList")->item(0)->checkState(), Qt::Unchecked);
-        find<QListWidget>("roiList")->setCurrentRow(1);
+        list = find<QListWidget>("roiList");
+        QCOMPARE(outlines(), QVector<QColor>({Qt::yellow, Qt::green}));
+        list->setCurrentRow(1);
+        QCOMPARE(outlines(), QVector<QColor>({Qt::green, Qt::yellow}));
+        QCOMPARE(list->item(0)->checkState(), Qt::Unchecked);
+        QCOMPARE(list->currentItem()->text(), u"West <b>limb</b>"_s);
         QCOMPARE(geometry(), QRect(101, 0, 64, 48));
         QCOMPARE(find<QComboBox>("rotationCombo")->currentIndex(), 2);
-    }
-
-    void currentRegionIsYellow()
-    {
-        drawTwo();
-        find<QListWidget>("roiList")->setCurrentRow(0);
-        const QList<QGraphicsItem *> items = view()->scene()->items(Qt::AscendingOrder);
-        QVector<QColor> colours;
-        for (QGraphicsItem *item : items) {
-            if (const auto *region = dynamic_cast<QGraphicsRectItem *>(item))
-                colours.append(region->pen().color());
-        }
-        QCOMPARE(colours, QVector<QColor>({Qt::yellow, Qt::green}));
     }
 
     void filmsOfAllDatasources()
@@ -246,44 +171,48 @@ private slots:
         drawTwo();
         find<QListWidget>("roiList")->item(0)->setCheckState(Qt::Unchecked);
         find<QCheckBox>("allSourcesCheck")->setChecked(true);
-        QSignalSpy log(m_dialog.get(), &RoiVideoDialog::logMessage);
         click("generateButton");
-        QCOMPARE(onlyText(m_boxes), QStringLiteral("Created 2 ROI video(s).\n\nOriginal PNG frames "
-                                                   "were not modified."));
-        QCOMPARE(textOf("statusLabel"), QStringLiteral("Completed: 2 ROI video(s) created."));
-        QCOMPARE(log.size(), 4);
-        const QString film = QStringLiteral("%1/%1__ROI_02_ROI_2.mp4");
-        QCOMPARE(Film::probe(m_stored->filePath(film.arg(QStringLiteral("AIA_171")))).size,
-                 QSize(64, 48));
-        QCOMPARE(Film::probe(m_stored->filePath(film.arg(QStringLiteral("HMI")))).size,
-                 QSize(32, 24));
-        QVERIFY(m_stored->read(QStringLiteral("rois.json")).contains("\"enabled\": false"));
+        QCOMPARE(m_boxes, QStringList(u"Created 2 ROI video(s).\n\nOriginal PNG frames were not "
+                                      "modified."_s));
+        QCOMPARE(textOf("statusLabel"), u"Completed: 2 ROI video(s) created."_s);
+        const QString film = u"%1/%1__ROI_02_ROI_2.mp4"_s;
+        QCOMPARE(Film::probe(m_stored->filePath(film.arg(u"AIA_171"_s))).size, QSize(64, 48));
+        QCOMPARE(Film::probe(m_stored->filePath(film.arg(u"HMI"_s))).size, QSize(32, 24));
+        QVERIFY(m_stored->read(u"rois.json"_s).contains("\"enabled\": false"));
         QCOMPARE(m_stored->checksums(), before);
     }
 
     void cancelInTheProgressDialog()
     {
         drawTwo();
-        QTimer hand;
-        connect(&hand, &QTimer::timeout, m_dialog.get(), [] {
-            if (auto *progress = qobject_cast<QProgressDialog *>(QApplication::activeModalWidget()))
-                progress->findChild<QPushButton *>()->click();
-        });
-        hand.start(0);
+        m_pressesCancel = true;
         click("generateButton");
-        const QString text =
-            QStringLiteral("ROI video generation canceled. Original frames were not modified.");
-        QCOMPARE(onlyText(m_boxes), text);
+        m_pressesCancel = false;
+        const QString text = u"ROI video generation canceled. Original frames were not modified."_s;
+        QCOMPARE(m_boxes, QStringList(text));
         QCOMPARE(textOf("statusLabel"), text);
     }
 
 private:
     void open()
     {
+        m_boxes.clear();
         m_dialog = std::make_unique<RoiVideoDialog>(m_stored->path());
         m_dialog->show();
         QVERIFY(QTest::qWaitForWindowActive(m_dialog.get()));
-        QTRY_VERIFY(!view()->transform().isIdentity() || !view()->scene()->items().size());
+        QTRY_VERIFY(!view()->transform().isIdentity()); // the frame is fitted
+    }
+
+    void closeBox()
+    {
+        QWidget *modal = QApplication::activeModalWidget();
+        if (auto *box = qobject_cast<QMessageBox *>(modal)) {
+            QCOMPARE(box->windowTitle(), u"ROI video"_s);
+            m_boxes.append(box->text());
+            box->accept();
+        } else if (modal && m_pressesCancel) {
+            modal->findChild<QPushButton *>()->click();
+        }
     }
 
     template<typename Widget>
@@ -302,20 +231,20 @@ private:
         return {find<QSpinBox>("xSpin")->value(), find<QSpinBox>("ySpin")->value(),
                 find<QSpinBox>("widthSpin")->value(), find<QSpinBox>("heightSpin")->value()};
     }
-    QVector<QRectF> outlines() const
+    QVector<QColor> outlines() const
     {
-        QVector<QRectF> rects;
+        QVector<QColor> colours;
         const QList<QGraphicsItem *> items = view()->scene()->items(Qt::AscendingOrder);
         for (QGraphicsItem *item : items) {
-            if (const auto *region = dynamic_cast<QGraphicsRectItem *>(item))
-                rects.append(region->rect());
+            if (const auto *outline = dynamic_cast<QGraphicsRectItem *>(item))
+                colours.append(outline->pen().color());
         }
-        return rects;
+        return colours;
     }
     void turnWheel(int delta) const
     {
-        QWheelEvent event(QPointF(5, 5), view()->viewport()->mapToGlobal(QPoint(5, 5)), QPoint(),
-                          QPoint(0, delta), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QWheelEvent event({5, 5}, view()->viewport()->mapToGlobal({5, 5}), {}, {0, delta},
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
         QApplication::sendEvent(view()->viewport(), &event);
     }
     /// Presses at one pixel of the frame, moves, and releases at another.
@@ -323,11 +252,11 @@ private:
     {
         QWidget *viewport = view()->viewport();
         const QPoint end = view()->mapFromScene(to);
-        QTest::mousePress(viewport, Qt::LeftButton, Qt::NoModifier, view()->mapFromScene(from));
+        QTest::mousePress(viewport, Qt::LeftButton, {}, view()->mapFromScene(from));
         QMouseEvent move(QEvent::MouseMove, end, viewport->mapToGlobal(end), Qt::NoButton,
-                         Qt::LeftButton, Qt::NoModifier);
+                         Qt::LeftButton, {});
         QApplication::sendEvent(viewport, &move); // QTest moves without a button held
-        QTest::mouseRelease(viewport, Qt::LeftButton, Qt::NoModifier, end);
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, end);
     }
     void drawTwo() const
     {
@@ -341,7 +270,9 @@ private:
 
     std::unique_ptr<TestSession> m_stored;
     std::unique_ptr<RoiVideoDialog> m_dialog;
-    BoxReader m_boxes;
+    QTimer m_hand;       // presses the buttons of boxes as they come up
+    QStringList m_boxes; // what they said
+    bool m_pressesCancel = false;
 };
 
 QTEST_MAIN(TestRoiVideoDialog)

@@ -1,12 +1,9 @@
 #include "roi/roivideogenerator.h"
 
-#include "app/runtimeconfig.h"
-#include "tests/roi/film.h"
 #include "tests/roi/testsession.h"
 #include "tests/support/fakeprogram.h"
 #include "tests/support/testfolder.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTimer>
@@ -16,34 +13,51 @@ using Outcome = RoiVideoGenerator::Outcome;
 
 namespace {
 
-/// Far from the fields' edges, where the encoder blends colours.
-QRgb nearest(QRgb seen)
+constexpr QRgb red = 0xffff0000;
+constexpr QRgb green = 0xff00ff00;
+constexpr QRgb blue = 0xff0000ff;
+constexpr QRgb white = 0xffffffff;
+
+/// The field that a pixel of a film belongs to, in spite of what the encoder did to its colour.
+QRgb field(const QImage &frame, int x, int y)
 {
+    const QColor seen = frame.pixelColor(x, y);
     const auto full = [](int channel) { return channel > 127 ? 255 : 0; };
-    return qRgb(full(qRed(seen)), full(qGreen(seen)), full(qBlue(seen)));
+    return qRgb(full(seen.red()), full(seen.green()), full(seen.blue()));
 }
 
-RoiVideoPlan planFor(const TestSession &stored)
+RoiVideoPlan planFor(const TestSession &stored, const QRectF &region = {0.25, 0.25, 0.5, 0.5})
 {
     const auto session = RoiSession::load(stored.path());
     RoiVideoPlan plan;
     plan.sessionDirectory = session->directory;
     plan.sources = {{session->sources.first(), {}}};
-    plan.rois = {{1, {QStringLiteral("Flare  #1 / west"), QRectF(0.25, 0.25, 0.5, 0.5), true, 0}}};
+    plan.rois = {{1, {u"Flare  #1 / west"_s, region, true, 0}}};
     plan.fps = session->videoFps;
     plan.crf = session->videoCrf;
     plan.timestampOverlay = plan.sourceOverlay = plan.scaleOverlay = false;
+    plan.introSeconds = 0.5;
     return plan;
 }
 
 QString filmOf(const TestSession &stored)
 {
-    return stored.filePath(QStringLiteral("AIA_171/AIA_171__ROI_01_Flare_1_west.mp4"));
+    return stored.filePath(u"AIA_171/AIA_171__ROI_01_Flare_1_west.mp4"_s);
 }
 
-bool isGone(const QString &path)
+/// Why a run failed.
+QString failureOf(const RoiVideoPlan &plan)
 {
-    return !QFileInfo::exists(path) && !QFileInfo(path).isSymLink();
+    RoiVideoGenerator generator;
+    return generator.run(plan) == Outcome::Failed ? generator.errorText() : u"did not fail"_s;
+}
+
+QString useFakeEncoder(const FakeProgram::Reply &reply)
+{
+    const QString program = FakeProgram::install(u"bin/fake-ffmpeg"_s);
+    FakeProgram::setScript(program, {reply});
+    TestFolder::setKey(u"paths/ffmpeg"_s, program);
+    return program;
 }
 
 } // namespace
@@ -61,11 +75,7 @@ private slots:
         QTest::addColumn<int>("rotation");
         QTest::addColumn<QSize>("size");
         QTest::addColumn<QVector<QRgb>>("fields");
-        const QRgb red = qRgb(255, 0, 0);
-        const QRgb green = qRgb(0, 255, 0);
-        const QRgb blue = qRgb(0, 0, 255);
-        const QRgb white = qRgb(255, 255, 255);
-        QTest::newRow("upright") << 0 << QSize(128, 96) << QVector<QRgb>{red, green, blue, white};
+        QTest::newRow("none") << 0 << QSize(128, 96) << QVector<QRgb>{red, green, blue, white};
         QTest::newRow("90") << 90 << QSize(96, 128) << QVector<QRgb>{green, white, red, blue};
         QTest::newRow("-90") << -90 << QSize(96, 128) << QVector<QRgb>{blue, red, white, green};
         QTest::newRow("180") << 180 << QSize(128, 96) << QVector<QRgb>{white, blue, green, red};
@@ -83,99 +93,80 @@ private slots:
         QSignalSpy log(&generator, &RoiVideoGenerator::logMessage);
         QSignalSpy progress(&generator, &RoiVideoGenerator::progressChanged);
         QCOMPARE(generator.run(plan), Outcome::Completed);
-
         QCOMPARE(generator.createdVideos(), 1);
-        QCOMPARE(progress.size(), plan.totalFrames());
-        const QString turned =
-            rotation == 0 ? QString() : QStringLiteral("; rotation %1 deg").arg(rotation);
+        QCOMPARE(progress.last().first().toInt(), plan.totalFrames());
+        const QString turned = rotation == 0 ? QString() : u"; rotation %1 deg"_s.arg(rotation);
         QCOMPARE(log.last().first().toString(),
-                 QStringLiteral("ROI video completed: %1%2").arg(filmOf(stored), turned));
+                 u"ROI video completed: %1%2"_s.arg(filmOf(stored), turned));
+
         const Film film = Film::probe(filmOf(stored));
         QCOMPARE(film.frames, 3);
         QCOMPARE(film.size, size);
-        QCOMPARE(film.rate, QStringLiteral("5/1"));
+        QCOMPARE(film.rate, u"5/1"_s);
         const QImage frame = Film::frame(filmOf(stored), 2);
         const int x = size.width() / 4;
         const int y = size.height() / 4;
-        const QVector<QRgb> seen = {nearest(frame.pixel(x, y)), nearest(frame.pixel(3 * x, y)),
-                                    nearest(frame.pixel(x, 3 * y)),
-                                    nearest(frame.pixel(3 * x, 3 * y))};
-        QCOMPARE(seen, fields);
+        QCOMPARE(QVector<QRgb>({field(frame, x, y), field(frame, 3 * x, y), field(frame, x, 3 * y),
+                                field(frame, 3 * x, 3 * y)}),
+                 fields);
         QCOMPARE(stored.checksums(), before); // no stored file changed, no temporary one is left
     }
 
     void introductionLeadsIn()
     {
         const TestSession stored;
-        RoiVideoPlan plan = planFor(stored);
-        plan.rois.first().roi.rect = QRectF(0.5, 0.5, 0.5, 0.5); // the white field
+        RoiVideoPlan plan = planFor(stored, {0.5, 0.5, 0.5, 0.5}); // the white field
         plan.intro = true;
-        plan.introSeconds = 0.5;
         RoiVideoGenerator generator;
         QSignalSpy labels(&generator, &RoiVideoGenerator::labelChanged);
         QSignalSpy log(&generator, &RoiVideoGenerator::logMessage);
         QCOMPARE(generator.run(plan), Outcome::Completed);
-        QCOMPARE(plan.introFrames(), 3);
-        QCOMPARE(Film::probe(filmOf(stored)).frames, 6);
+        QCOMPARE(Film::probe(filmOf(stored)).frames, 3 + 3);
         const QImage first = Film::frame(filmOf(stored), 0);
-        QCOMPARE(nearest(first.pixel(30, 20)), qRgb(255, 0, 0)); // the whole frame, squeezed
-        QCOMPARE(nearest(first.pixel(90, 70)), qRgb(255, 255, 255));
-        for (const int index : {2, 3}) // the end of the zoom is the region
-            QCOMPARE(nearest(Film::frame(filmOf(stored), index).pixel(5, 5)), qRgb(255, 255, 255));
-        QCOMPARE(labels.at(1).first().toString(),
-                 QStringLiteral("AIA 171 - Flare  #1 / west\nzoom 2 / 3"));
-        QCOMPARE(labels.at(3).first().toString(),
-                 QStringLiteral("AIA 171 - Flare  #1 / west\nframe 1 / 3"));
-        QCOMPARE(labels.last().first().toString(),
-                 QStringLiteral("Encoding AIA 171 - Flare  #1 / west..."));
-        QVERIFY(log.last().first().toString().endsWith(QLatin1String("; intro zoom 0.5 s")));
+        QCOMPARE(field(first, 30, 20), red); // the whole frame, squeezed
+        QCOMPARE(field(first, 90, 70), white);
+        QCOMPARE(field(Film::frame(filmOf(stored), 2), 5, 5), white); // the end is the region
+        const QString title = u"AIA 171 - Flare  #1 / west"_s;
+        QCOMPARE(labels.at(1).first().toString(), title + u"\nzoom 2 / 3"_s);
+        QCOMPARE(labels.at(3).first().toString(), title + u"\nframe 1 / 3"_s);
+        QCOMPARE(labels.at(6).first().toString(), u"Encoding %1..."_s.arg(title));
+        QVERIFY(log.last().first().toString().endsWith(u"; intro zoom 0.5 s"_s));
     }
 
     void overlaysAreDrawnOnTheTurnedPicture()
     {
         const TestSession stored;
-        RoiVideoPlan plan = planFor(stored);
-        plan.rois.first().roi.rect = QRectF(0.5, 0.0, 0.5, 0.5); // the green field
+        RoiVideoPlan plan = planFor(stored, {0.5, 0.0, 0.5, 0.5}); // the green field
         plan.rois.first().roi.rotation = 90;
-        const auto isGreen = [](QRgb seen) { return nearest(seen) == qRgb(0, 255, 0); };
         plan.timestampOverlay = true;
         QCOMPARE(RoiVideoGenerator().run(plan), Outcome::Completed);
         const QImage first = Film::frame(filmOf(stored), 0);
-        QCOMPARE(first.size(), QSize(96, 128));
-        QVERIFY(!isGreen(first.pixel(10, 115))); // bottom left
-        QVERIFY(isGreen(first.pixel(86, 10)));
-        const QImage second = Film::frame(filmOf(stored), 1);
-        QVERIFY(first.copy(0, 100, 96, 28) != second.copy(0, 100, 96, 28)); // another minute
+        QVERIFY(field(first, 10, 115) != green); // bottom left
+        QCOMPARE(field(first, 86, 10), green);
+        const QRect stamp(0, 100, 96, 28);
+        QVERIFY(first.copy(stamp) != Film::frame(filmOf(stored), 1).copy(stamp)); // a minute later
         plan.timestampOverlay = false;
         plan.scaleOverlay = true;
         QCOMPARE(RoiVideoGenerator().run(plan), Outcome::Completed);
         const QImage scaled = Film::frame(filmOf(stored), 0);
-        QVERIFY(isGreen(scaled.pixel(10, 115)));
-        QVERIFY(!isGreen(scaled.pixel(86, 10))); // top right
+        QCOMPARE(field(scaled, 10, 115), green);
+        QVERIFY(field(scaled, 86, 10) != green); // top right
     }
 
-    void frameSizesMayDiffer()
+    void oddFramesAndEqualNames()
     {
         const TestSession stored;
-        TestSession::frame({101, 77}).save(stored.filePath(QStringLiteral("AIA_171/frame_1.png")));
-        QImage(1, 1, QImage::Format_Grayscale8)
-            .save(stored.filePath(QStringLiteral("AIA_171/frame_2.png")));
-        QCOMPARE(RoiVideoGenerator().run(planFor(stored)), Outcome::Completed);
-        QCOMPARE(Film::probe(filmOf(stored)).frames, 3);
-    }
-
-    void equalNamesMakeTwoFilms()
-    {
-        const TestSession stored;
+        TestSession::frame({101, 77}).save(stored.filePath(u"AIA_171/frame_1.png"_s));
+        QImage(1, 1, QImage::Format_Grayscale8).save(stored.filePath(u"AIA_171/frame_2.png"_s));
         RoiVideoPlan plan = planFor(stored);
-        plan.rois = {{2, {QStringLiteral("a/b"), QRectF(0, 0, 1, 1), true, 0}},
-                     {11, {QStringLiteral("a b"), QRectF(0, 0, 1, 1), true, 0}}};
-        RoiVideoGenerator generator;
-        QCOMPARE(generator.run(plan), Outcome::Completed);
-        QCOMPARE(generator.createdVideos(), 2);
+        plan.rois = {{2, {u"a/b"_s, QRectF(0, 0, 1, 1), true, 0}},
+                     {11, {u"a b"_s, QRectF(0, 0, 1, 1), true, 0}}};
+        QCOMPARE(RoiVideoGenerator().run(plan), Outcome::Completed);
         for (const char *number : {"02", "11"})
-            QVERIFY(QFileInfo::exists(stored.filePath(
-                QStringLiteral("AIA_171/AIA_171__ROI_%1_a_b.mp4").arg(QLatin1String(number)))));
+            QCOMPARE(Film::probe(stored.filePath(u"AIA_171/AIA_171__ROI_%1_a_b.mp4"_s.arg(
+                                     QLatin1String(number))))
+                         .frames,
+                     3);
     }
 
     void encoderIsCalledExactlySo()
@@ -184,123 +175,82 @@ private slots:
         const QString ffmpeg = useFakeEncoder({});
         QCOMPARE(RoiVideoGenerator().run(planFor(stored)), Outcome::Completed);
         const FakeProgram::Run run = FakeProgram::runs(ffmpeg).value(0);
-        QCOMPARE(run.arguments,
-                 QStringLiteral("-y -framerate 5 -start_number 0 -i frame_%06d.png -c:v libx264 "
-                                "-crf 0 -pix_fmt yuv420p")
-                         .split(QLatin1Char(' '))
-                     << filmOf(stored));
-        QVERIFY(run.workingDirectory.endsWith(
-            QLatin1String("/AIA_171/.roi_video_frames/roi_01_Flare_1_west")));
+        QCOMPARE(run.arguments.join(QLatin1Char(' ')),
+                 u"-y -framerate 5 -start_number 0 -i frame_%06d.png -c:v libx264 -crf 0 "
+                 "-pix_fmt yuv420p "_s +
+                     filmOf(stored));
+        QVERIFY(run.workingDirectory.endsWith(u"/AIA_171/.roi_video_frames/roi_01_Flare_1_west"_s));
     }
 
-    void failures_data()
+    void encoderFails_data()
     {
         QTest::addColumn<FakeProgram::Reply>("reply");
         QTest::addColumn<QString>("message");
-        const QString failed = QStringLiteral("FFmpeg failed for AIA 171 / Flare  #1 / west:\n\n");
         FakeProgram::Reply reply;
         reply.exitCode = 1;
-        reply.standardError = "Unknown encoder 'libx264'\n";
-        QTest::newRow("refused") << reply << failed + QStringLiteral("Unknown encoder 'libx264'");
-        reply.standardError = QByteArray(5000, 'x') + QByteArray(4000, 'y');
-        QTest::newRow("talkative") << reply << failed + QString(4000, QLatin1Char('y'));
+        reply.standardError = QByteArray(5000, 'x') + QByteArray(4000, 'y') + '\n';
+        QTest::newRow("talkative") << reply << QString(4000, QLatin1Char('y'));
         reply.standardError.clear();
-        QTest::newRow("silent") << reply << failed;
         reply.crash = true;
-        reply.files.insert(QStringLiteral("$last"), "cut off");
-        QTest::newRow("crashed over its film")
-            << reply << failed + QStringLiteral("Process crashed");
+        reply.files.insert(u"$last"_s, "cut off");
+        QTest::newRow("crashed over its film") << reply << u"Process crashed"_s;
     }
-    void failures()
+    void encoderFails()
     {
         QFETCH(FakeProgram::Reply, reply);
         QFETCH(QString, message);
         const TestSession stored;
         const auto before = stored.checksums();
         useFakeEncoder(reply);
-        RoiVideoGenerator generator;
-        QCOMPARE(generator.run(planFor(stored)), Outcome::Failed);
-        QVERIFY2(generator.errorText().startsWith(message), qPrintable(generator.errorText()));
+        QCOMPARE(failureOf(planFor(stored)),
+                 u"FFmpeg failed for AIA 171 / Flare  #1 / west:\n\n"_s + message);
         QCOMPARE(stored.checksums(), before);
-        QVERIFY(isGone(filmOf(stored)));
-    }
+        QVERIFY(!QFileInfo::exists(filmOf(stored)));
 
-    void failureKeepsEarlierFilms()
-    {
-        const TestSession stored;
-        const QString earlier = filmOf(stored);
-        stored.write(QStringLiteral("AIA_171/AIA_171__ROI_01_Flare_1_west.mp4"), "earlier");
-        FakeProgram::Reply reply;
-        reply.exitCode = 1; // without having opened the film
+        QVERIFY(QFile::copy(stored.filePath(u"session.json"_s), filmOf(stored))); // an earlier one
+        reply.files.clear();
         useFakeEncoder(reply);
-        QCOMPARE(RoiVideoGenerator().run(planFor(stored)), Outcome::Failed);
-        QVERIFY(QFileInfo::exists(earlier));
+        failureOf(planFor(stored));
+        QVERIFY(QFileInfo::exists(filmOf(stored))); // it was not touched, so it stays
+        TestFolder::setKey(u"paths/ffmpeg"_s, u"/nonexistent"_s);
+        QCOMPARE(failureOf(planFor(stored)), u"ffmpeg not found: /nonexistent"_s);
     }
 
-    void missingEncoder()
+    void truncatedFrames()
     {
         const TestSession stored;
-        TestFolder::setKey(QStringLiteral("paths/ffmpeg"), QStringLiteral("/nonexistent"));
-        RoiVideoGenerator generator;
-        QCOMPARE(generator.run(planFor(stored)), Outcome::Failed);
-        QCOMPARE(generator.errorText(), QStringLiteral("ffmpeg not found: /nonexistent"));
-    }
-
-    void truncatedFrame()
-    {
-        const TestSession stored;
-        const QString name = QStringLiteral("AIA_171/frame_1.png");
+        const QString name = u"AIA_171/frame_0.png"_s;
         const QByteArray whole = stored.read(name);
-        for (int length = 0; length < whole.size(); length += 50) {
+        RoiVideoPlan plan = planFor(stored);
+        for (int length = 0; length < whole.size(); length += 40) {
             stored.write(name, whole.left(length));
             const auto before = stored.checksums();
-            RoiVideoGenerator generator;
-            QCOMPARE(generator.run(planFor(stored)), Outcome::Failed);
-            QCOMPARE(generator.errorText(),
-                     QStringLiteral("Cannot decode frame:\n") + stored.filePath(name));
+            plan.intro = false;
+            QCOMPARE(failureOf(plan), u"Cannot decode frame:\n"_s + stored.filePath(name));
+            plan.intro = true;
+            QCOMPARE(failureOf(plan),
+                     u"Cannot decode first frame for zoom intro:\n"_s + stored.filePath(name));
             QCOMPARE(stored.checksums(), before);
         }
     }
 
-    void unreadableFirstFrameOfAnIntroduction()
-    {
-        const TestSession stored;
-        stored.write(QStringLiteral("AIA_171/frame_0.png"), {});
-        RoiVideoPlan plan = planFor(stored);
-        plan.intro = true;
-        RoiVideoGenerator generator;
-        QCOMPARE(generator.run(plan), Outcome::Failed);
-        QCOMPARE(generator.errorText(),
-                 QStringLiteral("Cannot decode first frame for zoom intro:\n") +
-                     stored.filePath(QStringLiteral("AIA_171/frame_0.png")));
-    }
-
-    void nothingIsWrittenOrRemovedOutsideTheSession()
+    void foldersAndLinksOutOfTheSession()
     {
         const TestSession stored;
         const TestSession other;
-        other.write(QStringLiteral("HMI/.roi_video_frames"), "not ours");
+        other.write(u"HMI/.roi_video_frames"_s, "not ours");
         const auto before = other.checksums();
-        stored.renameFirstFolder(other.filePath(QStringLiteral("HMI")));
-        RoiVideoGenerator generator;
-        QCOMPARE(generator.run(planFor(stored)), Outcome::Failed);
-        QVERIFY(generator.errorText().contains(QLatin1String("inside the session")));
+        stored.renameFirstFolder(other.filePath(u"HMI"_s));
+        QVERIFY(failureOf(planFor(stored)).contains(u"inside the session"_s));
         QCOMPARE(other.checksums(), before);
-    }
 
-    void linksAreTakenAwayAndNotFollowed()
-    {
-        const TestSession stored;
-        const TestSession other;
-        other.write(QStringLiteral("precious.txt"), "kept");
-        const auto before = other.checksums();
-        const QString root = stored.filePath(QStringLiteral("AIA_171/.roi_video_frames"));
+        stored.changeDescriptor({});
+        const QString root = stored.filePath(u"AIA_171/.roi_video_frames"_s);
         QVERIFY(QFile::link(other.path(), root));
-        QVERIFY(QFile::link(other.filePath(QStringLiteral("precious.txt")), filmOf(stored)));
+        QVERIFY(QFile::link(other.filePath(u"session.json"_s), filmOf(stored)));
         QCOMPARE(RoiVideoGenerator().run(planFor(stored)), Outcome::Completed);
         QCOMPARE(other.checksums(), before);
-        QVERIFY(isGone(root));
-        QVERIFY(!QFileInfo(filmOf(stored)).isSymLink());
+        QVERIFY(!QFileInfo(root).isSymLink() && !QFileInfo(filmOf(stored)).isSymLink());
     }
 
     void cancelAfterAnyPicture()
@@ -308,7 +258,6 @@ private slots:
         const TestSession stored;
         RoiVideoPlan plan = planFor(stored);
         plan.intro = true;
-        plan.introSeconds = 0.5;
         const auto before = stored.checksums();
         for (int last = 1; last <= plan.totalFrames(); ++last) {
             RoiVideoGenerator generator;
@@ -321,7 +270,6 @@ private slots:
             QCOMPARE(generator.run(plan), Outcome::Canceled);
             QCOMPARE(progress.size(), last); // within one picture
             QCOMPARE(stored.checksums(), before);
-            QVERIFY(isGone(filmOf(stored)));
         }
     }
 
@@ -331,28 +279,18 @@ private slots:
         const auto before = stored.checksums();
         FakeProgram::Reply reply;
         reply.hang = true;
-        reply.files.insert(QStringLiteral("$last"), "begun");
+        reply.files.insert(u"$last"_s, "begun");
         useFakeEncoder(reply);
         RoiVideoGenerator generator;
-        QTimer patience; // looks until the film is begun, then presses Cancel
-        connect(&patience, &QTimer::timeout, &generator, [&generator, &stored] {
-            if (QFileInfo(filmOf(stored)).size() > 0)
+        QTimer hand; // presses Cancel when the film is begun
+        connect(&hand, &QTimer::timeout, &generator, [&generator, film = filmOf(stored)] {
+            if (QFileInfo(film).size() > 0)
                 generator.cancel();
         });
-        patience.start(10);
+        hand.start(10);
         QCOMPARE(generator.run(planFor(stored)), Outcome::Canceled);
-        QVERIFY(generator.errorText().isEmpty());
         QCOMPARE(stored.checksums(), before);
-        QVERIFY(isGone(filmOf(stored)));
-    }
-
-private:
-    static QString useFakeEncoder(const FakeProgram::Reply &reply)
-    {
-        const QString program = FakeProgram::install(QStringLiteral("bin/fake-ffmpeg"));
-        FakeProgram::setScript(program, {reply});
-        TestFolder::setKey(QStringLiteral("paths/ffmpeg"), program);
-        return program;
+        QVERIFY(!QFileInfo::exists(filmOf(stored)));
     }
 };
 

@@ -1,5 +1,6 @@
 #include "roi/scalelookup.h"
 
+#include "tests/roi/testsession.h"
 #include "tests/support/fakeprogram.h"
 #include "tests/support/testfolder.h"
 
@@ -8,21 +9,19 @@
 
 namespace {
 
-const QDateTime &noon()
+QDateTime noon()
 {
-    static const QDateTime time(QDate(2024, 5, 1), QTime(12, 0), Qt::UTC);
-    return time;
+    return {{2024, 5, 1}, {12, 0}, Qt::UTC};
 }
 
 QJsonObject metadata(const QJsonValue &rsun, const QJsonValue &width)
 {
-    return {{QStringLiteral("rsun"), rsun}, {QStringLiteral("width"), width}};
+    return {{u"rsun"_s, rsun}, {u"width"_s, width}};
 }
 
 RoiSource sourceWith(const QVector<RoiSourceFrame> &frames)
 {
-    return {10, QStringLiteral("AIA 171"), QStringLiteral("a"), QStringLiteral("/session/a"),
-            frames};
+    return {10, u"AIA 171"_s, u"a"_s, u"/session/a"_s, frames};
 }
 
 } // namespace
@@ -33,38 +32,24 @@ class TestScaleLookup : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { m_curl = FakeProgram::install(QStringLiteral("bin/fake-curl")); }
-    void init()
+    void initTestCase()
     {
+        m_curl = FakeProgram::install(u"bin/fake-curl"_s);
         TestFolder::clearKeys();
-        TestFolder::setKey(QStringLiteral("paths/curl"), m_curl);
-        FakeProgram::clearJournal(m_curl);
+        TestFolder::setKey(u"paths/curl"_s, m_curl);
     }
+    void init() { FakeProgram::clearJournal(m_curl); }
 
-    void line_data()
-    {
-        QTest::addColumn<int>("frameWidth");
-        QTest::addColumn<QJsonObject>("metadata");
-        QTest::addColumn<QString>("line");
-        const QString notStored =
-            QStringLiteral("Scale: metadata not stored in this session; Orvik will query "
-                           "Helioviewer once per datasource when needed.");
-        QTest::newRow("no frame") << 0 << metadata(1600, 4096) << QStringLiteral("Scale: --");
-        QTest::newRow("nothing stored") << 1024 << QJsonObject() << notStored;
-        QTest::newRow("no radius") << 1024 << metadata(0, 4096) << notStored;
-        QTest::newRow("a radius that is no number")
-            << 1024 << metadata(QStringLiteral("large"), 4096) << notStored;
-        QTest::newRow("numbers as text")
-            << 1024 << metadata(QStringLiteral("1600"), QStringLiteral("4096"))
-            << QStringLiteral("Projected scale: 1739.3 km/pixel at the captured PNG resolution.");
-        QTest::newRow("lost in rounding")
-            << 1024 << metadata(1e300, 1e-300) << QStringLiteral("Scale: unavailable.");
-    }
     void line()
     {
-        QFETCH(int, frameWidth);
-        QFETCH(QJsonObject, metadata);
-        QTEST(ScaleLookup::lineText(frameWidth, metadata), "line");
+        const QString notStored = u"Scale: metadata not stored in this session; Orvik will query "
+                                  "Helioviewer once per datasource when needed."_s;
+        QCOMPARE(ScaleLookup::lineText(0, metadata(1600, 4096)), u"Scale: --"_s);
+        QCOMPARE(ScaleLookup::lineText(1024, {}), notStored);
+        QCOMPARE(ScaleLookup::lineText(1024, metadata(u"large"_s, 4096)), notStored);
+        QCOMPARE(ScaleLookup::lineText(1024, metadata(u"1600"_s, u"4096"_s)),
+                 u"Projected scale: 1739.3 km/pixel at the captured PNG resolution."_s);
+        QCOMPARE(ScaleLookup::lineText(1024, metadata(1e300, 1e-300)), u"Scale: unavailable."_s);
     }
 
     void theSessionIsAskedFirst()
@@ -78,40 +63,30 @@ private slots:
 
     void theServiceIsAskedOnce_data()
     {
-        QTest::addColumn<QVector<QDateTime>>("frameTimes");
+        QTest::addColumn<QDateTime>("frameUtc");
         QTest::addColumn<QString>("asked");
-        QTest::newRow("at the first time known")
-            << QVector<QDateTime>{QDateTime(), noon().addSecs(7), noon()}
-            << QStringLiteral("12:00:07");
-        QTest::newRow("at the session's start")
-            << QVector<QDateTime>{QDateTime()} << QStringLiteral("11:00:00");
+        QTest::newRow("at a frame's time") << noon().addSecs(7) << u"12:00:07"_s;
+        QTest::newRow("at the session's start") << QDateTime() << u"11:00:00"_s;
     }
     void theServiceIsAskedOnce()
     {
-        QFETCH(QVector<QDateTime>, frameTimes);
+        QFETCH(QDateTime, frameUtc);
         QFETCH(QString, asked);
-        QVector<RoiSourceFrame> frames;
-        for (const QDateTime &time : qAsConst(frameTimes))
-            frames.append({{}, time, {}});
         FakeProgram::Reply reply;
         reply.standardOutput =
             R"({"id":"7","date":"2024-05-01 12:00:07","rsun":1600,"width":"4096"})";
         FakeProgram::setScript(m_curl, {reply});
+        const RoiSource source = sourceWith({{{}, {}, {}}, {{}, frameUtc, {}}});
         ScaleLookup lookup;
         QSignalSpy status(&lookup, &ScaleLookup::statusChanged);
         for (int round = 0; round < 2; ++round)
-            QCOMPARE(lookup.ensure(sourceWith(frames), noon().addSecs(-3600))
-                         .value(QStringLiteral("rsun"))
-                         .toInt(),
-                     1600);
+            QVERIFY(ScaleLookup::isUsable(lookup.ensure(source, noon().addSecs(-3600))));
         QCOMPARE(FakeProgram::runs(m_curl).size(), 1);
         const QString url = FakeProgram::argumentLists(m_curl).first().last();
         QVERIFY2(QUrl::fromPercentEncoding(url.toUtf8()).contains(asked), qPrintable(url));
-        QVERIFY(url.endsWith(QLatin1String("sourceId=10")));
-        QCOMPARE(status.takeFirst().first().toString(),
-                 QStringLiteral("Looking up scale metadata for AIA 171..."));
-        QVERIFY(status.isEmpty());
-        QVERIFY(!lookup.known(sourceWith(frames)).isEmpty());
+        QVERIFY(url.endsWith(u"sourceId=10"_s));
+        QCOMPARE(status.size(), 1);
+        QCOMPARE(status.first().first().toString(), u"Looking up scale metadata for AIA 171..."_s);
     }
 
     void noAnswerMeansNoScale_data()
@@ -121,16 +96,15 @@ private slots:
         QTest::addColumn<QString>("reason");
         FakeProgram::Reply reply;
         QTest::newRow("no time to ask for")
-            << reply << QDateTime()
-            << QStringLiteral("No valid source/time is available for scale lookup.");
+            << reply << QDateTime() << u"No valid source/time is available for scale lookup."_s;
         reply.standardOutput = R"({"id":7,"date":"2024-05-01 12:00:00","width":4096})";
         QTest::newRow("an older server")
-            << reply << noon()
-            << QStringLiteral("Helioviewer did not return usable rsun/width metadata.");
+            << reply << noon() << u"Helioviewer did not return usable rsun/width metadata."_s;
         reply.exitCode = 22;
-        QTest::newRow("a failure") << reply << noon()
-                                   << QStringLiteral("getClosestImage: curl failed with exit code "
-                                                     "22");
+        QTest::newRow("a failure")
+            << reply << noon() << u"getClosestImage: curl failed with exit code 22"_s;
+        reply.hang = true;
+        QTest::newRow("ended by the user") << reply << noon() << u"The lookup was canceled."_s;
     }
     void noAnswerMeansNoScale()
     {
@@ -140,19 +114,11 @@ private slots:
         FakeProgram::setScript(m_curl, {reply});
         ScaleLookup lookup;
         QSignalSpy log(&lookup, &ScaleLookup::logMessage);
+        if (reply.hang)
+            QTimer::singleShot(0, &lookup, &ScaleLookup::abort);
         QVERIFY(!ScaleLookup::isUsable(lookup.ensure(sourceWith({}), startUtc)));
         QCOMPARE(log.last().first().toString(),
-                 QStringLiteral("WARNING scale metadata AIA 171: %1").arg(reason));
-    }
-
-    void waitingCanBeEnded()
-    {
-        FakeProgram::Reply reply;
-        reply.hang = true;
-        FakeProgram::setScript(m_curl, {reply});
-        ScaleLookup lookup;
-        QTimer::singleShot(0, &lookup, &ScaleLookup::abort);
-        QVERIFY(lookup.ensure(sourceWith({}), noon()).isEmpty());
+                 u"WARNING scale metadata AIA 171: %1"_s.arg(reason));
     }
 
 private:
