@@ -13,6 +13,7 @@
 #include "imaging/blankblock.h"
 #include "imaging/frameannotation.h"
 #include "output/ffmpegcommand.h"
+#include "output/filmfile.h"
 #include "output/framecleanup.h"
 #include "output/sessiondescriptor.h"
 #include "output/sessionfiles.h"
@@ -549,7 +550,9 @@ void AcquisitionController::onFfmpegFinished(int exitCode, QProcess::ExitStatus 
     if (!isRunning() || !std::exchange(m_encoding, false))
         return;
     const DataSource source = m_films.current();
-    const bool succeeded = exitStatus == QProcess::NormalExit && exitCode == 0;
+    const QString film = SessionLayout::filmPath(m_tally.value(source.sourceId).folder);
+    const bool succeeded =
+        exitStatus == QProcess::NormalExit && exitCode == 0 && !FilmFile::isCutOff(film);
     if (!succeeded)
         m_films.noteFailure();
     if (report(succeeded ? AcquisitionLog::videoCompleted(source)
