@@ -91,7 +91,7 @@ QByteArray pemOf(const Identity &identity)
     PEM_write_bio_X509(memory, identity.certificate.get());
     char *bytes = nullptr;
     const long length = BIO_get_mem_data(memory, &bytes);
-    const QByteArray pem(bytes, int(length));
+    QByteArray pem(bytes, int(length));
     BIO_free(memory);
     return pem;
 }

@@ -29,10 +29,10 @@ struct Rim
 /// How bright the surface is below and beside one point of the limb.
 float surfaceAlong(const SurfaceView &surface, const Vector3 &limb)
 {
-    constexpr int samples = 7;
+    constexpr int reach = 3; // samples on either side of the limb
     float sum = 0.0F;
-    for (int sample = 0; sample < samples; ++sample) {
-        const float z = (float(sample) - samples / 2) * 0.12F;
+    for (int sample = -reach; sample <= reach; ++sample) {
+        const float z = float(sample) * 0.12F;
         const Vector3 point = surface.toSun(normalized({limb.x, limb.y, z}));
         const SurfaceTexels texels = surface.texelsAt(point);
         const float cloud = float(channelOf(texels, CloudChannel)) / 255.0F;
@@ -40,7 +40,7 @@ float surfaceAlong(const SurfaceView &surface, const Vector3 &limb)
         const float pole = std::max(std::fabs(point.y) - 0.75F, 0.0F) * 1.6F;
         sum += 0.5F + cloud - 1.1F * std::max(region + pole - 0.55F, 0.0F);
     }
-    return std::max(sum / samples, 0.12F);
+    return std::max(sum / (2 * reach + 1), 0.12F);
 }
 
 /// What active regions near the limb add there.

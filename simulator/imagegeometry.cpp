@@ -14,7 +14,7 @@ namespace {
 constexpr double solarRadiusArcsecAt1Au = 959.644;
 constexpr double secondsPerDay = 86400.0;
 constexpr double unixTimeOfJ2000 = 946728000.0; // 2000-01-01 12:00
-constexpr qint64 pointingSeconds = 6 * 3600;    // a sub-field telescope stays that long on a target
+constexpr qint64 pointingSeconds = 6LL * 3600;  // a sub-field telescope stays that long on a target
 
 /// "Approximate solar coordinates" of the Astronomical Almanac, good to a part in ten thousand.
 double earthDistanceAu(qint64 unixTime)

@@ -35,6 +35,19 @@ void describeOptions(QCommandLineParser &parser)
     });
 }
 
+/// A number among the options; false with a word to the user when it is none.
+bool readNumber(const QCommandLineParser &parser, const QString &option, int largest, int *number)
+{
+    bool ok = false;
+    *number = parser.value(option).toInt(&ok);
+    if (ok && *number >= 0 && *number <= largest)
+        return true;
+    QTextStream(stderr)
+        << QStringLiteral("--%1 takes a number from 0 to %2.").arg(option, QString::number(largest))
+        << Qt::endl;
+    return false;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -45,13 +58,19 @@ int main(int argc, char *argv[])
     describeOptions(parser);
     parser.process(application);
 
+    int port = 0;
+    int cacheMb = 0;
+    if (!readNumber(parser, QStringLiteral("port"), 65535, &port) ||
+        !readNumber(parser, QStringLiteral("cache-mb"), 1 << 20, &cacheMb))
+        return 2;
+
     Simulator::Server server(Simulator::Archive::sample(),
                              parser.isSet(QStringLiteral("https"))
                                  ? Simulator::Transport::HttpsSelfSigned
                                  : Simulator::Transport::Http);
-    server.setCacheLimit(parser.value(QStringLiteral("cache-mb")).toLongLong() * 1024 * 1024);
+    server.setCacheLimit(cacheMb * 1024LL * 1024LL);
     QString errorText;
-    if (!server.start(&errorText, parser.value(QStringLiteral("port")).toInt())) {
+    if (!server.start(&errorText, port)) {
         QTextStream(stderr) << errorText << Qt::endl;
         return 1;
     }

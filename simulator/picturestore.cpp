@@ -16,7 +16,7 @@ namespace Simulator {
 
 namespace {
 
-constexpr qint64 usualLimitBytes = 256 * 1024 * 1024;
+constexpr qint64 usualLimitBytes = 256LL * 1024 * 1024;
 constexpr int bytesPerCostUnit = 1024;
 
 QByteArray keyOf(const ArchiveImage &image, int widthPx)
@@ -46,7 +46,7 @@ QByteArray PictureStore::png(const ArchiveImage &image, int widthPx)
         if (const QByteArray *kept = m_kept.object(key))
             return *kept;
     }
-    const QByteArray bytes = encodePng(render(image, widthPx));
+    QByteArray bytes = encodePng(render(image, widthPx));
     const QMutexLocker locker(&m_mutex);
     m_kept.insert(key, new QByteArray(bytes), bytes.size() / bytesPerCostUnit + 1);
     return bytes;

@@ -24,7 +24,7 @@ void QueryReader::refuse(const QString &name, const QString &kind)
 
 QString QueryReader::required(const QString &name)
 {
-    const QString value = m_query.value(name);
+    QString value = m_query.value(name);
     if (value.isEmpty())
         complain(QStringLiteral("No value set for required parameter \"%1\".").arg(name));
     return value;

@@ -46,55 +46,57 @@ void setReference(ArchiveSource &source, double refPixelX, double refPixelY)
     source.refPixelY = refPixelY;
 }
 
-/// Changes of the spacing; each band has a second of its own in the cycle.
-struct AiaPeriod
+/// Changes of the spacing of the observatory's pictures; each band has its own second in the cycle.
+struct Period
 {
     qint64 from;
     int spacingSeconds;
 };
 
-constexpr AiaPeriod aiaPeriods[] = {
-    {1280620800, 36},   // 2010-08-01
-    {1640995200, 1800}, // 2022-01-01: for some weeks little was ingested
-    {1648771200, 36},   // 2022-04-01
+constexpr int outageSeconds = 50 * 86400;
+
+constexpr Period aiaPeriods[] = {
+    {1280620800, 36},            // 2010-08-01: the first weeks came unthinned
+    {1640995200, 1800},          // 2022-01-01: for some weeks little was ingested
+    {1648771200, 36},            // 2022-04-01
+    {1732622400, outageSeconds}, // 2024-11-26: the data centre was flooded
+    {1736942400, 36},            // 2025-01-15
+};
+
+struct AiaBand
+{
+    const char *path;
+    const char *nickname;
+    int sourceId;
+    CadenceLaw law;
+    int spacingSeconds; ///< at the start
+    int jitterSeconds;
+};
+
+constexpr AiaBand aiaBands[] = {
+    {"SDO/AIA/94", "AIA 94", 8, CadenceLaw::Gaps, 12, 0},
+    {"SDO/AIA/131", "AIA 131", 9, CadenceLaw::Gaps, 12, 0},
+    {"SDO/AIA/171", "AIA 171", 10, CadenceLaw::Regular, 12, 0},
+    {"SDO/AIA/193", "AIA 193", 11, CadenceLaw::Regular, 12, 0},
+    {"SDO/AIA/211", "AIA 211", 12, CadenceLaw::Regular, 12, 0},
+    {"SDO/AIA/304", "AIA 304", 13, CadenceLaw::Regular, 12, 0},
+    {"SDO/AIA/335", "AIA 335", 14, CadenceLaw::Gaps, 12, 0},
+    {"SDO/AIA/1600", "AIA 1600", 15, CadenceLaw::Jittered, 36, 6},
+    {"SDO/AIA/1700", "AIA 1700", 16, CadenceLaw::Jittered, 36, 6},
+    {"SDO/AIA/4500", "AIA 4500", 17, CadenceLaw::Regular, 3600, 0},
 };
 
 void addAia(QVector<ArchiveSource> &sources)
 {
-    struct Band
-    {
-        const char *path;
-        const char *nickname;
-        int sourceId;
-        const char *start;
-        CadenceLaw law;
-        int spacingSeconds;
-        int jitterSeconds;
-    };
-    constexpr CadenceLaw regular = CadenceLaw::Regular;
-    static const Band bands[] = {
-        {"SDO/AIA/94", "AIA 94", 8, "2010-06-02 00:05:38", CadenceLaw::Gaps, 36, 0},
-        {"SDO/AIA/131", "AIA 131", 9, "2010-06-02 00:05:45", CadenceLaw::Gaps, 36, 0},
-        {"SDO/AIA/171", "AIA 171", 10, "2010-06-02 00:05:36", regular, 36, 0},
-        {"SDO/AIA/193", "AIA 193", 11, "2010-06-02 00:05:31", regular, 36, 0},
-        {"SDO/AIA/211", "AIA 211", 12, "2010-06-02 00:05:37", regular, 36, 0},
-        {"SDO/AIA/304", "AIA 304", 13, "2010-06-02 00:05:44", regular, 36, 0},
-        {"SDO/AIA/335", "AIA 335", 14, "2010-06-02 00:05:39", CadenceLaw::Gaps, 36, 0},
-        {"SDO/AIA/1600", "AIA 1600", 15, "2010-06-02 00:05:53", CadenceLaw::Jittered, 36, 6},
-        {"SDO/AIA/1700", "AIA 1700", 16, "2010-06-02 00:05:43", CadenceLaw::Jittered, 36, 6},
-        {"SDO/AIA/4500", "AIA 4500", 17, "2010-06-02 00:00:08", regular, 3600, 0},
-    };
-    for (const Band &band : bands) {
+    for (const AiaBand &band : aiaBands) {
         ArchiveSource made = source(band.path, band.nickname, band.sourceId, 4096, 1599.407);
-        setTimes(made, band.start);
+        setTimes(made, "2010-06-02 00:05:36");
         setCadence(made, band.law, band.spacingSeconds, band.jitterSeconds);
         made.orbit = Orbit::Earth;
-        if (band.spacingSeconds == 36 && band.jitterSeconds == 0) {
-            made.spacingSeconds = 12; // the first weeks came unthinned
-            for (const AiaPeriod &period : aiaPeriods)
+        if (band.spacingSeconds == 12)
+            for (const Period &period : aiaPeriods)
                 made.changes.append(
                     {archiveTimeText(period.from + band.sourceId), period.spacingSeconds});
-        }
         sources.append(made);
     }
 }
@@ -131,11 +133,7 @@ void addEit(QVector<ArchiveSource> &sources)
     eit195.spacingSeconds = 720;
     ArchiveSource eit304 = eit("SOHO/EIT/304", "EIT 304", 3, 364.9);
     setReference(eit304, 512.35, 520.99);
-    for (ArchiveSource made : {eit171, eit195, eit304}) {
-        if (made.spacingSeconds == 720)
-            made.jitterSeconds = 20;
-        sources.append(made);
-    }
+    sources.append({eit171, eit195, eit304});
 }
 
 void addLascoAndMdi(QVector<ArchiveSource> &sources)
@@ -207,7 +205,7 @@ void addSwapAndGoes(QVector<ArchiveSource> &sources)
         ArchiveSource made = source(band.path, band.nickname, band.sourceId, 1280, 384.0);
         setTimes(made, "2023-05-05 00:00:11");
         setCadence(made, CadenceLaw::Regular, 240);
-        made.start = archiveTimeText(*parseArchiveTime(made.start) + 10 * (band.sourceId - 2000));
+        made.start = archiveTimeText(*parseArchiveTime(made.start) + 10LL * (band.sourceId - 2000));
         made.orbit = Orbit::Earth;
         sources.append(made);
     }
@@ -264,12 +262,13 @@ void addSubFields(QVector<ArchiveSource> &sources)
 
 void addXrt(QVector<ArchiveSource> &sources)
 {
-    const QStringList labels = {QStringLiteral("Observatory"), QStringLiteral("Instrument"),
-                                QStringLiteral("Filter Wheel 1"), QStringLiteral("Filter Wheel 2")};
     ArchiveSource open = source("Hinode/XRT/Al_poly/Open", "XRT Al_poly/Open", 48, 2048, 933.0);
     setTimes(open, "2006-10-25 04:08:01", "2026-09-05 18:01:43");
     setCadence(open, CadenceLaw::Bursts, 20, 4);
     open.framing = Framing::Binned;
+    open.levelLabels =
+        QStringList{QStringLiteral("Observatory"), QStringLiteral("Instrument"),
+                    QStringLiteral("Filter Wheel 1"), QStringLiteral("Filter Wheel 2")};
     ArchiveSource empty = open;
     empty.path = QStringLiteral("Hinode/XRT/C_poly/Any");
     empty.nickname = QStringLiteral("XRT C_poly/Any");
@@ -281,10 +280,7 @@ void addXrt(QVector<ArchiveSource> &sources)
     any.nickname = QStringLiteral("XRT Any/Any");
     any.sourceId = 10001;
     any.groupedSourceId = open.sourceId;
-    for (ArchiveSource made : {open, any, empty}) {
-        made.levelLabels = labels;
-        sources.append(made);
-    }
+    sources.append({open, any, empty});
 }
 
 void addFlareAndOldMissions(QVector<ArchiveSource> &sources)

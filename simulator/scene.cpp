@@ -16,6 +16,8 @@
 #include "simulator/sunstyle.h"
 #include "simulator/surfaceview.h"
 
+#include <QDateTime>
+
 #include <algorithm>
 #include <cmath>
 
@@ -67,6 +69,8 @@ Development paintOutskirts(LightField &field, const SceneView &view)
 
 Development paint(LightField &field, const SceneView &view)
 {
+    if (view.isEclipsed)
+        return {};
     switch (view.look) {
     case Look::CoronaC2:
     case Look::CoronaC3:
@@ -99,6 +103,16 @@ Development paint(LightField &field, const SceneView &view)
     return paintSun(field, view);
 }
 
+/// Twice a year an observatory on a tilted geosynchronous orbit passes the Earth's shadow daily.
+bool isEclipseSeason(qint64 unixTime)
+{
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(unixTime, Qt::UTC);
+    const int day = time.date().dayOfYear();
+    const int minute = time.time().msecsSinceStartOfDay() / 60000;
+    const bool isInSeason = (day >= 55 && day <= 78) || (day >= 238 && day <= 261);
+    return isInSeason && minute >= 390 && minute < 450; // 06:30 to 07:30
+}
+
 } // namespace
 
 SceneView viewOf(const ArchiveSource &source, const ArchiveImage &image, int widthPx)
@@ -114,6 +128,8 @@ SceneView viewOf(const ArchiveSource &source, const ArchiveImage &image, int wid
     view.grainSeed = hashOf(quint64(source.sourceId), quint64(image.slot));
     view.look = lookOf(source.path);
     view.alphaWhereDark = source.alphaWhereDark;
+    view.isEclipsed =
+        source.path.startsWith(QLatin1String("SDO/")) && isEclipseSeason(image.unixTime);
     return view;
 }
 

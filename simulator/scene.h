@@ -28,6 +28,7 @@ struct SceneView
     quint64 grainSeed = 0; ///< another one for each image
     Look look = Look::Gold;
     bool alphaWhereDark = false;
+    bool isEclipsed = false; ///< the Earth stands before the Sun
 };
 
 /// What a rendering of the whole image, @p widthPx wide, shows.

@@ -1,12 +1,8 @@
 #include "simulator/server.h"
 
-#include "simulator/archive.h"
 #include "simulator/certificates.h"
-#include "simulator/faultplan.h"
-#include "simulator/faultyanswers.h"
-#include "simulator/journal.h"
+#include "simulator/httpservice.h"
 #include "simulator/listener.h"
-#include "simulator/picturestore.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -14,84 +10,6 @@
 namespace Simulator {
 
 namespace {
-
-constexpr int withoutLimit = -1;
-
-struct Endpoint
-{
-    const char *path;
-    Operation operation;
-};
-
-constexpr Endpoint endpoints[] = {
-    {"/v2/getDataSources/", Operation::GetDataSources},
-    {"/v2/getJPX/", Operation::GetJPX},
-    {"/v2/getClosestImage/", Operation::GetClosestImage},
-    {"/v2/downloadImage/", Operation::DownloadImage},
-};
-
-const Endpoint *endpointOf(const std::string &path)
-{
-    for (const Endpoint &endpoint : endpoints)
-        if (path == endpoint.path)
-            return &endpoint;
-    return nullptr;
-}
-
-/// What follows the "?", as it came.
-QByteArray rawQuery(const httplib::Request &request)
-{
-    const size_t mark = request.target.find('?');
-    return mark == std::string::npos ? QByteArray()
-                                     : QByteArray::fromStdString(request.target.substr(mark + 1));
-}
-
-Query queryOf(const httplib::Request &request)
-{
-    Query query;
-    for (const auto &parameter : request.params)
-        query.insert(QString::fromStdString(parameter.first),
-                     QString::fromStdString(parameter.second));
-    return query;
-}
-
-void send(const Answer &answer, httplib::Response &response)
-{
-    response.status = answer.status;
-    for (const auto &header : answer.headers)
-        response.set_header(header.first.toStdString(), header.second.toStdString());
-    response.set_content(answer.body.constData(), size_t(answer.body.size()),
-                         answer.contentType.toStdString());
-}
-
-/// Declares the whole body, sends half of it and breaks the connection.
-void sendHalf(const Answer &answer, httplib::Response &response, bool reset)
-{
-    send(answer, response);
-    response.body.clear();
-    response.headers.erase("Content-Type"); // the provider names it again
-    const QByteArray half = answer.body.left(answer.body.size() / 2);
-    response.set_content_provider(size_t(answer.body.size()), answer.contentType.toStdString(),
-                                  [half, reset](size_t, size_t, httplib::DataSink &sink) {
-                                      sink.write(half.constData(), size_t(half.size()));
-                                      Connection::current()->breakOff(reset);
-                                      return false;
-                                  });
-}
-
-/// Ends the request's entry when it has been served.
-class InFlight
-{
-public:
-    explicit InFlight(Journal &journal) : m_journal(journal) {}
-    ~InFlight() { m_journal.end(); }
-
-    InFlight(const InFlight &) = delete;
-    InFlight &operator=(const InFlight &) = delete;
-
-private:
-    Journal &m_journal;
-};
 
 Identity identityFor(Transport transport, const Identity &authority)
 {
@@ -124,15 +42,10 @@ class Server::Private
 public:
     Private(std::shared_ptr<const Archive> archive, Transport transport);
 
-    void serve(const httplib::Request &request, httplib::Response &response);
-    void serveFaulty(const Endpoint &endpoint, const httplib::Request &request,
-                     const QVector<Fault> &faults, httplib::Response &response);
     bool writeAuthority();
 
-    std::shared_ptr<const Archive> archive;
+    HttpService service;
     Transport transport;
-    PictureStore pictures;
-    Journal journal;
     QTemporaryDir folder;
     Identity authority; // empty for Http
     Identity identity;
@@ -140,8 +53,8 @@ public:
     int port = 0;
 };
 
-Server::Private::Private(std::shared_ptr<const Archive> servedArchive, Transport usedTransport)
-    : archive(std::move(servedArchive)), transport(usedTransport), pictures(archive)
+Server::Private::Private(std::shared_ptr<const Archive> archive, Transport usedTransport)
+    : service(std::move(archive)), transport(usedTransport)
 {
     if (transport == Transport::Http)
         return;
@@ -156,44 +69,6 @@ bool Server::Private::writeAuthority()
     QFile file(folder.filePath(QStringLiteral("authority.pem")));
     const QByteArray pem = pemOf(authority);
     return file.open(QIODevice::WriteOnly) && file.write(pem) == pem.size();
-}
-
-void Server::Private::serve(const httplib::Request &request, httplib::Response &response)
-{
-    const Endpoint *endpoint = endpointOf(request.path);
-    if (!endpoint) {
-        const bool isAction = request.path.rfind("/v2/", 0) == 0;
-        send(isAction ? pageOfError(QStringLiteral("Unknown action: %1")
-                                        .arg(QString::fromStdString(request.path.substr(4))))
-                      : answerWithStatus(404),
-             response);
-        return;
-    }
-    const InFlight inFlight(journal);
-    const QVector<Fault> faults = journal.begin(endpoint->operation, rawQuery(request));
-    serveFaulty(*endpoint, request, faults, response);
-}
-
-void Server::Private::serveFaulty(const Endpoint &endpoint, const httplib::Request &request,
-                                  const QVector<Fault> &faults, httplib::Response &response)
-{
-    Connection *connection = Connection::current();
-    if (const Fault *delay = findFault(faults, FaultKind::Delay))
-        connection->waitUntilClosed(delay->value);
-    if (findFault(faults, FaultKind::Hang))
-        connection->waitUntilClosed(withoutLimit);
-    if (findFault(faults, FaultKind::Hang) || findFault(faults, FaultKind::Refuse)) {
-        connection->breakOff(false);
-        return;
-    }
-    const Answer answer =
-        answerOf(endpoint.operation, *archive, pictures, queryOf(request), faults);
-    if (const Fault *fault = findFault(faults, FaultKind::ResetInBody))
-        sendHalf(answer, response, fault->value == 0);
-    else
-        send(answer, response);
-    if (answer.status >= 301 && answer.status <= 308)
-        response.set_header("Location", request.target); // comes round to where it was
 }
 
 Server::Server(std::shared_ptr<const Archive> archive, Transport transport)
@@ -215,7 +90,7 @@ bool Server::start(QString *errorText, int port)
     };
     if (!d->writeAuthority())
         return fail(QStringLiteral("Cannot write the certificate of the authority."));
-    Private *service = d.get();
+    HttpService *service = &d->service;
     d->listener = std::make_unique<Listener>(
         [service](const httplib::Request &request, httplib::Response &response) {
             service->serve(request, response);
@@ -236,7 +111,7 @@ void Server::stop()
 
 void Server::setCacheLimit(qint64 bytes)
 {
-    d->pictures.setLimit(bytes);
+    d->service.pictures().setLimit(bytes);
 }
 
 QString Server::baseUrl() const
@@ -259,27 +134,27 @@ QString Server::caCertificateFile() const
 
 void Server::addFault(const Fault &fault)
 {
-    d->journal.addFault(fault);
+    d->service.journal().addFault(fault);
 }
 
 void Server::clearFaults()
 {
-    d->journal.clearFaults();
+    d->service.journal().clearFaults();
 }
 
 QVector<JournalEntry> Server::journal() const
 {
-    return d->journal.entries();
+    return d->service.journal().entries();
 }
 
 int Server::requestCount(Operation operation) const
 {
-    return d->journal.count(operation);
+    return d->service.journal().count(operation);
 }
 
 void Server::clearJournal()
 {
-    d->journal.clear();
+    d->service.journal().clear();
 }
 
 } // namespace Simulator

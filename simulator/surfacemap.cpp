@@ -17,7 +17,7 @@ constexpr int mapSizes = 4; // 256, 512, 1024, 2048 columns
 
 unsigned toByte(float value)
 {
-    return unsigned(std::clamp(value, 0.0F, 1.0F) * 255.0F + 0.5F);
+    return unsigned(std::clamp(value, 0.0F, 1.0F) * 255.99F);
 }
 
 /// What bends the textures at one point, and the widest of them.

@@ -13,6 +13,16 @@ namespace {
 constexpr double daysPerRotation = 27.2753; // Carrington's, as seen from the Earth
 constexpr float turnsPerRadian = 0.15915494F;
 constexpr unsigned detailShare = 96; // of 256
+constexpr float firstDetail = 3.7F;  // no whole numbers: repeats must not meet
+constexpr float nextDetail = 3.3F;
+
+/// Each level is finer than the one before, until it is as fine as the picture.
+int detailLevelsOf(double radiusPx, int mapColumns)
+{
+    const double pixelsPerTexel = radiusPx * 2.0 * M_PI / mapColumns;
+    const double finest = pixelsPerTexel * 1.1 / double(firstDetail);
+    return finest <= 1.0 ? 0 : 1 + int(std::log(finest) / std::log(double(nextDetail)));
+}
 
 } // namespace
 
@@ -44,7 +54,7 @@ SurfaceView::Generation SurfaceView::generation(double rotations, quint64 seed)
 
 SurfaceView::SurfaceView(qint64 unixTime, double radiusPx)
     : m_map(SurfaceMap::forRadius(radiusPx))
-    , m_detail(float(radiusPx * 2.0 * 3.1415927 / m_map.columns()))
+    , m_detailLevels(detailLevelsOf(radiusPx, m_map.columns()))
     , m_cosTilt(float(std::cos(tiltOfAxis(unixTime))))
     , m_sinTilt(float(std::sin(tiltOfAxis(unixTime))))
 {
@@ -62,7 +72,8 @@ SurfaceTexels SurfaceView::texelsOf(const Generation &generation, float turns, f
     const float place =
         turns + 4.0F + generation.turns - radiansPerDay * generation.days * turnsPerRadian;
     SurfaceTexels texels = m_map.at(place, sinLatitude);
-    for (float times = 3.7F; times < m_detail * 1.1F; times *= 3.3F)
+    float times = firstDetail;
+    for (int level = 0; level < m_detailLevels; ++level, times *= nextDetail)
         texels = mixedTexels(texels, m_map.detailAt(place, sinLatitude, times), detailShare);
     return texels;
 }

@@ -52,7 +52,7 @@ private:
                            float radiansPerDay) const;
 
     const SurfaceMap &m_map;
-    float m_detail; ///< how much finer than the map the picture is
+    int m_detailLevels; ///< how often finer texture is laid over the map's
     float m_cosTilt;
     float m_sinTilt;
     std::array<Generation, 2> m_generations;

@@ -66,6 +66,7 @@ private slots:
     void missingBlockIsFoundAndOnlyThen();
     void picturesChangeButCanBeHadAgain();
     void sunTurnsToTheRight();
+    void earthHidesTheSunInSeason();
 };
 
 void TestSimulatorPictures::diskLiesWhereTheMetadataSays_data()
@@ -160,6 +161,17 @@ void TestSimulatorPictures::sunTurnsToTheRight()
         }
     }
     QVERIFY2(bestShift >= 6 && bestShift <= 10, qPrintable(QString::number(bestShift)));
+}
+
+void TestSimulatorPictures::earthHidesTheSunInSeason()
+{
+    const auto isBlack = [](const char *time) {
+        const QImage picture = QImage::fromData(pngOf(imageOf(10, time), 64));
+        return qGray(picture.pixel(32, 32)) == 0;
+    };
+    QVERIFY(isBlack("2024-03-05 07:00:00"));
+    QVERIFY(!isBlack("2024-03-05 08:00:00"));
+    QVERIFY(!isBlack("2024-05-05 07:00:00"));
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorPictures)
