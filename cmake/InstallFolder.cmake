@@ -1,17 +1,28 @@
 # cmake --install makes the portable folder anywhere: the program with everything that it looks for
 # beside itself. Nothing goes into the system's own folders, because Orvik writes beside its
-# executable.
+# executable. `cmake --build build/release --target package` packs the same folder as a tar.xz.
 
 install(TARGETS orvik RUNTIME DESTINATION .)
-install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION .)
+install(FILES LICENSE DESTINATION .)
+install(DIRECTORY doc DESTINATION . OPTIONAL)
+install(PROGRAMS packaging/register DESTINATION .)
+install(FILES packaging/orvik.desktop.in packaging/orvik.metainfo.xml DESTINATION share)
+install(DIRECTORY resources/images/ DESTINATION share FILES_MATCHING PATTERN "icon-*.png")
 
-# The links are made on the machine that runs the program, to the programs that it has.
+# Links, to the programs of the machine. Settings that are there already are the user's.
 install(CODE "
-  set(folder \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/bin\")
-  file(MAKE_DIRECTORY \"\${folder}\")
+  set(folder \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}\")
+  file(MAKE_DIRECTORY \"\${folder}/bin\" \"\${folder}/sys\")
   foreach(helper \"${ORVIK_CURL}\" \"${ORVIK_FFMPEG}\")
     if(EXISTS \"\${helper}\")
       get_filename_component(name \"\${helper}\" NAME)
-      file(CREATE_LINK \"\${helper}\" \"\${folder}/\${name}\" SYMBOLIC)
+      file(CREATE_LINK \"\${helper}\" \"\${folder}/bin/\${name}\" SYMBOLIC)
     endif()
-  endforeach()")
+  endforeach()
+  if(NOT EXISTS \"\${folder}/sys/orvik.ini\")
+    configure_file(\"${PROJECT_SOURCE_DIR}/packaging/orvik.ini\" \"\${folder}/sys/orvik.ini\" COPYONLY)
+  endif()")
+
+set(CPACK_GENERATOR TXZ)
+set(CPACK_PACKAGE_FILE_NAME orvik-${PROJECT_VERSION}-linux-${CMAKE_SYSTEM_PROCESSOR})
+include(CPack)
