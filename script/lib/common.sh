@@ -23,16 +23,16 @@ fi
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qtbase5-dev libdeflate-dev libcpp-httplib-dev
     libssl-dev libpng-dev curl ffmpeg ca-certificates fonts-dejavu-core)
 
-# Says on its way out what became of the script.
+# report_end CODE: says on the way out what became of the script.
 report_end() {
-    local code=$?
+    local code=$1
     if ((code == 0)); then
         printf '%s: %s\n' "$SCRIPT_NAME" "$CONCLUSION"
     else
         printf '%s: failed while %s (exit code %d)\n' "$SCRIPT_NAME" "$STEP" "$code" >&2
     fi
 }
-trap report_end EXIT
+trap 'report_end $?' EXIT
 
 # step WORDS...: announces what comes next.
 step() {
