@@ -35,7 +35,7 @@ private:
     static QSet<QString> listing(const QString &folder)
     {
         const QStringList names =
-            QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Unsorted);
+            QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Unsorted);
         return {names.cbegin(), names.cend()};
     }
 

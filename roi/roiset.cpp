@@ -17,7 +17,7 @@ const QString &roisKey()
     return key;
 }
 
-/// Also leaves out what is no number: a value beyond the range of doubles arrives as infinity.
+/// Also false when turning a negative width around has left the range of doubles.
 bool hasArea(const QRectF &rect)
 {
     return std::isfinite(rect.x()) && std::isfinite(rect.y()) && std::isfinite(rect.width()) &&

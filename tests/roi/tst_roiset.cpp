@@ -2,11 +2,8 @@
 
 #include "tests/roi/testsession.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QtTest>
-
-Q_DECLARE_METATYPE(QVector<QRectF>)
 
 /// The regions of a session and their file.
 class TestRoiSet : public QObject
@@ -17,11 +14,11 @@ private slots:
     void savedAndLoaded()
     {
         const TestSession session;
-        const QVector<Roi> rois = {{u"Flare"_s, QRectF(0.1, 0.2, 0.3, 0.4), true, -90},
-                                   {u"a/b\n<i>%1"_s, QRectF(0, 0, 1, 1), false, 0}};
-        QVERIFY(RoiSet::save(rois, session.path()));
+        QVERIFY(RoiSet::save({{u"Flare"_s, QRectF(0.1, 0.2, 0.3, 0.4), true, -90},
+                              {u"a/b\n<i>%1"_s, QRectF(0, 0, 1, 1), false, 0}},
+                             session.path()));
         const QByteArray text = session.read(u"rois.json"_s);
-        const QByteArray name = QDir(session.path()).dirName().toUtf8();
+        const QByteArray name = QFileInfo(session.path()).fileName().toUtf8();
         QVERIFY(text.startsWith("{\n    \"application\": \"Orvik\",\n"
                                 "    \"coordinateSystem\": \"normalized-full-frame\",\n"
                                 "    \"formatVersion\": 2,\n    \"rois\": [\n"));
@@ -29,48 +26,30 @@ private slots:
 
         const QVector<Roi> loaded = RoiSet::load(session.path());
         QCOMPARE(loaded.size(), 2);
-        for (int row = 0; row < 2; ++row) {
-            QCOMPARE(loaded.at(row).name, rois.at(row).name);
-            QCOMPARE(loaded.at(row).rect, rois.at(row).rect);
-            QCOMPARE(loaded.at(row).enabled, rois.at(row).enabled);
-            QCOMPARE(loaded.at(row).rotation, rois.at(row).rotation);
-        }
+        QCOMPARE(loaded.at(0).rect, QRectF(0.1, 0.2, 0.3, 0.4));
+        QCOMPARE(loaded.at(0).rotation, -90);
+        QCOMPARE(loaded.at(1).name, u"a/b\n<i>%1"_s);
+        QVERIFY(loaded.at(0).enabled && !loaded.at(1).enabled);
         for (int length = 0; length < text.size() - 2; ++length) { // a file cut off
             session.write(u"rois.json"_s, text.left(length));
             QVERIFY2(RoiSet::load(session.path()).isEmpty(), text.left(length).constData());
         }
     }
 
-    void oddFiles_data()
+    void oddElements()
     {
-        QTest::addColumn<QByteArray>("json");
-        QTest::addColumn<QVector<QRectF>>("rects");
-        const auto row = [](const char *title, const char *json, const QVector<QRectF> &rects) {
-            QTest::newRow(title) << QByteArray(json) << rects;
-        };
-        row("drawn to the left", R"({"rois":[{"x":0.5,"width":-0.2,"height":0.1}]})",
-            {QRectF(0.3, 0, 0.2, 0.1)});
-        row("without an area", R"({"rois":[{"width":0,"height":1},{"height":1},{}]})", {});
-        row("names count what was kept",
-            R"({"rois":[{"width":0},{"width":1,"height":1},{"name":7,"width":2,"height":3}]})",
-            {QRectF(0, 0, 1, 1), QRectF(0, 0, 2, 3)});
-        row("other types", R"({"rois":[3,null,"x",[],{"width":"1","height":true}]})", {});
-        row("beyond doubles", R"({"rois":[{"x":1e999,"width":1,"height":1}]})", {});
-        row("no list", R"({"rois":{"width":1}})", {});
-        row("junk behind it", R"({"rois":[{"width":1,"height":1}]}})", {});
-    }
-    void oddFiles()
-    {
-        QFETCH(QByteArray, json);
-        QFETCH(QVector<QRectF>, rects);
         const TestSession session;
-        session.write(u"rois.json"_s, json);
+        session.write(u"rois.json"_s, R"({"rois":[3, null, "x", [], {}, {"width":0,"height":1},
+            {"width":"1","height":true}, {"x":-1e308,"width":-1e308,"height":1},
+            {"x":0.5,"width":-0.2,"height":0.1}, {"name":7,"width":2,"height":3}]})");
         const QVector<Roi> rois = RoiSet::load(session.path());
-        QCOMPARE(rois.size(), rects.size());
-        for (int index = 0; index < rois.size(); ++index) {
-            QCOMPARE(rois.at(index).name, u"ROI %1"_s.arg(index + 1));
-            QCOMPARE(rois.at(index).rect, rects.at(index));
-            QVERIFY(rois.at(index).enabled && rois.at(index).rotation == 0);
+        QCOMPARE(rois.size(), 2);
+        QCOMPARE(rois.at(0).rect, QRectF(0.3, 0, 0.2, 0.1)); // drawn to the left
+        QCOMPARE(rois.at(1).name, u"ROI 2"_s);               // counts what was kept
+        QVERIFY(rois.at(1).enabled && rois.at(1).rotation == 0);
+        for (const char *other : {R"({"rois":{"width":1}})", "[]", "{}}"}) {
+            session.write(u"rois.json"_s, other);
+            QVERIFY(RoiSet::load(session.path()).isEmpty());
         }
     }
 
@@ -87,10 +66,10 @@ private slots:
     {
         const TestSession session;
         const TestSession outside;
-        outside.write(u"precious"_s, "kept");
-        QVERIFY(QFile::link(outside.filePath(u"precious"_s), session.filePath(u"rois.json"_s)));
+        const auto before = outside.checksums();
+        QFile::link(outside.filePath(u"session.json"_s), session.filePath(u"rois.json"_s));
         QVERIFY(RoiSet::save({}, session.path()));
-        QCOMPARE(outside.read(u"precious"_s), QByteArray("kept"));
+        QCOMPARE(outside.checksums(), before);
         QVERIFY(!QFileInfo(session.filePath(u"rois.json"_s)).isSymLink());
     }
 };
