@@ -45,8 +45,8 @@ private slots:
         const QSize frame(1023, 769); // sizes that no fraction of two hits exactly
         for (int side = 2; side < 700; side += 2) {
             const QRect pixels(side / 3, side / 11, side, side);
-            QCOMPARE(RoiGeometry::pixelRect(RoiGeometry::normalizedRect(pixels, frame), frame),
-                     pixels);
+            const QRectF stored = RoiGeometry::normalizedRect(pixels, frame);
+            QCOMPARE(RoiGeometry::pixelRect(stored, frame), pixels);
         }
     }
 

@@ -161,11 +161,10 @@ private slots:
         plan.rois = {{2, {u"a/b"_s, QRectF(0, 0, 1, 1), true, 0}},
                      {11, {u"a b"_s, QRectF(0, 0, 1, 1), true, 0}}};
         QCOMPARE(RoiVideoGenerator().run(plan), Outcome::Completed);
-        for (const char *number : {"02", "11"})
-            QCOMPARE(Film::probe(stored.filePath(u"AIA_171/AIA_171__ROI_%1_a_b.mp4"_s.arg(
-                                     QLatin1String(number))))
-                         .frames,
-                     3);
+        for (const QString &number : {u"02"_s, u"11"_s}) {
+            const QString film = u"AIA_171/AIA_171__ROI_%1_a_b.mp4"_s.arg(number);
+            QCOMPARE(Film::probe(stored.filePath(film)).frames, 3);
+        }
     }
 
     void encoderIsCalledExactlySo()
@@ -178,7 +177,7 @@ private slots:
                  u"-y -framerate 5 -start_number 0 -i frame_%06d.png -c:v libx264 -crf 0 "
                  "-pix_fmt yuv420p "_s +
                      filmOf(stored));
-        QVERIFY(run.workingDirectory.endsWith(u"/AIA_171/.roi_video_frames/roi_01_Flare_1_west"_s));
+        QVERIFY(run.workingDirectory.endsWith(u"/.roi_video_frames/roi_01_Flare_1_west"_s));
     }
 
     void encoderFails_data()
