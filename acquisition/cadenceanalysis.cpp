@@ -43,9 +43,8 @@ QDateTime CadenceAnalysis::anchorUtc(const CadenceStatistics &statistics,
                                      const QVector<qint64> &frameSeconds, const QDateTime &startUtc,
                                      const QDateTime &endUtc, int cadenceSeconds)
 {
-    const QDateTime start = startUtc.toUTC();
     if (statistics.medianSeconds <= cadenceSeconds || frameSeconds.isEmpty())
-        return start;
+        return startUtc.toUTC();
     const QDateTime earliest = QDateTime::fromSecsSinceEpoch(frameSeconds.first(), Qt::UTC);
-    return earliest >= start && earliest <= endUtc ? earliest : start;
+    return earliest >= startUtc && earliest <= endUtc ? earliest : startUtc.toUTC();
 }

@@ -41,7 +41,7 @@ void walkPlan(benchmark::State &state)
     const double before = heapBytes();
     double bytes = 0.0;
     qint64 walked = 0;
-    for (auto iteration : state) {
+    while (state.KeepRunning()) {
         AcquisitionPlan walk = plan(requests, int(state.range(1)));
         for (; !walk.atEnd(); walk.advance(), ++walked)
             benchmark::DoNotOptimize(walk.current());

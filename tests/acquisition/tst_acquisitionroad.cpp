@@ -43,7 +43,7 @@ QString transcript(const AcquisitionRoad &road, const QStringList &events)
 
 QString installEncoder(const QVector<FakeProgram::Reply> &replies)
 {
-    const QString ffmpeg = FakeProgram::install(QStringLiteral("bin/fake-ffmpeg"));
+    QString ffmpeg = FakeProgram::install(QStringLiteral("bin/fake-ffmpeg"));
     FakeProgram::setScript(ffmpeg, replies);
     TestFolder::setKey(QStringLiteral("paths/ffmpeg"), ffmpeg);
     return ffmpeg;

@@ -11,7 +11,7 @@ AcquisitionSettings sixHours(const QVector<DataSource> &sources = {})
 {
     AcquisitionSettings settings;
     settings.startUtc = QDateTime(QDate(2024, 1, 1), QTime(0, 0), Qt::UTC);
-    settings.endUtc = settings.startUtc.addSecs(6 * 3600);
+    settings.endUtc = settings.startUtc.addSecs(21600);
     settings.sources = sources;
     return settings;
 }
