@@ -273,6 +273,7 @@ void AcquisitionController::fallBack(const DataSource &source, const QString &li
 
 void AcquisitionController::closeProbe()
 {
+    m_probes.complete();
     if (reportProgress(m_probes.completed(), m_probes.size()))
         m_nextStep.start();
 }
@@ -481,10 +482,12 @@ void AcquisitionController::acceptFrame()
     row.file = session.relativeFilePath(frame.frameFile);
     if (hasVideoFrame)
         row.videoFrame = session.relativeFilePath(frame.videoFrameFile);
-    if (appendRow(row) &&
-        report(
-            AcquisitionLog::accepted(frame.request, frame.actualUtc, row.deltaSeconds, row.file)) &&
-        reportPreview(frame, hasVideoFrame ? frame.videoFrameFile : frame.frameFile))
+    const QString line =
+        AcquisitionLog::accepted(frame.request, frame.actualUtc, row.deltaSeconds, row.file);
+    const QString preview = hasVideoFrame ? frame.videoFrameFile : frame.frameFile;
+    if (appendRow(row) && report(line) &&
+        send(&AcquisitionController::previewReady, frame.request.nickname, preview,
+             frame.request.requestedUtc, frame.actualUtc, row.deltaSeconds))
         advance();
 }
 
@@ -676,10 +679,4 @@ bool AcquisitionController::reportTiming(int sourceId, const CadenceStatistics &
 {
     return send(&AcquisitionController::sourceTimingAnalyzed, sourceId, statistics.uniqueFrames,
                 statistics.medianSeconds, statistics.minSeconds, statistics.maxSeconds);
-}
-
-bool AcquisitionController::reportPreview(const FrameLookup &frame, const QString &imageFile)
-{
-    return send(&AcquisitionController::previewReady, frame.request.nickname, imageFile,
-                frame.request.requestedUtc, frame.actualUtc, frame.deltaSeconds());
 }

@@ -92,6 +92,8 @@ private:
     void enterStage(Stage stage);
     void takeNextStep();
 
+    // Steps that send signals on their way give false when a slot has ended the session over one.
+
     void resetSession(const AcquisitionSettings &settings);
     bool createSessionFiles(QString *errorText);
     void classifySources();
@@ -138,7 +140,6 @@ private:
     bool reportProgress(qint64 value, qint64 maximum);
     bool reportState(const QString &text);
     bool reportTiming(int sourceId, const CadenceStatistics &statistics);
-    bool reportPreview(const FrameLookup &frame, const QString &imageFile);
 
     Stage m_stage = Stage::Idle;
     int m_session = 0; // changes at each start and finish

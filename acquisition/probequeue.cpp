@@ -23,7 +23,6 @@ std::optional<ProbeWindow> ProbeQueue::release(int worker)
         return std::nullopt;
     const ProbeWindow window = m_windows.at(*busy);
     m_busy.erase(busy);
-    ++m_completed;
     return window;
 }
 

@@ -40,8 +40,10 @@ public:
 
     /// Hands the next window to an idle worker; there is one while hasNext().
     ProbeWindow take(int worker);
-    /// Frees a worker and counts its window as completed; nothing when the worker was idle.
+    /// Frees a worker and gives its window back; nothing when the worker was idle.
     std::optional<ProbeWindow> release(int worker);
+    /// Counts a window whose answer has been dealt with.
+    void complete() { ++m_completed; }
 
     /// Adds an answer's frame times; invalid ones are left out, repeated ones fold together.
     void addFrames(int sourceId, const QVector<QDateTime> &framesUtc);
