@@ -47,7 +47,6 @@ Connection::~Connection()
     if (m_tls && !m_isBroken)
         SSL_shutdown(m_tls.get());
     m_tls.reset();
-    ::shutdown(m_socket, SHUT_WR);
     close(m_socket);
 }
 

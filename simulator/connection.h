@@ -38,6 +38,7 @@ public:
     bool waitUntilClosed(int milliseconds) const;
     /// Nothing is sent any more; @p reset tells the peer that the rest is lost.
     void breakOff(bool reset);
+    bool isBroken() const { return m_isBroken; }
 
     bool is_readable() const override;
     bool is_writable() const override;

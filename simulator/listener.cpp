@@ -89,7 +89,7 @@ bool Listener::process_and_close_socket(socket_t socket)
         while (!closed && left > 0 && connection.waitForRequest(idleMs)) {
             --left;
             ok = process_request(connection, left == 0, closed, nullptr);
-            closed = closed || !ok;
+            closed = closed || !ok || connection.isBroken();
         }
         leave(socket); // before the number can be given to another connection
     }
