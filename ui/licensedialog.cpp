@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int columns = 84; // a licence text is wrapped below 80
+constexpr int columns = 104; // the longest line of the text, and a scroll bar
 constexpr int rows = 36;
 
 QString licenseText()

@@ -22,6 +22,7 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QStyleOptionComboBox>
+#include <QTimer>
 
 namespace {
 
@@ -84,6 +85,8 @@ void MainWindow::buildWidgets()
     CatalogTree::prepare(m_form->sourcesTree);
     m_log = new LogView(m_form->log, m_form->logWidget, this);
     m_preview = new PreviewPane(m_form->previewLabel, this);
+    // Beside a narrow preview the times of a frame take four lines; a splitter does not ask for it.
+    m_form->previewMeta->setMinimumHeight(4 * m_form->previewMeta->fontMetrics().lineSpacing());
     makeKeyboardAccessible();
 }
 
@@ -181,6 +184,11 @@ void MainWindow::loadCatalog()
 {
     if (!showCachedCatalog())
         refreshSources();
+    // Once the window is shown and the tree has its size.
+    QTreeWidget *tree = m_form->sourcesTree;
+    QTimer::singleShot(0, tree, [tree] {
+        tree->scrollToItem(tree->currentItem(), QTreeWidget::PositionAtCenter);
+    });
 }
 
 // --- catalog
