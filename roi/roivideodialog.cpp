@@ -441,14 +441,12 @@ RoiVideoPlan RoiVideoDialog::planFromWidgets() const
 bool RoiVideoDialog::findScales(RoiVideoPlan &plan)
 {
     m_lookingUp = true;
-    m_ui->splitter->setEnabled(false);
-    m_ui->browseButton->setEnabled(false);
+    setLocked(true);
     for (RoiFilmSource &filmed : plan.sources) {
         if (m_lookingUp)
             filmed.scaleMetadata = m_lookup.ensure(filmed.source, m_session.startUtc);
     }
-    m_ui->splitter->setEnabled(true);
-    m_ui->browseButton->setEnabled(true);
+    setLocked(false);
     m_ui->generateButton->setFocus();
     showScaleLine();
     return std::exchange(m_lookingUp, false);
@@ -497,6 +495,14 @@ void RoiVideoDialog::report(RoiVideoGenerator::Outcome outcome, const RoiVideoGe
         warn(generator.errorText());
         break;
     }
+}
+
+void RoiVideoDialog::setLocked(bool locked)
+{
+    for (QWidget *part :
+         {static_cast<QWidget *>(m_ui->splitter), static_cast<QWidget *>(m_ui->browseButton),
+          static_cast<QWidget *>(m_ui->generateButton)})
+        part->setDisabled(locked);
 }
 
 void RoiVideoDialog::setStatus(const QString &text)

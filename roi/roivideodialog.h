@@ -76,6 +76,7 @@ private:
     bool findScales(RoiVideoPlan &plan);
     void film(const RoiVideoPlan &plan);
     void report(RoiVideoGenerator::Outcome outcome, const RoiVideoGenerator &generator);
+    void setLocked(bool locked);
     void setStatus(const QString &text);
     void warn(const QString &text);
     void inform(const QString &text);

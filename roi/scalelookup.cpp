@@ -32,6 +32,32 @@ QDateTime timeToAskFor(const RoiSource &source, const QDateTime &sessionStartUtc
     return found == source.frames.cend() ? sessionStartUtc : found->actualUtc;
 }
 
+/// What the service is asked for.
+struct Question
+{
+    int sourceId;
+    QDateTime utc;
+};
+
+/// Lets an answer to @p question, or an error, end @p wait; what is told is put down.
+void endWithAnswer(QEventLoop &wait, HelioviewerClient &client, const Question &question,
+                   QJsonObject &answer, QString &errorText)
+{
+    QObject::connect(&client, &HelioviewerClient::closestImageReceived, &wait,
+                     [&wait, &answer, question](int sourceId, const QDateTime &requestedUtc, qint64,
+                                                const QDateTime &, const QJsonObject &metadata) {
+                         if (sourceId != question.sourceId || requestedUtc != question.utc)
+                             return;
+                         answer = metadata;
+                         wait.quit();
+                     });
+    QObject::connect(&client, &HelioviewerClient::requestError, &wait,
+                     [&wait, &errorText](const QString &operation, const QString &message) {
+                         errorText = QStringLiteral("%1: %2").arg(operation, message);
+                         wait.quit();
+                     });
+}
+
 } // namespace
 
 bool ScaleLookup::isUsable(const QJsonObject &metadata)
@@ -94,23 +120,11 @@ QJsonObject ScaleLookup::queryClosestImage(int sourceId, const QDateTime &utc, i
     }
     QJsonObject answer;
     QEventLoop wait;
-    QTimer timer;
     HelioviewerClient client;
+    QTimer timer;
     timer.setSingleShot(true);
     connect(&client, &HelioviewerClient::logMessage, this, &ScaleLookup::logMessage);
-    connect(&client, &HelioviewerClient::closestImageReceived, &wait,
-            [&](int answeredId, const QDateTime &requestedUtc, qint64, const QDateTime &,
-                const QJsonObject &metadata) {
-                if (answeredId != sourceId || requestedUtc != utc)
-                    return;
-                answer = metadata;
-                wait.quit();
-            });
-    connect(&client, &HelioviewerClient::requestError, &wait,
-            [&](const QString &operation, const QString &message) {
-                *errorText = QStringLiteral("%1: %2").arg(operation, message);
-                wait.quit();
-            });
+    endWithAnswer(wait, client, {sourceId, utc}, answer, *errorText);
     connect(&timer, &QTimer::timeout, &wait, [&] {
         client.cancel();
         *errorText = QStringLiteral("Helioviewer metadata lookup timed out.");
@@ -123,7 +137,6 @@ QJsonObject ScaleLookup::queryClosestImage(int sourceId, const QDateTime &utc, i
     if (wait.exec() == abortedCode)
         *errorText = QStringLiteral("The lookup was canceled.");
     m_wait = nullptr;
-    timer.stop();
     if (!isUsable(answer) && errorText->isEmpty())
         *errorText = QStringLiteral("Helioviewer did not return usable rsun/width metadata.");
     return answer;

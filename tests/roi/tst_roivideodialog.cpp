@@ -1,6 +1,7 @@
 #include "roi/roivideodialog.h"
 
 #include "tests/roi/testsession.h"
+#include "tests/support/fakeprogram.h"
 #include "tests/support/testfolder.h"
 
 #include <QCheckBox>
@@ -178,6 +179,25 @@ private slots:
         const QString text = u"ROI video generation canceled. Original frames were not modified."_s;
         QCOMPARE(m_boxes, QStringList(text));
         QCOMPARE(textOf("statusLabel"), text);
+    }
+
+    void closeEndsAWaitForTheService()
+    {
+        QFile::remove(m_stored->filePath(u"manifest.csv"_s)); // and with it the scale
+        open();
+        drawTwo();
+        const QString curl = FakeProgram::install(u"bin/fake-curl"_s);
+        FakeProgram::Reply hanging;
+        hanging.hang = true;
+        FakeProgram::setScript(curl, {hanging});
+        TestFolder::setKey(u"paths/curl"_s, curl);
+        QTimer::singleShot(0, this, [this] {
+            QVERIFY(!find<QPushButton>("generateButton")->isEnabled());
+            click("closeButton");
+        });
+        click("generateButton");
+        QVERIFY(m_dialog->isVisible() && find<QPushButton>("generateButton")->isEnabled());
+        QVERIFY(m_boxes.isEmpty()); // no film was begun
     }
 
 private:
