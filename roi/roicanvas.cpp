@@ -126,28 +126,31 @@ void RoiCanvas::zoom(bool closer)
     m_view->scale(factor, factor);
 }
 
-/// Whether an event of the mouse belongs to the drawing of a rectangle.
 bool RoiCanvas::drawingEvent(QEvent *event)
 {
-    const auto *mouse = static_cast<QMouseEvent *>(event);
     switch (event->type()) {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick: // so arrives a press that soon follows one beside the frame
-        if (mouse->button() == Qt::LeftButton)
-            beginRectangle(framePosition(mouse));
-        return true;
     case QEvent::MouseMove:
-        if (m_rubberBand && (mouse->buttons() & Qt::LeftButton))
-            m_rubberBand->setRect(draggedTo(framePosition(mouse)));
-        return true;
     case QEvent::MouseButtonRelease:
-        if (m_rubberBand && mouse->button() == Qt::LeftButton) {
-            m_rubberBand->setRect(draggedTo(framePosition(mouse)));
-            endRectangle();
-        }
+        draw(*static_cast<QMouseEvent *>(event));
         return true;
     default:
         return false;
+    }
+}
+
+void RoiCanvas::draw(const QMouseEvent &event)
+{
+    const bool left = event.button() == Qt::LeftButton;
+    if (event.type() == QEvent::MouseMove) {
+        if (m_rubberBand && (event.buttons() & Qt::LeftButton))
+            m_rubberBand->setRect(draggedTo(framePosition(event)));
+    } else if (event.type() != QEvent::MouseButtonRelease) {
+        if (left)
+            beginRectangle(framePosition(event));
+    } else if (m_rubberBand && left) {
+        endRectangle(framePosition(event));
     }
 }
 
@@ -165,9 +168,9 @@ void RoiCanvas::beginRectangle(const QPointF &position)
     m_rubberBand->setAcceptedMouseButtons(Qt::NoButton);
 }
 
-void RoiCanvas::endRectangle()
+void RoiCanvas::endRectangle(const QPointF &position)
 {
-    const QRectF drawn = m_rubberBand->rect();
+    const QRectF drawn = draggedTo(position);
     cancelDrawing();
     if (drawn.width() >= smallestDragPx && drawn.height() >= smallestDragPx)
         emit rectangleDrawn(drawn);
@@ -175,9 +178,9 @@ void RoiCanvas::endRectangle()
         emit rectangleTooSmall();
 }
 
-QPointF RoiCanvas::framePosition(const QMouseEvent *event) const
+QPointF RoiCanvas::framePosition(const QMouseEvent &event) const
 {
-    return m_frame->mapFromScene(m_view->mapToScene(event->pos()));
+    return m_frame->mapFromScene(m_view->mapToScene(event.pos()));
 }
 
 QRectF RoiCanvas::draggedTo(const QPointF &position) const

@@ -58,9 +58,10 @@ private:
     void fitWhenShown();
     void zoom(bool closer);
     bool drawingEvent(QEvent *event);
+    void draw(const QMouseEvent &event);
     void beginRectangle(const QPointF &position);
-    void endRectangle();
-    QPointF framePosition(const QMouseEvent *event) const;
+    void endRectangle(const QPointF &position);
+    QPointF framePosition(const QMouseEvent &event) const;
     QRectF draggedTo(const QPointF &position) const;
     void clearScene();
 
