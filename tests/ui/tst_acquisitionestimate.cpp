@@ -3,86 +3,60 @@
 #include <QDateTime>
 #include <QtTest>
 
+using AcquisitionEstimate::formatDuration;
+using AcquisitionEstimate::formatVideoDuration;
+
 class TestAcquisitionEstimate : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void durationTakesTheLargestUnit_data();
-    void durationTakesTheLargestUnit();
-    void videoDuration_data();
-    void videoDuration();
-    void bothEndsOfTheIntervalCount_data();
-    void bothEndsOfTheIntervalCount();
+    void texts_data();
+    void texts();
 };
 
-void TestAcquisitionEstimate::durationTakesTheLargestUnit_data()
+void TestAcquisitionEstimate::texts_data()
 {
-    QTest::addColumn<qint64>("seconds");
     QTest::addColumn<QString>("text");
-    QTest::newRow("negative") << qint64(-5) << QStringLiteral("n/a");
-    QTest::newRow("nothing") << qint64(0) << QStringLiteral("n/a");
-    QTest::newRow("seconds") << qint64(59) << QStringLiteral("59 s");
-    QTest::newRow("a minute") << qint64(60) << QStringLiteral("1 min");
-    QTest::newRow("minutes and seconds") << qint64(3599) << QStringLiteral("59 min 59 s");
-    QTest::newRow("whole minutes beyond an hour") << qint64(5400) << QStringLiteral("90 min");
-    QTest::newRow("hours") << qint64(7200) << QStringLiteral("2 h");
-    QTest::newRow("odd second dropped") << qint64(3661) << QStringLiteral("1 h 1 min");
-}
-
-void TestAcquisitionEstimate::durationTakesTheLargestUnit()
-{
-    QFETCH(qint64, seconds);
-    QTEST(AcquisitionEstimate::formatDuration(seconds), "text");
-}
-
-void TestAcquisitionEstimate::videoDuration_data()
-{
-    QTest::addColumn<qint64>("frames");
-    QTest::addColumn<int>("fps");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("no frame") << qint64(0) << 25 << QStringLiteral("--");
-    QTest::newRow("no rate") << qint64(1) << 0 << QStringLiteral("--");
-    QTest::newRow("one frame") << qint64(1) << 25 << QStringLiteral("00:00:00.040");
-    QTest::newRow("half a millisecond rounds up")
-        << qint64(1) << 16 << QStringLiteral("00:00:00.063");
-    QTest::newRow("rounds into the next second")
-        << qint64(119) << 119 << QStringLiteral("00:00:01.000");
-    QTest::newRow("more than 99 hours") << qint64(360'000) << 1 << QStringLiteral("100:00:00.000");
-    QTest::newRow("beyond 32 bits")
-        << qint64(5'000'000'000) << 120 << QStringLiteral("11574:04:26.667");
-}
-
-void TestAcquisitionEstimate::videoDuration()
-{
-    QFETCH(qint64, frames);
-    QFETCH(int, fps);
-    QTEST(AcquisitionEstimate::formatVideoDuration(frames, fps), "text");
-}
-
-void TestAcquisitionEstimate::bothEndsOfTheIntervalCount_data()
-{
-    const auto estimate = [](const char *frames, const char *video, const char *fps) {
-        return QStringLiteral("Nominal estimate: %1 frame(s) per datasource  |  video %2 @ %3 fps")
-            .arg(QLatin1String(frames), QLatin1String(video), QLatin1String(fps));
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char *situation, const QString &text, const char *expected) {
+        QTest::newRow(situation) << text << QString::fromLatin1(expected);
     };
-    const QString invalid = QStringLiteral("Estimated acquisition: invalid interval or parameters");
-    QTest::addColumn<int>("seconds");
-    QTest::addColumn<int>("cadence");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("an hour") << 3600 << 60 << estimate("61", "00:00:02.440", "25");
-    QTest::newRow("an instant") << 0 << 60 << estimate("1", "00:00:00.040", "25");
-    QTest::newRow("a rest shorter than a step") << 119 << 60 << estimate("2", "00:00:00.080", "25");
-    QTest::newRow("end before start") << -1 << 60 << invalid;
-    QTest::newRow("no cadence") << 3600 << 0 << invalid;
+    row("negative", formatDuration(-5), "n/a");
+    row("no time", formatDuration(0), "n/a");
+    row("seconds", formatDuration(59), "59 s");
+    row("a minute", formatDuration(60), "1 min");
+    row("minutes and seconds", formatDuration(3599), "59 min 59 s");
+    row("whole minutes beyond an hour", formatDuration(5400), "90 min");
+    row("hours", formatDuration(7200), "2 h");
+    row("odd second dropped", formatDuration(3661), "1 h 1 min");
+
+    row("no frame", formatVideoDuration(0, 25), "--");
+    row("no rate", formatVideoDuration(1, 0), "--");
+    row("half a millisecond rounds up", formatVideoDuration(1, 16), "00:00:00.063");
+    row("rounds into the next second", formatVideoDuration(119, 119), "00:00:01.000");
+    row("more than 99 hours", formatVideoDuration(360'000, 1), "100:00:00.000");
+    row("beyond 32 bits", formatVideoDuration(5'000'000'000, 120), "11574:04:26.667");
+
+    const auto estimate = [](int seconds, int cadence) {
+        const QDateTime start(QDate(2024, 5, 1), QTime(10, 0), Qt::UTC);
+        return AcquisitionEstimate::text(start, start.addSecs(seconds), cadence, 25);
+    };
+    row("both ends count", estimate(3600, 60),
+        "Nominal estimate: 61 frame(s) per datasource  |  video 00:00:02.440 @ 25 fps");
+    row("an instant", estimate(0, 60),
+        "Nominal estimate: 1 frame(s) per datasource  |  video 00:00:00.040 @ 25 fps");
+    row("a rest shorter than a step", estimate(119, 60),
+        "Nominal estimate: 2 frame(s) per datasource  |  video 00:00:00.080 @ 25 fps");
+    row("end before start", estimate(-1, 60),
+        "Estimated acquisition: invalid interval or parameters");
+    row("no cadence", estimate(3600, 0), "Estimated acquisition: invalid interval or parameters");
 }
 
-void TestAcquisitionEstimate::bothEndsOfTheIntervalCount()
+void TestAcquisitionEstimate::texts()
 {
-    QFETCH(int, seconds);
-    QFETCH(int, cadence);
-    const QDateTime start(QDate(2024, 5, 1), QTime(10, 0), Qt::UTC);
-    QTEST(AcquisitionEstimate::text(start, start.addSecs(seconds), cadence, 25), "text");
+    QFETCH(QString, text);
+    QTEST(text, "expected");
 }
 
 QTEST_GUILESS_MAIN(TestAcquisitionEstimate)

@@ -66,23 +66,21 @@ void TestWindowRoad::prepareRun(MainWindow &window, int minutes)
     WindowFixture::clickLeaf(window, QStringLiteral("AIA 171 "));
 }
 
+/// What of all that a run locks or frees can be used now.
 QStringList TestWindowRoad::enabledParts(const MainWindow &window)
 {
-    QStringList names;
-    for (const char *name :
-         {"sourcesTree", "refreshButton", "aiaButton", "clearButton", "startEdit", "endEdit",
-          "cadenceSpin", "timeErrorSpin", "sourceTimingProfilesCheck", "widthSpin", "fpsSpin",
-          "crfSpin", "keepFramesCheck", "sourceOverlayCheck", "scaleOverlayCheck",
-          "createVideosCheck"}) {
-        if (part<QWidget>(window, name)->isEnabledTo(&window))
-            names.append(QLatin1String(name));
+    const QString parts = QStringLiteral(
+        "sourcesTree refreshButton aiaButton clearButton startEdit endEdit cadenceSpin "
+        "timeErrorSpin sourceTimingProfilesCheck widthSpin fpsSpin crfSpin keepFramesCheck "
+        "sourceOverlayCheck scaleOverlayCheck createVideosCheck actionCreateRoiVideo "
+        "actionStartAcquisition actionStopAcquisition");
+    QStringList enabled;
+    const QStringList names = parts.split(QLatin1Char(' '));
+    for (const QString &name : names) {
+        if (window.findChild<QObject *>(name)->property("enabled").toBool())
+            enabled.append(name);
     }
-    for (const char *name :
-         {"actionCreateRoiVideo", "actionStartAcquisition", "actionStopAcquisition"}) {
-        if (part<QAction>(window, name)->isEnabled())
-            names.append(QLatin1String(name));
-    }
-    return names;
+    return enabled;
 }
 
 void TestWindowRoad::tickStartWatchStopRestart()
