@@ -1,6 +1,7 @@
 #include "roi/roiencoder.h"
 
 #include "output/ffmpegcommand.h"
+#include "output/filmfile.h"
 
 #include <QDateTime>
 #include <QEventLoop>
@@ -62,8 +63,13 @@ bool RoiEncoder::run(const QString &program, const QString &framesFolder, const 
     process.start(program,
                   FfmpegCommand::arguments(fps, QStringLiteral("frame_%06d.png"), crf, outputFile));
     const bool succeeded = process.waitForStarted(startLimitMs) && waitForEnd(process);
+    if (process.state() != QProcess::NotRunning) { // a slow start, a quitting program, a torn pipe
+        process.kill();
+        process.waitForFinished(killWaitMs);
+    }
+    process.disconnect(this);
     m_process = nullptr;
-    if (succeeded)
+    if (succeeded && !FilmFile::isCutOff(outputFile))
         return true;
 
     if (errorText)
@@ -87,12 +93,8 @@ bool RoiEncoder::waitForEnd(QProcess &process)
     connect(&process, &QProcess::errorOccurred, &wait, &QEventLoop::quit);
     if (process.state() != QProcess::NotRunning)
         wait.exec();
-    if (process.state() != QProcess::NotRunning) { // the program is quitting, or a pipe broke
-        process.kill();
-        process.waitForFinished(killWaitMs);
-        return false;
-    }
-    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    return process.state() == QProcess::NotRunning &&
+           process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
 }
 
 void RoiEncoder::collectOutput()

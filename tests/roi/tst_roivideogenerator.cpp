@@ -188,6 +188,12 @@ private slots:
         reply.exitCode = 1;
         reply.standardError = QByteArray(5000, 'x') + QByteArray(4000, 'y') + '\n';
         QTest::newRow("talkative") << reply << QString(4000, QLatin1Char('y'));
+        reply.exitCode = 0;
+        reply.standardError = "No space left on device\n";
+        reply.files.insert(u"$last"_s, QByteArray("\0\0\0\x10"
+                                                  "ftyp",
+                                                  8));
+        QTest::newRow("full disk, yet it ends well") << reply << u"No space left on device"_s;
         reply.standardError.clear();
         reply.crash = true;
         reply.files.insert(u"$last"_s, "cut off");
