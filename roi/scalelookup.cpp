@@ -134,7 +134,8 @@ QJsonObject ScaleLookup::queryClosestImage(int sourceId, const QDateTime &utc, i
     m_wait = &wait;
     timer.start(limitMs);
     client.getClosestImage(sourceId, utc);
-    if (wait.exec() == abortedCode)
+    // Without curl the error is there already, and nothing would ever end the wait.
+    if (errorText->isEmpty() && wait.exec() == abortedCode)
         *errorText = QStringLiteral("The lookup was canceled.");
     m_wait = nullptr;
     if (!isUsable(answer) && errorText->isEmpty())

@@ -88,6 +88,7 @@ private slots:
         QTest::newRow("Helioviewer did not return usable rsun/width metadata.") << reply << noon();
         reply.exitCode = 22;
         QTest::newRow("getClosestImage: curl failed with exit code 22") << reply << noon();
+        QTest::newRow("getClosestImage: curl.exe not found: /nonexistent") << reply << noon();
         reply.hang = true;
         QTest::newRow("The lookup was canceled.") << reply << noon();
     }
@@ -98,6 +99,8 @@ private slots:
         FakeProgram::setScript(m_curl, {reply});
         ScaleLookup lookup;
         QSignalSpy log(&lookup, &ScaleLookup::logMessage);
+        if (QByteArray(QTest::currentDataTag()).endsWith("/nonexistent"))
+            TestFolder::setKey(u"paths/curl"_s, u"/nonexistent"_s);
         if (reply.hang)
             QTimer::singleShot(0, &lookup, &ScaleLookup::abort);
         QVERIFY(!ScaleLookup::isUsable(lookup.ensure(sourceWith({}), startUtc)));
