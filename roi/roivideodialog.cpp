@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QProgressDialog>
 #include <QShortcut>
@@ -37,12 +38,24 @@ QString frameMetaText(const RoiSourceFrame &frame, const QSize &size)
         .arg(what, QString::number(size.width()), QString::number(size.height()));
 }
 
+QString cannotDecodeText(const RoiSourceFrame &frame)
+{
+    return RoiVideoDialog::tr("Cannot decode %1").arg(frame.file);
+}
+
 QListWidgetItem *makeRoiItem(const Roi &roi)
 {
     auto *item = new QListWidgetItem(roi.name);
     item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
     item->setCheckState(roi.enabled ? Qt::Checked : Qt::Unchecked);
     return item;
+}
+
+/// A failure in one line, without the encoder's own words.
+QString summary(const QString &errorText)
+{
+    return errorText.section(QStringLiteral("\n\n"), 0, 0)
+        .replace(QLatin1Char('\n'), QLatin1Char(' '));
 }
 
 /// Names of regions and datasources are shown as they stand, whatever markup they hold.
@@ -58,6 +71,7 @@ QLabel *makePlainLabel(const QString &text, QWidget *parent)
 void setField(QSpinBox *field, int lowest, int highest, int value)
 {
     const QSignalBlocker quiet(field);
+    field->setEnabled(true);
     field->setRange(lowest, std::max(lowest, highest));
     field->setValue(value);
 }
@@ -100,14 +114,21 @@ bool RoiVideoDialog::loadSession(const QString &directory, QString *errorText)
 
 void RoiVideoDialog::reject()
 {
-    if (m_canvas->isDrawing()) {
-        m_canvas->cancelDrawing();
-    } else if (m_lookingUp) {
+    if (m_lookingUp) {
         m_lookingUp = false;
         m_lookup.abort();
     } else {
         QDialog::reject();
     }
+}
+
+/// The first Esc ends a drawing, the next one closes.
+void RoiVideoDialog::keyPressEvent(QKeyEvent *event)
+{
+    if (event->matches(QKeySequence::Cancel) && m_canvas->isDrawing())
+        endDrawing();
+    else
+        QDialog::keyPressEvent(event);
 }
 
 void RoiVideoDialog::showEvent(QShowEvent *event)
@@ -141,6 +162,7 @@ void RoiVideoDialog::showSource(int row)
 
 void RoiVideoDialog::showFrame(int index)
 {
+    endDrawing();
     const QVector<RoiSourceFrame> &frames = currentSource()->frames;
     if (frames.isEmpty()) {
         const QString text = tr("The original PNG frames are not present for this datasource.");
@@ -152,7 +174,7 @@ void RoiVideoDialog::showFrame(int index)
         const RoiSourceFrame &frame = frames.at(index);
         const QPixmap picture(frame.file);
         if (picture.isNull()) {
-            const QString text = tr("Cannot decode %1").arg(frame.file);
+            const QString text = cannotDecodeText(frame);
             m_canvas->showMessage(text);
             setStatus(text);
         } else {
@@ -172,11 +194,20 @@ void RoiVideoDialog::showFrame(int index)
 void RoiVideoDialog::startDrawing()
 {
     if (!currentSource() || currentSource()->frames.isEmpty()) {
-        inform(tr("Load a datasource with original PNG frames first."));
-    } else if (!m_canvas->frameSize().isEmpty()) {
+        warn(tr("Load a datasource with original PNG frames first."));
+    } else if (m_canvas->frameSize().isEmpty()) {
+        setStatus(cannotDecodeText(currentSource()->frames.at(m_ui->frameSlider->value())));
+    } else {
         m_canvas->startDrawing();
         setStatus(tr("Drag a rectangle on the image to define the new ROI."));
     }
+}
+
+void RoiVideoDialog::endDrawing()
+{
+    if (m_canvas->isDrawing())
+        setStatus(QString()); // it asks for a rectangle
+    m_canvas->cancelDrawing();
 }
 
 void RoiVideoDialog::createRoi(const QRectF &pixels)
@@ -237,6 +268,7 @@ void RoiVideoDialog::onRotationChosen(int index)
 
 void RoiVideoDialog::generate()
 {
+    endDrawing();
     RoiVideoPlan plan = planFromWidgets();
     if (plan.rois.isEmpty()) {
         warn(tr("Create and check at least one ROI."));
@@ -253,6 +285,8 @@ void RoiVideoDialog::generate()
     }
     if (!plan.scaleOverlay || findScales(plan))
         film(plan);
+    else
+        reportCanceled();
 }
 
 void RoiVideoDialog::connectWidgets()
@@ -358,14 +392,23 @@ void RoiVideoDialog::showRoiFields()
     for (QWidget *field :
          {static_cast<QWidget *>(m_ui->nameEdit), static_cast<QWidget *>(m_ui->rotationCombo)})
         field->setEnabled(roi);
-    for (QSpinBox *field : {m_ui->xSpin, m_ui->ySpin, m_ui->widthSpin, m_ui->heightSpin})
-        field->setEnabled(roi && !frame.isEmpty());
-
     const QSignalBlocker quiet(m_ui->rotationCombo);
     m_ui->nameEdit->setText(roi ? roi->name : QString());
     m_ui->rotationCombo->setCurrentIndex(roi ? RoiGeometry::rotationIndex(roi->rotation) : 0);
     if (roi && !frame.isEmpty())
         showGeometry(RoiGeometry::pixelRect(roi->rect, frame));
+    else
+        clearGeometry();
+}
+
+/// Without a frame no pixels can be told, and those of the frame before would be wrong.
+void RoiVideoDialog::clearGeometry()
+{
+    for (QSpinBox *field : {m_ui->xSpin, m_ui->ySpin, m_ui->widthSpin, m_ui->heightSpin}) {
+        const QSignalBlocker quiet(field);
+        field->setEnabled(false);
+        field->clear();
+    }
 }
 
 void RoiVideoDialog::showGeometry(const QRect &pixels)
@@ -483,18 +526,21 @@ void RoiVideoDialog::report(RoiVideoGenerator::Outcome outcome, const RoiVideoGe
         inform(tr("Created %1 ROI video(s).\n\nOriginal PNG frames were not modified.")
                    .arg(generator.createdVideos()));
         break;
-    case RoiVideoGenerator::Outcome::Canceled: {
-        const QString text =
-            tr("ROI video generation canceled. Original frames were not modified.");
-        setStatus(text);
-        inform(text);
+    case RoiVideoGenerator::Outcome::Canceled:
+        reportCanceled();
         break;
-    }
     case RoiVideoGenerator::Outcome::Failed:
-        setStatus(generator.errorText().section(QLatin1Char('\n'), 0, 0));
+        setStatus(summary(generator.errorText()));
         warn(generator.errorText());
         break;
     }
+}
+
+void RoiVideoDialog::reportCanceled()
+{
+    const QString text = tr("ROI video generation canceled. Original frames were not modified.");
+    setStatus(text);
+    inform(text);
 }
 
 void RoiVideoDialog::setLocked(bool locked)

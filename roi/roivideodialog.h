@@ -35,7 +35,7 @@ public:
     bool loadSession(const QString &directory, QString *errorText = nullptr);
 
 public slots:
-    /// Closes the dialog, or ends what is going on: a drawing, a wait for the service.
+    /// Ends a wait for the service; without one closes the dialog.
     void reject() override;
 
 signals:
@@ -43,6 +43,7 @@ signals:
     void logMessage(const QString &text);
 
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
 private slots:
@@ -50,6 +51,7 @@ private slots:
     void showSource(int row);
     void showFrame(int index);
     void startDrawing();
+    void endDrawing();
     void createRoi(const QRectF &pixels);
     void deleteRoi();
     void saveRois();
@@ -68,6 +70,7 @@ private:
     void showRoiList(int currentRow);
     void showRoiFields();
     void showGeometry(const QRect &pixels);
+    void clearGeometry();
     void drawRegions();
     void showScaleLine();
     const RoiSource *currentSource() const;
@@ -76,6 +79,7 @@ private:
     bool findScales(RoiVideoPlan &plan);
     void film(const RoiVideoPlan &plan);
     void report(RoiVideoGenerator::Outcome outcome, const RoiVideoGenerator &generator);
+    void reportCanceled();
     void setLocked(bool locked);
     void setStatus(const QString &text);
     void warn(const QString &text);

@@ -34,6 +34,7 @@ private slots:
         std::swap(lines[1], lines[3]);
         stored.write(u"manifest.csv"_s, lines.join('\n'));
         QFile::remove(stored.filePath(u"AIA_171/frame_1.png"_s));
+        QFile::link(u"/nonexistent"_s, stored.filePath(u"AIA_171/frame_1.png"_s));
         const auto frames = RoiSession::load(stored.path())->sources.first().frames;
         QCOMPARE(frames.size(), 2); // in the manifest's order, as far as they are there
         QVERIFY(frames.first().file.endsWith(u"_2.png"_s));

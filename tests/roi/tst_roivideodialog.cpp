@@ -82,6 +82,8 @@ private slots:
         QTest::mouseClick(view()->viewport(), Qt::LeftButton);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);
         QCOMPARE(textOf("frameCounterLabel"), u"2 / 3"_s);
+        find<QLabel>("statusLabel")->clear();
+        click("newRoiButton");
         QCOMPARE(textOf("statusLabel"), u"Cannot decode "_s + file);
 
         QDir(m_stored->filePath(u"HMI"_s)).removeRecursively();
@@ -117,9 +119,15 @@ private slots:
                  u"Created ROI 1. Adjust X/Y/Width/Height or rotation if needed."_s);
         QCOMPARE(view()->dragMode(), QGraphicsView::ScrollHandDrag);
         click("newRoiButton");
+        QTest::keyClick(view(), Qt::Key_Escape); // ends no more than the drawing
+        QVERIFY(m_dialog->isVisible() && textOf("statusLabel").isEmpty());
+        click("newRoiButton");
         drag(QPoint(10, 10), QPoint(60, 11));
         QCOMPARE(textOf("statusLabel"), u"ROI creation canceled: rectangle too small."_s);
         QCOMPARE(find<QListWidget>("roiList")->count(), 1);
+        click("newRoiButton");
+        click("closeButton");
+        QVERIFY(!m_dialog->isVisible());
     }
 
     void editsSurviveUnsaved()
@@ -197,7 +205,9 @@ private slots:
         });
         click("generateButton");
         QVERIFY(m_dialog->isVisible() && find<QPushButton>("generateButton")->isEnabled());
-        QVERIFY(m_boxes.isEmpty()); // no film was begun
+        const QString text = u"ROI video generation canceled. Original frames were not modified."_s;
+        QCOMPARE(m_boxes, QStringList(text));
+        QCOMPARE(textOf("statusLabel"), text);
     }
 
 private:
