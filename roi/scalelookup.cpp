@@ -80,12 +80,10 @@ QString ScaleLookup::lineText(int frameWidthPx, const QJsonObject &metadata)
         .arg(QString::number(kmPerPixel, 'f', 1));
 }
 
-QJsonObject ScaleLookup::known(const RoiSource &source)
+QJsonObject ScaleLookup::known(const RoiSource &source) const
 {
-    auto known = m_known.find(source.folder);
-    if (known == m_known.end())
-        known = m_known.insert(source.folder, storedMetadata(source));
-    return isUsable(*known) ? *known : QJsonObject();
+    const auto answered = m_answers.constFind({source.sourceId, source.folder});
+    return answered == m_answers.constEnd() ? storedMetadata(source) : *answered;
 }
 
 QJsonObject ScaleLookup::ensure(const RoiSource &source, const QDateTime &sessionStartUtc)
@@ -98,8 +96,9 @@ QJsonObject ScaleLookup::ensure(const RoiSource &source, const QDateTime &sessio
     QString errorText;
     metadata = queryClosestImage(source.sourceId, timeToAskFor(source, sessionStartUtc),
                                  lookupLimitMs, &errorText);
-    m_known.insert(source.folder, metadata);
-    if (!isUsable(metadata))
+    if (isUsable(metadata))
+        m_answers.insert({source.sourceId, source.folder}, metadata);
+    else
         emit logMessage(
             QStringLiteral("WARNING scale metadata %1: %2").arg(source.nickname, errorText));
     return metadata;

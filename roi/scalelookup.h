@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QJsonObject>
 #include <QObject>
+#include <QPair>
 
 /**
  * Finds, per datasource, metadata that tell the length of a pixel: in the session, else by one
@@ -31,7 +32,7 @@ public:
     static QString lineText(int frameWidthPx, const QJsonObject &metadata);
 
     /// What is known of a datasource without asking the service; empty when nothing usable is.
-    QJsonObject known(const RoiSource &source);
+    QJsonObject known(const RoiSource &source) const;
 
     /**
      * The metadata of a datasource, asked for when they are not known.
@@ -55,6 +56,6 @@ private:
     QJsonObject queryClosestImage(int sourceId, const QDateTime &utc, int limitMs,
                                   QString *errorText);
 
-    QHash<QString, QJsonObject> m_known; // by folder; an empty object: the session has none
-    QEventLoop *m_wait = nullptr;        // not owned; exists only during a lookup
+    QHash<QPair<int, QString>, QJsonObject> m_answers; // usable; by sourceId and folder
+    QEventLoop *m_wait = nullptr;                      // not owned; exists only during a lookup
 };
