@@ -3,11 +3,13 @@
 #include "base/jsonfile.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
 
 #include <cmath>
+#include <cstdio>
 
 namespace {
 
@@ -49,6 +51,20 @@ QJsonObject roiToJson(const Roi &roi)
         {QStringLiteral("rotation"), roi.rotation},
         {QStringLiteral("enabled"), roi.enabled},
     };
+}
+
+/// A save file would write through a link, wherever it leads. Renaming replaces the link itself,
+/// and only once all is written.
+JsonFile::SaveResult saveOverLink(const QString &path, const QJsonObject &object)
+{
+    const QString fresh = path + QStringLiteral(".new");
+    QFile::remove(fresh); // which may be a link as well
+    const JsonFile::SaveResult result = JsonFile::save(fresh, object);
+    if (result != JsonFile::SaveResult::Saved ||
+        std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path).constData()) == 0)
+        return result;
+    QFile::remove(fresh);
+    return JsonFile::SaveResult::CannotCommit;
 }
 
 } // namespace
@@ -103,9 +119,9 @@ bool RoiSet::save(const QVector<Roi> &rois, const QString &sessionDirectory, QSt
         return fail(QStringLiteral("No session is loaded."));
 
     const QString path = filePath(sessionDirectory);
-    if (QFileInfo(path).isSymLink()) // a save file would write through it, wherever it leads
-        QFile::remove(path);
-    switch (JsonFile::save(path, toJson(rois, QDir(sessionDirectory).dirName()))) {
+    const QJsonObject object = toJson(rois, QDir(sessionDirectory).dirName());
+    switch (QFileInfo(path).isSymLink() ? saveOverLink(path, object)
+                                        : JsonFile::save(path, object)) {
     case JsonFile::SaveResult::Saved:
         return true;
     case JsonFile::SaveResult::CannotOpen:

@@ -2,6 +2,7 @@
 
 #include "tests/roi/testsession.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QtTest>
 
@@ -68,6 +69,10 @@ private slots:
         const TestSession outside;
         const auto before = outside.checksums();
         QFile::link(outside.filePath(u"session.json"_s), session.filePath(u"rois.json"_s));
+        QDir(session.path()).mkdir(u"rois.json.new"_s); // in the way
+        QVERIFY(!RoiSet::save({}, session.path()));
+        QVERIFY(QFileInfo(session.filePath(u"rois.json"_s)).isSymLink()); // the link is not lost
+        QDir(session.path()).rmdir(u"rois.json.new"_s);
         QVERIFY(RoiSet::save({}, session.path()));
         QCOMPARE(outside.checksums(), before);
         QVERIFY(!QFileInfo(session.filePath(u"rois.json"_s)).isSymLink());
