@@ -6,7 +6,6 @@
 #include <QTransform>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -21,6 +20,15 @@ bool isOpaque(const QImage &argb)
             return false;
     }
     return true;
+}
+
+/// How often a side may be halved and still have a pixel for each pixel of the picture.
+int halvings(double scale, int sidePx)
+{
+    int count = 0;
+    for (; scale <= 0.5 && sidePx >= 2 * smallestLevelPx; scale *= 2.0, sidePx /= 2)
+        ++count;
+    return count;
 }
 
 } // namespace
@@ -54,16 +62,11 @@ double RoiFrame::zoomKmPerPixel(double frameKmPerPixel, const QRectF &view,
 }
 
 ZoomSource::ZoomSource(const QImage &frame)
-{
-    m_levels.push_back(frame.convertToFormat(
-        frame.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32));
-    QSize half = frame.size() / 2;
-    while (std::min(half.width(), half.height()) >= smallestLevelPx) {
-        m_levels.push_back(
-            m_levels.back().scaled(half, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-        half /= 2;
-    }
-}
+    : m_frameSize(frame.size())
+    , m_levels{{{0, 0},
+                frame.convertToFormat(frame.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                              : QImage::Format_RGB32)}}
+{}
 
 QImage ZoomSource::picture(const QRectF &view, const QSize &size) const
 {
@@ -71,26 +74,31 @@ QImage ZoomSource::picture(const QRectF &view, const QSize &size) const
     picture.fill(Qt::black);
     const double scaleX = size.width() / view.width();
     const double scaleY = size.height() / view.height();
-    const QImage &level = levelFor(1.0 / std::sqrt(scaleX * scaleY));
-    const double levelX = double(level.width()) / frameSize().width();
-    const double levelY = double(level.height()) / frameSize().height();
-    const QRectF visible = view.intersected(QRectF(QPointF(), frameSize()));
+    const QImage &source =
+        level(halvings(scaleX, m_frameSize.width()), halvings(scaleY, m_frameSize.height()));
+    const double levelX = double(source.width()) / m_frameSize.width();
+    const double levelY = double(source.height()) / m_frameSize.height();
+    const QRectF visible = view.intersected(QRectF(QPointF(), m_frameSize));
 
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(QRectF((visible.x() - view.x()) * scaleX, (visible.y() - view.y()) * scaleY,
                              visible.width() * scaleX, visible.height() * scaleY),
-                      level,
+                      source,
                       QRectF(visible.x() * levelX, visible.y() * levelY, visible.width() * levelX,
                              visible.height() * levelY));
     return picture;
 }
 
-/// The smallest level that still has a pixel for each pixel of the picture.
-const QImage &ZoomSource::levelFor(double reduction) const
+/// The frame halved so many times in either direction; each level is made from a larger one.
+const QImage &ZoomSource::level(int across, int down) const
 {
-    size_t level = 0;
-    for (; reduction >= 2.0 && level + 1 < m_levels.size(); reduction /= 2.0)
-        ++level;
-    return m_levels[level];
+    const auto made = m_levels.find({across, down});
+    if (made != m_levels.cend())
+        return made->second;
+    const QImage &larger =
+        level(across >= down ? across - 1 : across, down >= across ? down - 1 : down);
+    const QSize size(m_frameSize.width() >> across, m_frameSize.height() >> down);
+    return m_levels[{across, down}] =
+               larger.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }

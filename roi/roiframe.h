@@ -5,7 +5,8 @@
 #include <QRectF>
 #include <QSize>
 
-#include <vector>
+#include <map>
+#include <utility>
 
 /// The pictures of a region film, made from original frames, which are only read.
 namespace RoiFrame {
@@ -42,21 +43,23 @@ double zoomKmPerPixel(double frameKmPerPixel, const QRectF &view, const QSize &p
 /**
  * One frame, ready to be drawn at any reduction: the source of a zoom introduction.
  *
- * Holds the frame and its halvings, so that the whole disk squeezed into a small picture is
- * averaged, where drawing it straight from the frame would drop most pixels and flicker.
+ * Holds the frame and its halvings, those across apart from those down, so that the whole disk
+ * squeezed into a small picture is averaged, where drawing it straight from the frame would drop
+ * most pixels and flicker.
  */
 class ZoomSource
 {
 public:
     explicit ZoomSource(const QImage &frame);
 
-    QSize frameSize() const { return m_levels.front().size(); }
+    QSize frameSize() const { return m_frameSize; }
 
     /// The part @p view of the frame over a whole picture of @p size; black beyond the frame.
     QImage picture(const QRectF &view, const QSize &size) const;
 
 private:
-    const QImage &levelFor(double reduction) const;
+    const QImage &level(int across, int down) const;
 
-    std::vector<QImage> m_levels; // the frame, half of it, a quarter, ...; never empty
+    QSize m_frameSize;
+    mutable std::map<std::pair<int, int>, QImage> m_levels; // by halvings; made when needed
 };

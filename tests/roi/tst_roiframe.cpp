@@ -75,6 +75,14 @@ private slots:
             drawn({512, 512}, [](int x, int y) { return (x + y) % 2 ? qRgb(254, 0, 0) : 0; });
         const QImage small = ZoomSource(board).picture(QRectF(0, 0, 512, 512), QSize(64, 64));
         QVERIFY(qAbs(qRed(small.pixel(31, 20)) - 127) <= 2);
+        // Squeezed across only: lines down the picture blend, lines across it stay as they are.
+        for (const bool across : {false, true}) {
+            const QImage lines = drawn({512, 512}, [across](int x, int y) {
+                return (across ? y : x) % 2 ? qRgb(254, 0, 0) : 0;
+            });
+            const QImage narrow = ZoomSource(lines).picture(lines.rect(), QSize(64, 512));
+            QVERIFY(qAbs(qRed(narrow.pixel(31, 21)) - (across ? 254 : 127)) <= 2);
+        }
     }
 
     void scaleOfAZoomIsThatOfItsHorizontal()
