@@ -29,14 +29,16 @@ QString numberText(int number)
     return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
 }
 
-/// Removes @p path and all in it. A link is taken away itself; where it leads is not ours.
-void removeTemporary(const QString &path)
+/// Removes @p path and all in it; true when nothing is left there. A link is taken away itself;
+/// where it leads is not ours.
+bool removeTemporary(const QString &path)
 {
     const QFileInfo info(path);
-    if (info.isDir() && !info.isSymLink())
-        QDir(path).removeRecursively();
-    else
-        QFile::remove(path);
+    if (info.isSymLink())
+        return QFile::remove(path);
+    if (info.isDir())
+        return QDir(path).removeRecursively();
+    return !info.exists() || QFile::remove(path);
 }
 
 } // namespace
@@ -92,14 +94,12 @@ RoiVideoGenerator::Outcome RoiVideoGenerator::run(const RoiVideoPlan &plan)
     m_canceled = false;
     for (const RoiFilmSource &filmed : qAsConst(m_plan.sources)) {
         // A missing encoder is named before an hour is spent on pictures for it.
-        const bool done =
-            RoiEncoder::isPresent(RuntimeConfig::ffmpegPath(), &m_errorText) && filmSource(filmed);
-        if (m_canceled) {
-            m_errorText.clear(); // of an encoder that was killed
-            return Outcome::Canceled;
-        }
-        if (!done)
+        if (RoiEncoder::isPresent(RuntimeConfig::ffmpegPath(), &m_errorText) && filmSource(filmed))
+            continue;
+        if (!m_canceled)
             return Outcome::Failed;
+        m_errorText.clear(); // of an encoder that was killed
+        return Outcome::Canceled;
     }
     return Outcome::Completed;
 }
@@ -115,12 +115,12 @@ bool RoiVideoGenerator::filmSource(const RoiFilmSource &filmed)
     if (!RoiSession::mayWriteTo(filmed.source, m_plan.sessionDirectory, &m_errorText))
         return false;
     const QString root = temporaryRoot(filmed.source);
-    removeTemporary(root);
+    // Pictures that an earlier run left behind would follow those of this one into the film.
     bool done =
-        QDir().mkpath(root) ||
+        (removeTemporary(root) && QDir().mkpath(root)) ||
         fail(tr("Cannot create temporary directory:\n%1").arg(QDir::toNativeSeparators(root)));
     for (const NumberedRoi &region : qAsConst(m_plan.rois))
-        done = done && filmRoi(Job(filmed, region));
+        done = done && !m_canceled && filmRoi(Job(filmed, region));
     removeTemporary(root);
     return done;
 }
@@ -230,7 +230,7 @@ QString RoiVideoGenerator::completionDetails(const Job &job) const
     QString details;
     if (m_plan.introFrames() > 0)
         details += QStringLiteral("; intro zoom %1 s").arg(m_plan.introSeconds);
-    if (job.roi().rotation != 0)
+    if (RoiGeometry::reducedRotation(job.roi().rotation) != 0)
         details += QStringLiteral("; rotation %1 deg").arg(job.roi().rotation);
     return details;
 }

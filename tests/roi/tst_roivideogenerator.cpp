@@ -77,13 +77,14 @@ private slots:
         QTest::newRow("none") << 0 << QVector<QRgb>{red, green, blue, white};
         QTest::newRow("90") << 90 << QVector<QRgb>{green, white, red, blue};
         QTest::newRow("-90") << -90 << QVector<QRgb>{blue, red, white, green};
+        QTest::newRow("45") << 45 << QVector<QRgb>{red, green, blue, white}; // is no turn
         QTest::newRow("180") << 180 << QVector<QRgb>{white, blue, green, red};
     }
     void filmShowsTheRegionTurned()
     {
         QFETCH(int, rotation);
         QFETCH(QVector<QRgb>, fields);
-        const QSize size = rotation % 180 == 0 ? QSize(128, 96) : QSize(96, 128);
+        const QSize size = rotation % 90 || rotation % 180 == 0 ? QSize(128, 96) : QSize(96, 128);
         const TestSession stored;
         const auto before = stored.checksums();
         RoiVideoPlan plan = planFor(stored);
@@ -94,7 +95,8 @@ private slots:
         QCOMPARE(generator.run(plan), Outcome::Completed);
         QCOMPARE(generator.createdVideos(), 1);
         QCOMPARE(progress.last().first().toInt(), plan.totalFrames());
-        const QString turned = rotation == 0 ? QString() : u"; rotation %1 deg"_s.arg(rotation);
+        const QString turned =
+            rotation == 0 || rotation == 45 ? QString() : u"; rotation %1 deg"_s.arg(rotation);
         QCOMPARE(log.last().first().toString(),
                  u"ROI video completed: %1%2"_s.arg(filmOf(stored), turned));
 
@@ -254,6 +256,25 @@ private slots:
         QCOMPARE(RoiVideoGenerator().run(planFor(stored)), Outcome::Completed);
         QCOMPARE(other.checksums(), before);
         QVERIFY(!QFileInfo(root).isSymLink() && !QFileInfo(filmOf(stored)).isSymLink());
+    }
+
+    void cancelBetweenTwoFilms()
+    {
+        const TestSession stored;
+        useFakeEncoder({});
+        RoiVideoPlan plan = planFor(stored);
+        plan.rois.append({2, plan.rois.first().roi});
+        for (const int films : {1, 2}) {
+            RoiVideoGenerator generator;
+            QSignalSpy progress(&generator, &RoiVideoGenerator::progressChanged);
+            connect(&generator, &RoiVideoGenerator::logMessage, &generator, [&](const QString &) {
+                if (generator.createdVideos() == films)
+                    generator.cancel();
+            });
+            // What is asked for exists after the second one: that is no cancel any more.
+            QCOMPARE(generator.run(plan), films == 1 ? Outcome::Canceled : Outcome::Completed);
+            QCOMPARE(progress.size(), films * plan.totalFrames() / 2);
+        }
     }
 
     void cancelAtAnyStep()
