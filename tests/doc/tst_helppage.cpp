@@ -31,7 +31,8 @@ QString withoutMarkup(const QString &html)
     return QTextDocumentFragment::fromHtml(html).toPlainText().simplified();
 }
 
-/// Every text literal of the program: in its forms, and in its sources with neighbours joined.
+/// Every text literal of the program: in its forms, less what only a screen reader says, and in its
+/// sources with neighbours joined.
 QStringList programTexts()
 {
     QStringList texts;
@@ -41,8 +42,10 @@ QStringList programTexts()
                            {QStringLiteral("*.cpp"), QStringLiteral("*.ui")}, QDir::Files);
         while (files.hasNext()) {
             files.next();
-            const QString code = readText(folder + files.fileName())
-                                     .remove(QRegularExpression(QStringLiteral("\"\\s+\"")));
+            const QString code =
+                readText(folder + files.fileName())
+                    .remove(QRegularExpression(QStringLiteral(
+                        "\"\\s+\"|name=\"accessible\\w+\">\\s*<string>[^<]*</string>")));
             const QString pattern = files.fileName().endsWith(QLatin1String(".ui"))
                                         ? QStringLiteral("<string>(.*?)</string>")
                                         : QStringLiteral("\"((?:[^\"\\\\\n]|\\\\.)*)\"");
