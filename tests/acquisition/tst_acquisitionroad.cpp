@@ -345,7 +345,7 @@ void TestAcquisitionRoad::framesGoOnlyWhenEveryFilmIsWhole()
              files.contains(QLatin1String("frame")) ? 0 : 1);
     QCOMPARE(road.events.last(), QStringLiteral("[finished] completed"));
 
-    const FakeProgram::Run run = FakeProgram::runs(ffmpeg).first();
+    const FakeProgram::Run run = FakeProgram::runs(ffmpeg).constFirst();
     QCOMPARE(run.workingDirectory, road.sessionFile(aiaFolder));
     QCOMPARE(run.arguments.join(QLatin1Char(' ')),
              QStringLiteral("-y -framerate 25 -start_number 0 -i video_frames/frame_%06d.png -c:v "
