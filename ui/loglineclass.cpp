@@ -10,44 +10,45 @@ struct Rule
 {
     LineClass lineClass;
     Place place;
-    QLatin1String word;
+    const char *word;
 };
 
 // The first rule that fits decides: the order tells a warning about a failure from the failure.
 constexpr Rule rules[] = {
-    {LineClass::Error, Place::Start, QLatin1String("ERROR")},
-    {LineClass::Error, Place::Start, QLatin1String("FFMPEG ERROR")},
-    {LineClass::Error, Place::Anywhere, QLatin1String(" DOWNLOAD_ERROR")},
-    {LineClass::Error, Place::Anywhere, QLatin1String(" LOOKUP_ERROR")},
-    {LineClass::Warning, Place::Start, QLatin1String("WARNING")},
-    {LineClass::Warning, Place::Start, QLatin1String("REJECT")},
-    {LineClass::Warning, Place::Start, QLatin1String("DUPLICATE")},
-    {LineClass::Warning, Place::Start, QLatin1String("SUSPICIOUS")},
-    {LineClass::Warning, Place::Anywhere, QLatin1String(" SKIPPED")},
-    {LineClass::Warning, Place::Anywhere, QLatin1String("UNAVAILABLE")},
-    {LineClass::Error, Place::Anywhere, QLatin1String("ERROR")},
-    {LineClass::Error, Place::Anywhere, QLatin1String("FAILED")},
-    {LineClass::Error, Place::Anywhere, QLatin1String("FAILURE")},
-    {LineClass::Error, Place::Anywhere, QLatin1String("CORRUPT")},
-    {LineClass::Error, Place::Anywhere, QLatin1String("INVALID DATA")},
-    {LineClass::Success, Place::Start, QLatin1String("OK ")},
-    {LineClass::Success, Place::Start, QLatin1String("VIDEO COMPLETED")},
-    {LineClass::Success, Place::Whole, QLatin1String("SESSION COMPLETED.")},
-    {LineClass::Success, Place::Anywhere, QLatin1String("CATALOG UPDATED")},
-    {LineClass::Success, Place::Anywhere, QLatin1String(" DEFINITIONS SAVED")},
-    {LineClass::Info, Place::Start, QLatin1String("CURL:")},
-    {LineClass::Info, Place::Start, QLatin1String("FFMPEG:")},
+    {LineClass::Error, Place::Start, "ERROR"},
+    {LineClass::Error, Place::Start, "FFMPEG ERROR"},
+    {LineClass::Error, Place::Anywhere, " DOWNLOAD_ERROR"},
+    {LineClass::Error, Place::Anywhere, " LOOKUP_ERROR"},
+    {LineClass::Warning, Place::Start, "WARNING"},
+    {LineClass::Warning, Place::Start, "REJECT"},
+    {LineClass::Warning, Place::Start, "DUPLICATE"},
+    {LineClass::Warning, Place::Start, "SUSPICIOUS"},
+    {LineClass::Warning, Place::Anywhere, " SKIPPED"},
+    {LineClass::Warning, Place::Anywhere, "UNAVAILABLE"},
+    {LineClass::Error, Place::Anywhere, "ERROR"},
+    {LineClass::Error, Place::Anywhere, "FAILED"},
+    {LineClass::Error, Place::Anywhere, "FAILURE"},
+    {LineClass::Error, Place::Anywhere, "CORRUPT"},
+    {LineClass::Error, Place::Anywhere, "INVALID DATA"},
+    {LineClass::Success, Place::Start, "OK "},
+    {LineClass::Success, Place::Start, "VIDEO COMPLETED"},
+    {LineClass::Success, Place::Whole, "SESSION COMPLETED."},
+    {LineClass::Success, Place::Anywhere, "CATALOG UPDATED"},
+    {LineClass::Success, Place::Anywhere, " DEFINITIONS SAVED"},
+    {LineClass::Info, Place::Start, "CURL:"},
+    {LineClass::Info, Place::Start, "FFMPEG:"},
 };
 
 bool fits(const Rule &rule, const QString &line)
 {
+    const QLatin1String word(rule.word);
     switch (rule.place) {
     case Place::Start:
-        return line.startsWith(rule.word);
+        return line.startsWith(word);
     case Place::Anywhere:
-        return line.contains(rule.word);
+        return line.contains(word);
     case Place::Whole:
-        return line == rule.word;
+        return line == word;
     }
     return false;
 }

@@ -101,11 +101,11 @@ void MainWindow::showRuntimePaths()
 void MainWindow::makeKeyboardAccessible()
 {
     m_form->actionOpenOutputFolder->setShortcuts(QKeySequence::Open);
-    m_form->actionPlayLatestVideo->setShortcut(Qt::CTRL + Qt::Key_L);
-    m_form->actionPlaySelectedVideo->setShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_L);
-    m_form->actionCreateRoiVideo->setShortcut(Qt::CTRL + Qt::Key_I);
-    m_form->actionStartAcquisition->setShortcut(Qt::CTRL + Qt::Key_Return);
-    m_form->actionStopAcquisition->setShortcut(Qt::CTRL + Qt::Key_Period);
+    m_form->actionPlayLatestVideo->setShortcut(QStringLiteral("Ctrl+L"));
+    m_form->actionPlaySelectedVideo->setShortcut(QStringLiteral("Ctrl+Shift+L"));
+    m_form->actionCreateRoiVideo->setShortcut(QStringLiteral("Ctrl+I"));
+    m_form->actionStartAcquisition->setShortcut(QStringLiteral("Ctrl+Return"));
+    m_form->actionStopAcquisition->setShortcut(QStringLiteral("Ctrl+."));
     m_form->actionExit->setShortcuts(QKeySequence::Quit);
     m_form->actionRefreshCatalog->setShortcuts(QKeySequence::Refresh);
     m_form->actionHelpOrvik->setShortcuts(QKeySequence::HelpContents);

@@ -10,7 +10,7 @@ using AcquisitionEstimate::formatDuration;
 
 namespace {
 
-constexpr QLatin1String cadenceLineStart("\nCadence:");
+constexpr char cadenceLineStart[] = "\nCadence:";
 
 QString tr(const char *text)
 {
@@ -142,6 +142,6 @@ QString SourceDetails::toolTip(const QString &path, const QJsonObject &entry)
 
 QString SourceDetails::toolTipWithCadence(const QString &toolTip, const SourceCadence &analysis)
 {
-    return toolTip.left(toolTip.indexOf(cadenceLineStart)) + QLatin1Char('\n') +
+    return toolTip.left(toolTip.indexOf(QLatin1String(cadenceLineStart))) + QLatin1Char('\n') +
            cadenceLine(analysis);
 }

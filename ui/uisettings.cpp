@@ -12,20 +12,20 @@ constexpr int layoutVersion = 0;
 constexpr int archiveDelaySeconds = 600; // younger images are rarely archived yet
 constexpr int defaultIntervalSeconds = 3600;
 
-constexpr QLatin1String geometryKey("ui/mainWindowGeometry");
-constexpr QLatin1String stateKey("ui/mainWindowState");
-constexpr QLatin1String splitterKey("ui/catalogSplitterState");
-constexpr QLatin1String headerKey("ui/sourceHeaderState");
-constexpr QLatin1String selectedIdsKey("sources/selectedIds");
-constexpr QLatin1String currentIdKey("sources/currentId");
-constexpr QLatin1String lastVideoFolderKey("videoPlayer/lastDirectory");
+constexpr char geometryKey[] = "ui/mainWindowGeometry";
+constexpr char stateKey[] = "ui/mainWindowState";
+constexpr char splitterKey[] = "ui/catalogSplitterState";
+constexpr char headerKey[] = "ui/sourceHeaderState";
+constexpr char selectedIdsKey[] = "sources/selectedIds";
+constexpr char currentIdKey[] = "sources/currentId";
+constexpr char lastVideoFolderKey[] = "videoPlayer/lastDirectory";
 
 enum class Preset { None, RuntimeConfig };
 
 /// One widget whose user property is stored; the default's type is the stored type.
 struct Field
 {
-    QLatin1String key;
+    const char *key;
     QWidget *widget; // not owned
     QVariant defaultValue;
     Preset preset;
@@ -35,21 +35,20 @@ QVector<Field> fields(const Ui::MainWindow &form)
 {
     const QDateTime end = QDateTime::currentDateTimeUtc().addSecs(-archiveDelaySeconds);
     const QDateTime start = end.addSecs(-defaultIntervalSeconds);
-    const auto key = [](const char *text) { return QLatin1String(text); };
     return {
-        {key("acquisition/startUtc"), form.startEdit, start, Preset::None},
-        {key("acquisition/endUtc"), form.endEdit, end, Preset::None},
-        {key("acquisition/cadenceSeconds"), form.cadenceSpin, 60, Preset::RuntimeConfig},
-        {key("acquisition/maxTimeErrorSeconds"), form.timeErrorSpin, 30, Preset::RuntimeConfig},
-        {key("acquisition/useSourceTimingProfiles"), form.sourceTimingProfilesCheck, true,
+        {"acquisition/startUtc", form.startEdit, start, Preset::None},
+        {"acquisition/endUtc", form.endEdit, end, Preset::None},
+        {"acquisition/cadenceSeconds", form.cadenceSpin, 60, Preset::RuntimeConfig},
+        {"acquisition/maxTimeErrorSeconds", form.timeErrorSpin, 30, Preset::RuntimeConfig},
+        {"acquisition/useSourceTimingProfiles", form.sourceTimingProfilesCheck, true,
          Preset::RuntimeConfig},
-        {key("acquisition/imageWidth"), form.widthSpin, 1024, Preset::RuntimeConfig},
-        {key("video/fps"), form.fpsSpin, 25, Preset::RuntimeConfig},
-        {key("video/crf"), form.crfSpin, 18, Preset::RuntimeConfig},
-        {key("acquisition/keepFrames"), form.keepFramesCheck, true, Preset::RuntimeConfig},
-        {key("video/sourceOverlay"), form.sourceOverlayCheck, true, Preset::None},
-        {key("video/scaleOverlay"), form.scaleOverlayCheck, false, Preset::None},
-        {key("video/create"), form.createVideosCheck, true, Preset::RuntimeConfig},
+        {"acquisition/imageWidth", form.widthSpin, 1024, Preset::RuntimeConfig},
+        {"video/fps", form.fpsSpin, 25, Preset::RuntimeConfig},
+        {"video/crf", form.crfSpin, 18, Preset::RuntimeConfig},
+        {"acquisition/keepFrames", form.keepFramesCheck, true, Preset::RuntimeConfig},
+        {"video/sourceOverlay", form.sourceOverlayCheck, true, Preset::None},
+        {"video/scaleOverlay", form.scaleOverlayCheck, false, Preset::None},
+        {"video/create", form.createVideosCheck, true, Preset::RuntimeConfig},
     };
 }
 
@@ -62,10 +61,11 @@ public:
 
 QVariant storedValue(const Store &store, const Field &field)
 {
-    if (store.contains(field.key))
-        return store.value(field.key);
+    const QString key = QLatin1String(field.key);
+    if (store.contains(key))
+        return store.value(key);
     if (field.preset == Preset::RuntimeConfig) {
-        const QVariant preset = RuntimeConfig::preset(field.key);
+        QVariant preset = RuntimeConfig::preset(key);
         if (preset.isValid())
             return preset;
     }
@@ -106,12 +106,12 @@ void saveSelection(Store &store, QTreeWidget *tree)
     const QVector<DataSource> sources = CatalogTree::tickedSources(tree);
     for (const DataSource &source : sources)
         ids.append(QString::number(source.sourceId));
-    store.setValue(selectedIdsKey, ids);
+    store.setValue(QLatin1String(selectedIdsKey), ids);
 
     if (CatalogTree::isLeaf(tree->currentItem()))
-        store.setValue(currentIdKey, CatalogTree::currentId(tree));
+        store.setValue(QLatin1String(currentIdKey), CatalogTree::currentId(tree));
     else
-        store.remove(currentIdKey);
+        store.remove(QLatin1String(currentIdKey));
 }
 
 } // namespace
@@ -127,8 +127,8 @@ void UiSettings::loadFields(const Ui::MainWindow &form)
 void UiSettings::restoreLayout(QMainWindow *window, const Ui::MainWindow &form)
 {
     const Store store;
-    const auto restore = [&store](QLatin1String key, auto apply) {
-        const QByteArray stored = store.value(key).toByteArray();
+    const auto restore = [&store](const char *key, auto apply) {
+        const QByteArray stored = store.value(QLatin1String(key)).toByteArray();
         if (!stored.isEmpty())
             apply(stored);
     };
@@ -144,37 +144,37 @@ CatalogTree::Selection UiSettings::loadSelection()
 {
     const Store store;
     CatalogTree::Selection selection;
-    const QStringList ids = store.value(selectedIdsKey).toStringList();
+    const QStringList ids = store.value(QLatin1String(selectedIdsKey)).toStringList();
     for (const QString &text : ids) {
         bool isNumber = false;
         const int id = text.toInt(&isNumber);
         if (isNumber)
             selection.tickedIds.insert(id);
     }
-    selection.currentId = store.value(currentIdKey, -1).toInt();
+    selection.currentId = store.value(QLatin1String(currentIdKey), -1).toInt();
     return selection;
 }
 
 void UiSettings::save(const QMainWindow &window, const Ui::MainWindow &form)
 {
     Store store;
-    store.setValue(geometryKey, window.saveGeometry());
-    store.setValue(stateKey, window.saveState(layoutVersion));
-    store.setValue(splitterKey, form.catalogSplitter->saveState());
-    store.setValue(headerKey, form.sourcesTree->header()->saveState());
+    store.setValue(QLatin1String(geometryKey), window.saveGeometry());
+    store.setValue(QLatin1String(stateKey), window.saveState(layoutVersion));
+    store.setValue(QLatin1String(splitterKey), form.catalogSplitter->saveState());
+    store.setValue(QLatin1String(headerKey), form.sourcesTree->header()->saveState());
     const QVector<Field> all = fields(form);
     for (const Field &field : all)
-        store.setValue(field.key, valueOf(field));
+        store.setValue(QLatin1String(field.key), valueOf(field));
     saveSelection(store, form.sourcesTree);
     store.sync();
 }
 
 QString UiSettings::lastVideoFolder()
 {
-    return Store().value(lastVideoFolderKey).toString();
+    return Store().value(QLatin1String(lastVideoFolderKey)).toString();
 }
 
 void UiSettings::saveLastVideoFolder(const QString &folder)
 {
-    Store().setValue(lastVideoFolderKey, folder);
+    Store().setValue(QLatin1String(lastVideoFolderKey), folder);
 }

@@ -16,7 +16,7 @@ namespace {
 
 QString create(const QTemporaryDir &folder, const char *name, int ageSeconds)
 {
-    const QString path = folder.filePath(QLatin1String(name));
+    QString path = folder.filePath(QLatin1String(name));
     QDir().mkpath(QFileInfo(path).path());
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) ||

@@ -51,7 +51,7 @@ void TestPreviewPane::init()
 
 QString TestPreviewPane::save(const QImage &image) const
 {
-    const QString file = m_folder.filePath(QStringLiteral("frame.png"));
+    QString file = m_folder.filePath(QStringLiteral("frame.png"));
     image.save(file);
     return file;
 }

@@ -61,7 +61,7 @@ void TestWindowRoad::prepareRun(MainWindow &window, int minutes)
     QTRY_VERIFY(part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount() > 0);
     const QDateTime start(QDate(2024, 5, 1), QTime(12, 0), Qt::UTC);
     part<QDateTimeEdit>(window, "startEdit")->setDateTime(start);
-    part<QDateTimeEdit>(window, "endEdit")->setDateTime(start.addSecs(minutes * 60));
+    part<QDateTimeEdit>(window, "endEdit")->setDateTime(start.addSecs(qint64(60) * minutes));
     part<QSpinBox>(window, "widthSpin")->setValue(128);
     WindowFixture::clickLeaf(window, QStringLiteral("AIA 171 "));
 }
