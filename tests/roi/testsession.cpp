@@ -1,21 +1,18 @@
 #include "tests/roi/testsession.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QPainter>
 #include <QProcess>
 
 namespace {
 
-QByteArray outputOf(const QString &commandLine, const QString &lastArgument)
+QByteArray outputOf(const QString &commandLine, const QString &file)
 {
     QStringList words = commandLine.split(QLatin1Char(' '));
     QProcess process;
     const QString program = words.takeFirst();
-    process.start(program, words.replaceInStrings(u"FILE"_s, lastArgument));
+    process.start(program, words.replaceInStrings(u"FILE"_s, file));
     if (!process.waitForFinished())
         qFatal("%s does not run", qPrintable(program));
     return process.readAllStandardOutput();
@@ -24,16 +21,14 @@ QByteArray outputOf(const QString &commandLine, const QString &lastArgument)
 } // namespace
 
 TestSession::TestSession()
-    : m_manifest("SourceId,Source,ActualUTC,File,Status,SourceWidth,RSun\n")
-    , m_descriptor({{u"startUtc"_s, u"2024-05-01T12:00:00Z"_s},
-                    {u"videoFps"_s, 5},
-                    {u"videoCrf"_s, 0},
-                    {u"sources"_s, QJsonArray()}})
 {
-    addSource(10, u"AIA 171"_s, QSize(256, 192));
-    addSource(18, u"HMI"_s, QSize(128, 96));
-    write(u"manifest.csv"_s, m_manifest);
-    changeDescriptor({});
+    write(u"manifest.csv"_s, "SourceId,Source,ActualUTC,File,Status,SourceWidth,RSun\n" +
+                                 addFrames("10,AIA 171", u"AIA_171"_s, QSize(256, 192)) +
+                                 addFrames("18,HMI", u"HMI"_s, QSize(128, 96)));
+    write(u"session.json"_s,
+          R"({"startUtc": "2024-05-01T12:00:00Z", "videoFps": 5, "videoCrf": 0, "sources": [
+              {"sourceId": 10, "nickname": "AIA 171", "archiveName": "AIA_171"},
+              {"sourceId": 18, "nickname": "HMI", "archiveName": "HMI"}]})");
 }
 
 void TestSession::write(const QString &name, const QByteArray &content) const
@@ -49,33 +44,21 @@ QByteArray TestSession::read(const QString &name) const
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void TestSession::changeDescriptor(const QJsonObject &members) const
+void TestSession::editDescriptor(const QByteArray &before, const QByteArray &after) const
 {
-    QJsonObject descriptor = m_descriptor;
-    for (auto member = members.begin(); member != members.end(); ++member)
-        descriptor.insert(member.key(), member.value());
-    write(u"session.json"_s, QJsonDocument(descriptor).toJson());
+    write(u"session.json"_s, read(u"session.json"_s).replace(before, after));
 }
 
-void TestSession::renameFirstFolder(const QString &archiveName) const
+QMap<QString, QByteArray> TestSession::contents() const
 {
-    QJsonArray sources = m_descriptor.value(u"sources"_s).toArray();
-    QJsonObject first = sources.first().toObject();
-    first.insert(u"archiveName"_s, archiveName);
-    sources.replace(0, first);
-    changeDescriptor({{u"sources"_s, sources}});
-}
-
-QMap<QString, QByteArray> TestSession::checksums() const
-{
-    QMap<QString, QByteArray> sums;
+    QMap<QString, QByteArray> contents;
     QDirIterator files(path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         const QString name = QDir(path()).relativeFilePath(files.next());
         if (!name.endsWith(u".mp4"_s) && name != u"rois.json"_s)
-            sums.insert(name, QCryptographicHash::hash(read(name), QCryptographicHash::Sha256));
+            contents.insert(name, read(name));
     }
-    return sums;
+    return contents;
 }
 
 QImage TestSession::frame(const QSize &size)
@@ -91,38 +74,29 @@ QImage TestSession::frame(const QSize &size)
     return image;
 }
 
-void TestSession::addSource(int sourceId, const QString &nickname, const QSize &size)
+/// The rows of the manifest.
+QByteArray TestSession::addFrames(const QByteArray &source, const QString &folder,
+                                  const QSize &size) const
 {
-    const QString folder = QString(nickname).replace(QLatin1Char(' '), QLatin1Char('_'));
-    QDir(path()).mkpath(folder);
-    for (const char *minute : {"0", "1", "2"}) {
-        const QString file = u"%1/frame_%2.png"_s.arg(folder, QLatin1String(minute));
+    QByteArray rows;
+    QDir(path()).mkdir(folder);
+    for (const QByteArray minute : {"0", "1", "2"}) {
+        const QString file = folder + u"/frame_"_s + QString::fromLatin1(minute) + u".png"_s;
         frame(size).save(filePath(file));
-        m_manifest += u"%1,\"%2\",\"2024-05-01T12:0%3:00Z\",\"%4\",OK,4096,1600\n"_s
-                          .arg(QString::number(sourceId), nickname, QLatin1String(minute), file)
-                          .toUtf8();
+        rows += source + ",2024-05-01T12:0" + minute + ":00Z," + file.toUtf8() + ",OK,4096,1600\n";
     }
-    QJsonArray sources = m_descriptor.value(u"sources"_s).toArray();
-    sources.append(QJsonObject{
-        {u"sourceId"_s, sourceId}, {u"nickname"_s, nickname}, {u"archiveName"_s, folder}});
-    m_descriptor.insert(u"sources"_s, sources);
+    return rows;
 }
 
-Film Film::probe(const QString &path)
+QString filmShape(const QString &path)
 {
-    const QByteArrayList fields =
-        outputOf(u"ffprobe -v error -count_frames -of csv=p=0 -show_entries "
-                 "stream=width,height,r_frame_rate,nb_read_frames FILE"_s,
-                 path)
-            .trimmed()
-            .split(',');
-    if (fields.size() != 4)
-        return {};
-    return {fields.at(3).toInt(), QSize(fields.at(0).toInt(), fields.at(1).toInt()),
-            QString::fromLatin1(fields.at(2))};
+    return QString::fromLatin1(outputOf(u"ffprobe -v error -count_frames -of csv=p=0 -show_entries "
+                                        "stream=width,height,r_frame_rate,nb_read_frames FILE"_s,
+                                        path)
+                                   .trimmed());
 }
 
-QImage Film::frame(const QString &path, int index)
+QImage filmFrame(const QString &path, int index)
 {
     return QImage::fromData(outputOf(u"ffmpeg -v error -i FILE -vf select=eq(n\\,%1) -frames:v 1 "
                                      "-f image2pipe -c:v png -"_s.arg(index),

@@ -2,7 +2,6 @@
 
 #include <QByteArray>
 #include <QImage>
-#include <QJsonObject>
 #include <QMap>
 #include <QString>
 #include <QTemporaryDir>
@@ -28,32 +27,21 @@ public:
     QString filePath(const QString &name) const { return m_folder.filePath(name); }
     void write(const QString &name, const QByteArray &content) const;
     QByteArray read(const QString &name) const;
-    /// Rewrites session.json with some of its members replaced.
-    void changeDescriptor(const QJsonObject &members) const;
-    /// Rewrites the archiveName of the first datasource.
-    void renameFirstFolder(const QString &archiveName) const;
-    /// Checksums of all files but films and rois.json, by relative path; hidden files included.
-    QMap<QString, QByteArray> checksums() const;
+    /// Replaces text in session.json.
+    void editDescriptor(const QByteArray &before, const QByteArray &after) const;
+    /// All files but films and rois.json, by relative path; hidden files included.
+    QMap<QString, QByteArray> contents() const;
 
     static QImage frame(const QSize &size);
 
 private:
-    void addSource(int sourceId, const QString &nickname, const QSize &size);
+    QByteArray addFrames(const QByteArray &source, const QString &folder, const QSize &size) const;
 
     QTemporaryDir m_folder;
-    QByteArray m_manifest;
-    QJsonObject m_descriptor;
 };
 
-/// A finished film, as ffprobe and ffmpeg see it.
-struct Film
-{
-    int frames = 0;
-    QSize size;
-    QString rate; ///< "5/1"
+/// Width, height, frames per second and number of frames, as in "96,128,5/1,3"; empty for no film.
+QString filmShape(const QString &path);
 
-    /// An empty record when @p path is no film.
-    static Film probe(const QString &path);
-    /// Frame @p index, decoded; null when there is none.
-    static QImage frame(const QString &path, int index);
-};
+/// Frame @p index of a film, decoded; null when there is none.
+QImage filmFrame(const QString &path, int index);

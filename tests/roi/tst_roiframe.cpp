@@ -61,20 +61,14 @@ private slots:
         const QImage frame = gradient({256, 192});
         const QRect region(101, 33, 64, 32);
         QCOMPARE(ZoomSource(frame).picture(region, region.size()), frame.copy(region));
-        const QImage whole = ZoomSource(TestSession::frame({256, 192}))
-                                 .picture(QRectF(0, 0, 256, 192), QSize(64, 32));
-        QCOMPARE(whole.pixelColor(0, 0), QColor(Qt::red));
+        const QImage fields = TestSession::frame({256, 192});
+        const QImage whole = ZoomSource(fields).picture(fields.rect(), QSize(64, 32));
         QCOMPARE(whole.pixelColor(30, 14), QColor(Qt::red)); // the fields still meet in the middle
         QCOMPARE(whole.pixelColor(33, 17), QColor(Qt::white));
-        QCOMPARE(whole.pixelColor(63, 31), QColor(Qt::white));
     }
 
     void zoomAveragesWhatItSqueezes()
     {
-        const QImage board =
-            drawn({512, 512}, [](int x, int y) { return (x + y) % 2 ? qRgb(254, 0, 0) : 0; });
-        const QImage small = ZoomSource(board).picture(QRectF(0, 0, 512, 512), QSize(64, 64));
-        QVERIFY(qAbs(qRed(small.pixel(31, 20)) - 127) <= 2);
         // Squeezed across only: lines down the picture blend, lines across it stay as they are.
         for (const bool across : {false, true}) {
             const QImage lines = drawn({512, 512}, [across](int x, int y) {

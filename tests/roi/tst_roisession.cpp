@@ -14,8 +14,8 @@ private slots:
     void wholeSession()
     {
         const TestSession stored;
-        stored.changeDescriptor(
-            {{u"videoCrf"_s, u"eighteen"_s}, {u"sourceOverlay"_s, false}, {u"scaleOverlay"_s, 0}});
+        stored.editDescriptor(R"("videoCrf": 0)", R"("videoCrf": "eighteen",
+                              "sourceOverlay": false, "scaleOverlay": 0)");
         const auto session = RoiSession::load(stored.path());
         QCOMPARE(session->directory, stored.path());
         QCOMPARE(session->videoFps, 5);
@@ -100,7 +100,7 @@ private slots:
         QFile::link(outside.path(), stored.filePath(u"link out"_s));
         QFile::link(u"/nonexistent"_s, stored.filePath(u"link to nowhere"_s));
         const QString name = QLatin1String(QTest::currentDataTag());
-        stored.renameFirstFolder(name);
+        stored.editDescriptor("AIA_171", name.toUtf8());
         const auto session = RoiSession::load(stored.path());
         QString errorText;
         QCOMPARE(RoiSession::mayWriteTo(session->sources.first(), session->directory, &errorText),

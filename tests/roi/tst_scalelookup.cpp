@@ -50,24 +50,21 @@ private slots:
         QCOMPARE(ScaleLookup::lineText(1024, metadata(1e300, 1e-300)), u"Scale: unavailable."_s);
     }
 
-    void theSessionIsAskedFirst()
+    void firstTheSessionThenOnceTheService()
     {
         const RoiSource source =
             sourceWith({{{}, noon(), metadata(0, 4096)}, {{}, noon(), metadata(1500, 4096)}});
         QCOMPARE(ScaleLookup().ensure(source, noon()), metadata(1500, 4096));
         QVERIFY(FakeProgram::runs(m_curl).isEmpty());
-    }
 
-    void thenTheServiceOnce()
-    {
         FakeProgram::Reply reply;
         reply.standardOutput = R"({"id":"7","date":"2024-05-01 12:00:07","rsun":1,"width":"4"})";
         FakeProgram::setScript(m_curl, {reply});
         ScaleLookup lookup;
         QSignalSpy status(&lookup, &ScaleLookup::statusChanged);
-        const RoiSource source = sourceWith({{{}, {}, {}}, {{}, noon().addSecs(7), {}}});
+        const RoiSource bare = sourceWith({{{}, {}, {}}, {{}, noon().addSecs(7), {}}});
         for (int round = 0; round < 2; ++round)
-            QVERIFY(ScaleLookup::isUsable(lookup.ensure(source, noon())));
+            QVERIFY(ScaleLookup::isUsable(lookup.ensure(bare, noon())));
         QVERIFY(ScaleLookup::isUsable(ScaleLookup().ensure(sourceWith({}), noon())));
         QCOMPARE(status.size(), 1);
         QCOMPARE(status.first().first().toString(), u"Looking up scale metadata for AIA 171..."_s);
