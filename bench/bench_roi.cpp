@@ -6,6 +6,7 @@
 // alpha through Qt's own PNG writer. The film stays in the session, its name is "bench".
 
 #include "app/runtimeconfig.h"
+#include "bench/measures.h"
 #include "imaging/frameannotation.h"
 #include "imaging/metricscale.h"
 #include "imaging/pngwriter.h"
@@ -19,11 +20,9 @@
 #include <QImage>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QMap>
 #include <QTemporaryDir>
 
 #include <cstdio>
-#include <numeric>
 #include <optional>
 
 #include <sys/resource.h>
@@ -72,43 +71,6 @@ std::optional<Arguments> Arguments::parse(const QStringList &words)
                    after("--rotation").toInt()}}};
     return arguments;
 }
-
-double cpuMs(int who)
-{
-    rusage usage{};
-    getrusage(who, &usage);
-    const auto ms = [](const timeval &time) {
-        return double(time.tv_sec) * 1e3 + double(time.tv_usec) / 1e3;
-    };
-    return ms(usage.ru_utime) + ms(usage.ru_stime);
-}
-
-/// Adds up the time of each step under its name.
-class StepTimes
-{
-public:
-    template<typename Step>
-    auto time(const char *name, Step step)
-    {
-        QElapsedTimer clock;
-        clock.start();
-        auto result = step();
-        m_ms[QLatin1String(name)] += double(clock.nsecsElapsed()) / 1e6;
-        return result;
-    }
-
-    QJsonObject perFrame(int frames) const
-    {
-        QJsonObject json;
-        for (auto step = m_ms.begin(); step != m_ms.end(); ++step)
-            json.insert(step.key(), step.value() / frames);
-        return json;
-    }
-    double sumMs() const { return std::accumulate(m_ms.begin(), m_ms.end(), 0.0); }
-
-private:
-    QMap<QString, double> m_ms;
-};
 
 /// The steps of a film in a plain loop.
 class PlainLoop
@@ -177,14 +139,14 @@ int main(int argc, char **argv)
 
     const int frames = arguments->plan.totalFrames();
     RoiVideoGenerator generator;
-    const double selfBefore = cpuMs(RUSAGE_SELF);
-    const double encoderBefore = cpuMs(RUSAGE_CHILDREN);
+    const double selfBefore = Measures::cpuMs(RUSAGE_SELF);
+    const double encoderBefore = Measures::cpuMs(RUSAGE_CHILDREN);
     QElapsedTimer clock;
     clock.start();
     const bool completed = generator.run(arguments->plan) == RoiVideoGenerator::Outcome::Completed;
     const double wallMs = double(clock.nsecsElapsed()) / 1e6;
-    const double selfMs = cpuMs(RUSAGE_SELF) - selfBefore;
-    const double encoderMs = cpuMs(RUSAGE_CHILDREN) - encoderBefore;
+    const double selfMs = Measures::cpuMs(RUSAGE_SELF) - selfBefore;
+    const double encoderMs = Measures::cpuMs(RUSAGE_CHILDREN) - encoderBefore;
 
     PlainLoop parts(*arguments);
     if (!completed || !parts.run()) {

@@ -8,6 +8,7 @@
 #include "app/applicationlook.h"
 #include "app/runtimeconfig.h"
 #include "base/jsonfile.h"
+#include "bench/measures.h"
 #include "ui/catalogtree.h"
 #include "ui/logview.h"
 #include "ui/mainwindow.h"
@@ -16,7 +17,6 @@
 
 #include <QApplication>
 #include <QDockWidget>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -37,7 +37,6 @@
 #include <vector>
 
 #include <sys/resource.h>
-#include <unistd.h>
 
 namespace {
 
@@ -71,14 +70,6 @@ double median(int runs, Measure measure)
         values.push_back(measure());
     std::nth_element(values.begin(), values.begin() + runs / 2, values.end());
     return values[size_t(runs) / 2];
-}
-
-double residentKb()
-{
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0.0;
-    return file.readAll().split(' ').value(1).toDouble() * double(sysconf(_SC_PAGESIZE)) / 1024;
 }
 
 // --- start
@@ -122,23 +113,13 @@ int showUntilPainted(bool real)
     return QApplication::exec();
 }
 
-double childCpuMs()
-{
-    rusage usage{};
-    getrusage(RUSAGE_CHILDREN, &usage);
-    const auto ms = [](const timeval &time) {
-        return double(time.tv_sec) * 1e3 + double(time.tv_usec) / 1e3;
-    };
-    return ms(usage.ru_utime) + ms(usage.ru_stime);
-}
-
 double startCpuMs(const char *which)
 {
     return median(15, [which] {
-        const double before = childCpuMs();
+        const double before = Measures::cpuMs(RUSAGE_CHILDREN);
         QProcess::execute(QCoreApplication::applicationFilePath(),
                           {QStringLiteral("--start"), QLatin1String(which)});
-        return childCpuMs() - before;
+        return Measures::cpuMs(RUSAGE_CHILDREN) - before;
     });
 }
 
@@ -220,7 +201,7 @@ void measureLog(bool visible)
     if (visible)
         edit.show();
     int lines = 0;
-    const double kbBefore = residentKb();
+    const double kbBefore = Measures::residentKb();
     for (const int mark : {1'000, 10'000, 100'000}) {
         appendLines(log, mark - 500 - lines);
         QApplication::processEvents();
@@ -234,7 +215,7 @@ void measureLog(bool visible)
         lines = mark;
         report(visible ? "log line, visible" : "log line, hidden", mark, ms / 500, "ms CPU");
     }
-    report("log memory per line", lines, (residentKb() - kbBefore) / lines, "kB");
+    report("log memory per line", lines, (Measures::residentKb() - kbBefore) / lines, "kB");
     if (!visible)
         report("log: first show", lines, milliseconds([&edit] {
                    edit.show();

@@ -6,6 +6,7 @@ Usage: tables.py BUILD_FOLDER [--quick]
 All programs of a table run one after the other in several rounds, so that a busy moment of the
 machine falls on all of them; each figure is the median of its rounds.
 """
+import contextlib
 import json
 import os
 import shutil
@@ -14,6 +15,7 @@ import statistics
 import subprocess
 import sys
 import tempfile
+import time
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 BUILD = os.path.abspath(sys.argv[1])
@@ -21,13 +23,16 @@ QUICK = "--quick" in sys.argv[2:]
 UNAVOIDABLE = ["lookup", "download", "decode", "detect", "paint", "write"]
 
 
+def output_of(*command):
+    return subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True).stdout
+
+
 def run(*command):
-    done = subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True)
-    return json.loads(done.stdout)
+    return json.loads(output_of(*command))
 
 
 class Service:
-    """The sample archive; its answers are rendered once and then come out of its cache."""
+    """The sample archive; its pictures are rendered once and then come out of its cache."""
 
     def __enter__(self):
         program = os.path.join(BUILD, "simulator", "orvik-simulator")
@@ -41,33 +46,44 @@ class Service:
         self.process.wait()
 
 
+@contextlib.contextmanager
+def folder():
+    path = tempfile.mkdtemp(prefix="orvik-bench-")
+    try:
+        yield path
+    finally:
+        shutil.rmtree(path)
+
+
+def program(name):
+    return os.path.join(BUILD, "bench", name, f"bench_{name}")
+
+
 class Programs:
+    """The programs that make frames, each in a folder that is gone afterwards."""
+
     def __init__(self, base):
         self.base = base
 
-    def _run(self, command, frames, width, *switches):
-        out = tempfile.mkdtemp(prefix="orvik-bench-")
-        try:
-            return run(command, "--base", self.base, "--out", out, "--frames", str(frames),
-                       "--width", str(width), *switches)
-        finally:
-            shutil.rmtree(out)
-
     def engine(self, frames, width, *switches):
-        return self._run(os.path.join(BUILD, "bench", "accept", "bench_accept"), frames, width,
-                         *switches)
+        with folder() as out:
+            return self.engine_into(out, frames, width, *switches)
+
+    def engine_into(self, out, frames, width, *switches):
+        return self._run("accept", out, frames, width, *switches)
 
     def parts(self, frames, width, *switches):
-        return self._run(os.path.join(BUILD, "bench", "parts", "bench_parts"), frames, width,
-                         *switches)
+        with folder() as out:
+            return self._run("parts", out, frames, width, *switches)
 
     def script(self, frames, width):
-        out = tempfile.mkdtemp(prefix="orvik-bench-")
-        try:
+        with folder() as out:
             return run(sys.executable, os.path.join(HERE, "user_script.py"), self.base, out,
                        str(frames), str(width))
-        finally:
-            shutil.rmtree(out)
+
+    def _run(self, name, out, frames, width, *switches):
+        return run(program(name), "--base", self.base, "--out", out, "--frames", str(frames),
+                   "--width", str(width), *switches)
 
 
 def median(results, *keys):
@@ -144,13 +160,62 @@ def frame_tables(programs, width, frames, rounds):
     ])
 
 
+def film_with_filters(session, frames, rectangle):
+    """The same film by ffmpeg alone, held to one thread; ms per frame."""
+    x, y, width, height = rectangle
+    source = next(entry.path for entry in os.scandir(session) if entry.is_dir())
+    filters = (f"crop={width}:{height}:{x}:{y},transpose=2,"
+               "drawtext=text='2024-05-01 00\\:00\\:00 UTC':x=8:y=h-20:fontcolor=white:box=1")
+    with folder() as out:
+        started = time.monotonic()
+        output_of("ffmpeg", "-v", "error", "-threads", "1", "-framerate", "25",
+                  "-i", os.path.join(source, "frame_%06d.png"), "-filter_threads", "1",
+                  "-vf", filters, "-c:v", "libx264", "-threads", "1", "-crf", "18",
+                  "-pix_fmt", "yuv420p", os.path.join(out, "film.mp4"))
+        return 1000 * (time.monotonic() - started) / frames
+
+
+def region_tables(programs, frames, rounds):
+    rectangle = (384, 384, 256, 256)
+    options = ["--rect", ",".join(map(str, rectangle)), "--rotation", "90"]
+    with folder() as out:
+        programs.engine_into(out, frames, 1024, "--no-window")
+        session = next(entry.path for entry in os.scandir(out) if entry.is_dir())
+        results = {"ours": [], "qt": [], "filters": []}
+        for _ in range(rounds):
+            results["ours"].append(run(program("roi"), "--session", session, *options))
+            results["qt"].append(run(program("roi"), "--session", session, *options,
+                                     "--qt-writer"))
+            results["filters"].append(film_with_filters(session, frames, rectangle))
+    wall = median(results["ours"], "wall_ms")
+    qt_loop = median(results["qt"], "stages_sum_ms")
+    filters = statistics.median(results["filters"])
+    table("A frame of a region film, 256 px out of 1024, turned, ms: its parts", ["part", "ms"],
+          [[stage, median(results["ours"], "stages_ms", stage)]
+           for stage in ("decode", "cut", "annotate", "write", "encode")]
+          + [["sum", median(results["ours"], "stages_sum_ms")], ["the tool, wall", wall],
+             ["ffmpeg's own filters, one thread", filters]])
+    ratio = median(results["ours"], "wall_to_sum")
+    table("A frame of a region film: what that means", ["comparison", "factor", "bound", ""], [
+        ["the tool / sum of its parts", ratio, "<= 1.10", verdict(ratio <= 1.10)],
+        ["loop with Qt's PNG writer / the tool", qt_loop / wall, ">= 1.8",
+         verdict(qt_loop >= 1.8 * wall)],
+        ["the tool / ffmpeg's own filters", wall / filters, "goal 1.0", ""],
+    ])
+
+
+def window_table():
+    lines = output_of(program("window")).splitlines()
+    figures = [json.loads(line) for line in lines if line.startswith("{")]
+    table("The main window", ["what", "size", "value", "unit"],
+          [[figure["what"], str(figure["size"] or ""), figure["value"], figure["unit"]]
+           for figure in figures])
+
+
 def growth_tables(programs, frames):
     rows = []
     for room in ("plan", "output", "imaging"):
-        program = os.path.join(BUILD, "bench", f"micro_{room}")
-        if not os.path.exists(program):
-            continue
-        result = run(program, "--benchmark_format=json")
+        result = run(os.path.join(BUILD, "bench", f"micro_{room}"), "--benchmark_format=json")
         known = {"name", "run_name", "run_type", "repetitions", "repetition_index", "threads",
                  "iterations", "real_time", "cpu_time", "time_unit", "family_index",
                  "per_family_instance_index"}
@@ -166,8 +231,13 @@ def growth_tables(programs, frames):
           [[str(frames), growth, "< 1024", verdict(growth < 1024)]])
 
 
+os.environ.setdefault("QT_QPA_PLATFORM", "offscreen")
 with Service() as service:
     programs = Programs(service.base)
     frame_tables(programs, 1024, 8 if QUICK else 24, 1 if QUICK else 5)
     frame_tables(programs, 2048, 4 if QUICK else 12, 1 if QUICK else 3)
+    if not QUICK:
+        frame_tables(programs, 4096, 4, 2)
+    region_tables(programs, 20 if QUICK else 100, 1 if QUICK else 3)
     growth_tables(programs, 500 if QUICK else 5000)
+window_table()

@@ -10,6 +10,7 @@ PROJECT_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd -P)"
 JOBS="$(nproc)"
 STEP="getting ready"   # what the script is at, for the sentence after a failure
 CONCLUSION="done"      # the sentence after a success
+CLEANUP=:              # what is to be done on the way out
 
 cd "$PROJECT_ROOT"
 
@@ -23,16 +24,17 @@ fi
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qtbase5-dev libdeflate-dev libcpp-httplib-dev
     libssl-dev libpng-dev curl ffmpeg ca-certificates fonts-dejavu-core)
 
-# report_end CODE: says on the way out what became of the script.
+# Tidies up on the way out and says what became of the script.
 report_end() {
-    local code=$1
+    local code=$?
+    eval "$CLEANUP"
     if ((code == 0)); then
         printf '%s: %s\n' "$SCRIPT_NAME" "$CONCLUSION"
     else
         printf '%s: failed while %s (exit code %d)\n' "$SCRIPT_NAME" "$STEP" "$code" >&2
     fi
 }
-trap 'report_end $?' EXIT
+trap report_end EXIT
 
 # step WORDS...: announces what comes next.
 step() {

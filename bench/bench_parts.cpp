@@ -7,6 +7,7 @@
 #include "acquisition/framedecoder.h"
 #include "app/runtimeconfig.h"
 #include "bench/benchrun.h"
+#include "bench/measures.h"
 #include "client/curlcommand.h"
 #include "client/helioviewerrequests.h"
 #include "client/helioviewerresponses.h"
@@ -21,39 +22,12 @@
 #include <QImage>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QMap>
 #include <QPixmap>
 #include <QProcess>
 
 #include <cstdio>
 
 namespace {
-
-/// Adds up the time of each step under its name.
-class StepTimes
-{
-public:
-    template<typename Step>
-    auto time(const QString &name, Step step)
-    {
-        QElapsedTimer clock;
-        clock.start();
-        auto result = step();
-        m_ns[name] += clock.nsecsElapsed();
-        return result;
-    }
-
-    QJsonObject toJson(int frames) const
-    {
-        QJsonObject json;
-        for (auto it = m_ns.begin(); it != m_ns.end(); ++it)
-            json[it.key()] = double(it.value()) / 1e6 / frames;
-        return json;
-    }
-
-private:
-    QMap<QString, qint64> m_ns;
-};
 
 QByteArray curl(const QStringList &arguments)
 {
@@ -80,29 +54,26 @@ public:
         const auto found = HelioviewerResponses::closestImage(answer);
         if (!found || !download(found->imageId, original))
             return false;
-        QImage image =
-            m_times.time(QStringLiteral("decode"), [&] { return FrameDecoder::decode(original); });
-        m_times.time(QStringLiteral("detect"),
-                     [&] { return detectBlankRendererBlock(image, answer); });
-        m_times.time(QStringLiteral("paint"), [&] {
+        QImage image = m_times.time("decode", [&] { return FrameDecoder::decode(original); });
+        m_times.time("detect", [&] { return detectBlankRendererBlock(image, answer); });
+        m_times.time("paint", [&] {
             drawFrameAnnotations(image, found->actualUtc, QStringLiteral("AIA 171"), true, true,
                                  true, MetricScale::kmPerPixel(answer, image.width()));
             return true;
         });
         const QString copy = name.arg(QStringLiteral("copy_%1").arg(number));
-        return m_times.time(QStringLiteral("write"), [&] { return write(image, copy); }) &&
-               m_times.time(QStringLiteral("preview"), [&] { return preview(copy); });
+        return m_times.time("write", [&] { return write(image, copy); }) &&
+               m_times.time("preview", [&] { return preview(copy); });
     }
 
-    QJsonObject timesMs() const { return m_times.toJson(m_run.frames); }
+    QJsonObject timesMs() const { return m_times.perFrame(m_run.frames); }
 
 private:
     QJsonObject lookUp(const QDateTime &requestedUtc)
     {
         const QString url =
             HelioviewerRequests::closestImageUrl(RuntimeConfig::apiBase(), 10, requestedUtc);
-        const QByteArray answer =
-            m_times.time(QStringLiteral("lookup"), [&] { return curl({url}); });
+        const QByteArray answer = m_times.time("lookup", [&] { return curl({url}); });
         return QJsonDocument::fromJson(answer).object();
     }
 
@@ -110,7 +81,7 @@ private:
     {
         const QString url =
             HelioviewerRequests::renderedImageUrl(RuntimeConfig::apiBase(), imageId, m_run.widthPx);
-        return m_times.time(QStringLiteral("download"), [&] {
+        return m_times.time("download", [&] {
             curl({QStringLiteral("-o"), file, url});
             return QFile::exists(file);
         });

@@ -6,6 +6,7 @@
 
 #include "acquisition/acquisitioncontroller.h"
 #include "bench/benchrun.h"
+#include "bench/measures.h"
 #include "bench/stagewatch.h"
 #include "ui/logview.h"
 #include "ui/previewpane.h"
@@ -14,7 +15,6 @@
 #include <QDockWidget>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
@@ -24,27 +24,8 @@
 #include <cstdio>
 
 #include <sys/resource.h>
-#include <unistd.h>
 
 namespace {
-
-double selfCpuMs()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto ms = [](const timeval &time) {
-        return double(time.tv_sec) * 1e3 + double(time.tv_usec) / 1e3;
-    };
-    return ms(usage.ru_utime) + ms(usage.ru_stime);
-}
-
-double residentKb()
-{
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0.0;
-    return file.readAll().split(' ').value(1).toDouble() * double(sysconf(_SC_PAGESIZE)) / 1024;
-}
 
 /// The two places of the main window that every frame touches.
 class Window
@@ -95,13 +76,13 @@ public:
     void onFrame()
     {
         if (++m_frames == m_settled)
-            m_settledKb = residentKb();
+            m_settledKb = Measures::residentKb();
     }
 
     double growthKbPer1000() const
     {
         const int frames = m_frames - m_settled;
-        return frames > 0 ? (residentKb() - m_settledKb) * 1000 / frames : 0.0;
+        return frames > 0 ? (Measures::residentKb() - m_settledKb) * 1000 / frames : 0.0;
     }
 
 private:
@@ -124,7 +105,7 @@ int measure(const BenchRun &run)
     QObject::connect(&controller, &AcquisitionController::finished, &loop, &QEventLoop::quit);
 
     QString errorText;
-    const double cpuBefore = selfCpuMs();
+    const double cpuBefore = Measures::cpuMs(RUSAGE_SELF);
     QElapsedTimer clock;
     clock.start();
     if (!controller.start(run.settings(), &errorText)) {
@@ -137,7 +118,7 @@ int measure(const BenchRun &run)
         {QStringLiteral("frames"), memory.frames()},
         {QStringLiteral("width"), run.widthPx},
         {QStringLiteral("wall_ms"), wallMs / run.frames},
-        {QStringLiteral("self_cpu_ms"), (selfCpuMs() - cpuBefore) / run.frames},
+        {QStringLiteral("self_cpu_ms"), (Measures::cpuMs(RUSAGE_SELF) - cpuBefore) / run.frames},
         {QStringLiteral("largest_stall_ms"), watch.largestStallMs()},
         {QStringLiteral("stages_ms"), watch.stagesMs(run.frames)},
         {QStringLiteral("growth_kb_per_1000_frames"), memory.growthKbPer1000()},

@@ -1,0 +1,40 @@
+#include "bench/measures.h"
+
+#include <QFile>
+
+#include <numeric>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+double Measures::cpuMs(int who)
+{
+    rusage usage{};
+    getrusage(who, &usage);
+    const auto ms = [](const timeval &time) {
+        return double(time.tv_sec) * 1e3 + double(time.tv_usec) / 1e3;
+    };
+    return ms(usage.ru_utime) + ms(usage.ru_stime);
+}
+
+double Measures::residentKb()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0.0;
+    const double pages = file.readAll().split(' ').value(1).toDouble();
+    return pages * double(sysconf(_SC_PAGESIZE)) / 1024;
+}
+
+QJsonObject StepTimes::perFrame(int frames) const
+{
+    QJsonObject json;
+    for (auto step = m_ms.begin(); step != m_ms.end(); ++step)
+        json.insert(step.key(), step.value() / frames);
+    return json;
+}
+
+double StepTimes::sumMs() const
+{
+    return std::accumulate(m_ms.begin(), m_ms.end(), 0.0);
+}
