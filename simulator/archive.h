@@ -11,6 +11,8 @@
 #include <optional>
 #include <vector>
 
+class QDateTime;
+
 namespace Simulator {
 
 class Cadence;
@@ -93,8 +95,10 @@ public:
     explicit Archive(QVector<ArchiveSource> sources);
     ~Archive();
 
-    /// About forty datasources, as the public archive has them.
+    /// About forty datasources, as the public archive had them on 2026-09-06 at 17:28 UTC.
     static std::shared_ptr<const Archive> sample();
+    /// The same, with what was still growing then grown on to @p presentUtc, as far behind as then.
+    static std::shared_ptr<const Archive> sampleAt(const QDateTime &presentUtc);
 
     const QVector<ArchiveSource> &sources() const { return m_sources; }
 

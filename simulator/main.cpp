@@ -3,6 +3,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QTextStream>
 
 #include <csignal>
@@ -64,7 +65,7 @@ int main(int argc, char *argv[])
         !readNumber(parser, QStringLiteral("cache-mb"), 1 << 20, &cacheMb))
         return 2;
 
-    Simulator::Server server(Simulator::Archive::sample(),
+    Simulator::Server server(Simulator::Archive::sampleAt(QDateTime::currentDateTimeUtc()),
                              parser.isSet(QStringLiteral("https"))
                                  ? Simulator::Transport::HttpsSelfSigned
                                  : Simulator::Transport::Http);

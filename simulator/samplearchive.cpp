@@ -3,6 +3,8 @@
 #include "simulator/cadence.h"
 #include "simulator/servicetime.h"
 
+#include <QDateTime>
+
 namespace Simulator {
 
 namespace {
@@ -36,6 +38,8 @@ constexpr Orbit inner = Orbit::SunEarthL1;
 constexpr Orbit solo = Orbit::SolarOrbiter;
 
 constexpr const char *today = "2026-09-06 17:03:09";
+constexpr qint64 sampledAt = 1788715680; // 2026-09-06 17:28:00, when the archive was looked at
+constexpr qint64 newestLag = 86400;      // what was within a day of that was still growing
 
 // clang-format off
 constexpr SampleSource sampleSources[] = {
@@ -164,6 +168,14 @@ void addHabits(ArchiveSource &source)
     }
 }
 
+/// Moves the end of a datasource that is still growing by as much as time has gone on.
+void growTo(qint64 presentTime, ArchiveSource &source)
+{
+    const std::optional<qint64> end = parseArchiveTime(source.end);
+    if (end && *end > sampledAt - newestLag && presentTime > sampledAt)
+        source.end = archiveTimeText(*end + presentTime - sampledAt);
+}
+
 /// The catalog's end is the time of the last picture.
 void endAtLastPicture(ArchiveSource &source)
 {
@@ -176,11 +188,17 @@ void endAtLastPicture(ArchiveSource &source)
 
 std::shared_ptr<const Archive> Archive::sample()
 {
+    return sampleAt(QDateTime::fromSecsSinceEpoch(sampledAt, Qt::UTC));
+}
+
+std::shared_ptr<const Archive> Archive::sampleAt(const QDateTime &presentUtc)
+{
     QVector<ArchiveSource> sources;
     for (const SampleSource &sample : sampleSources) {
         ArchiveSource source = toSource(sample);
         nameLevels(source);
         addHabits(source);
+        growTo(presentUtc.toSecsSinceEpoch(), source);
         endAtLastPicture(source);
         sources.append(source);
     }

@@ -52,6 +52,7 @@ private slots:
     void sampleHasPicturesWhenExpected_data();
     void sampleHasPicturesWhenExpected();
     void idsLeadBackToTheirPictures();
+    void archiveGoesOnGrowing();
     void radiusFollowsTheDistance();
 };
 
@@ -215,6 +216,18 @@ void TestSimulatorArchive::idsLeadBackToTheirPictures()
         }
     QVERIFY2(ascending > images / 4 && ascending < images * 3 / 4, "ids follow the time");
     QVERIFY(!archive->imageOf(0) && !archive->imageOf(-5) && !archive->imageOf(Q_INT64_C(1) << 60));
+}
+
+void TestSimulatorArchive::archiveGoesOnGrowing()
+{
+    const QDateTime later(QDate(2027, 2, 3), QTime(4, 5), Qt::UTC);
+    const auto lag = [&later](const Archive &archive, int sourceId) {
+        const qint64 now = later.toSecsSinceEpoch();
+        return now - archive.nearest(sourceId, now)->unixTime;
+    };
+    const auto archive = Archive::sampleAt(later);
+    QVERIFY(lag(*archive, 10) > 24 * 60 && lag(*archive, 10) < 26 * 60);
+    QCOMPARE(lag(*archive, 6), lag(*Archive::sample(), 6)); // MDI has ended
 }
 
 void TestSimulatorArchive::radiusFollowsTheDistance()
