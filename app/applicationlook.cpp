@@ -47,6 +47,7 @@ QPalette darkPalette(QPalette palette)
 
 void applyApplicationLook(QApplication &application)
 {
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps); // icons as sharp as the text
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(darkPalette(QApplication::palette()));
     application.setStyleSheet(

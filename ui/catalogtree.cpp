@@ -9,6 +9,8 @@
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
 
+#include <algorithm>
+
 namespace {
 
 enum Role {
@@ -165,6 +167,14 @@ void CatalogTree::fill(QTreeWidget *tree, const QJsonObject &catalog, Selection 
     tree->sortItems(column, Qt::AscendingOrder);
     tree->expandToDepth(1);
     restore(tree, *selection);
+}
+
+bool CatalogTree::holdsSource(const QJsonObject &catalog)
+{
+    return std::any_of(catalog.begin(), catalog.end(), [](const QJsonValue &value) {
+        const QJsonObject node = value.toObject();
+        return node.contains(QLatin1String("sourceId")) || holdsSource(node);
+    });
 }
 
 bool CatalogTree::isLeaf(const QTreeWidgetItem *item)

@@ -3,6 +3,7 @@
 #include "ui/loglineclass.h"
 
 #include <QDockWidget>
+#include <QLocale>
 #include <QTextCursor>
 #include <QTextEdit>
 #include <QTime>
@@ -77,9 +78,9 @@ void LogView::append(const QString &text)
 
     QTextCursor cursor(m_log->document());
     cursor.movePosition(QTextCursor::End);
-    cursor.insertText(
-        QStringLiteral("[%1] ").arg(QTime::currentTime().toString(QStringLiteral("HH:mm:ss"))),
-        format(QColor(135, 140, 150), QFont::Normal));
+    cursor.insertText(QStringLiteral("[%1] ").arg(
+                          QLocale::c().toString(QTime::currentTime(), QStringLiteral("HH:mm:ss"))),
+                      format(QColor(135, 140, 150), QFont::Normal));
     if (hasEndlessWord(text))
         m_log->setWordWrapMode(QTextOption::WrapAnywhere);
     cursor.insertText(text, format(lineClass, m_log->palette()));

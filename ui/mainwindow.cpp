@@ -167,7 +167,9 @@ void MainWindow::connectEngine()
 {
     connect(m_catalogClient, &HelioviewerClient::catalogReceived, this,
             &MainWindow::onCatalogReceived);
-    connect(m_catalogClient, &HelioviewerClient::requestError, this, &MainWindow::onCatalogError);
+    // Queued: a request that fails at once must not put its box before the window is shown.
+    connect(m_catalogClient, &HelioviewerClient::requestError, this, &MainWindow::onCatalogError,
+            Qt::QueuedConnection);
     connect(m_catalogClient, &HelioviewerClient::logMessage, m_log, &LogView::append);
     connect(m_controller, &AcquisitionController::logMessage, m_log, &LogView::append);
     connect(m_controller, &AcquisitionController::progressChanged, this,
@@ -214,13 +216,25 @@ void MainWindow::refreshSources()
     if (m_catalogClient->isBusy() || m_controller->isRunning())
         return;
     m_log->append(QStringLiteral("Refreshing Helioviewer datasource catalog..."));
-    m_form->refreshButton->setEnabled(false);
     m_catalogClient->getDataSources();
+    updateRefreshButton();
+}
+
+void MainWindow::updateRefreshButton()
+{
+    m_form->refreshButton->setEnabled(!m_catalogClient->isBusy() && !m_controller->isRunning());
 }
 
 void MainWindow::onCatalogReceived(const QJsonObject &catalog)
 {
-    m_form->refreshButton->setEnabled(true);
+    if (m_form->sourcesTree->topLevelItemCount() > 0 && !CatalogTree::holdsSource(catalog)) {
+        // The service has been seen to send its error object as a good answer.
+        onCatalogError(QStringLiteral("getDataSources"),
+                       tr("The answer holds no datasource. The catalog stays as it was; try again "
+                          "later."));
+        return;
+    }
+    updateRefreshButton();
     fillTree(catalog);
     m_log->append(CatalogCache::save(catalog)
                       ? QStringLiteral("Helioviewer datasource catalog updated.")
@@ -229,7 +243,7 @@ void MainWindow::onCatalogReceived(const QJsonObject &catalog)
 
 void MainWindow::onCatalogError(const QString &operation, const QString &message)
 {
-    m_form->refreshButton->setEnabled(true);
+    updateRefreshButton();
     m_log->append(QStringLiteral("ERROR %1: %2").arg(operation, message));
     DesktopActions::warn(this, tr("Helioviewer"), tr("%1 failed:\n%2").arg(operation, message));
 }
@@ -343,7 +357,6 @@ void MainWindow::stopAcquisition()
 void MainWindow::setRunning(bool running)
 {
     const std::initializer_list<QWidget *> choices = {m_form->sourcesTree,
-                                                      m_form->refreshButton,
                                                       m_form->aiaButton,
                                                       m_form->clearButton,
                                                       m_form->startEdit,
@@ -360,6 +373,7 @@ void MainWindow::setRunning(bool running)
                                                       m_form->createVideosCheck};
     for (QWidget *choice : choices)
         choice->setEnabled(!running);
+    updateRefreshButton();
     m_form->actionCreateRoiVideo->setEnabled(!running);
     m_form->actionStartAcquisition->setEnabled(!running);
     m_form->actionStopAcquisition->setEnabled(running);

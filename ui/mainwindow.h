@@ -73,6 +73,7 @@ private:
     RequestedSampling requestedSampling() const;
     void showRunBeginning();
     void setRunning(bool running);
+    void updateRefreshButton();
     void onProgressChanged(int value, int maximum);
     void onFinished(bool canceled, const QString &sessionDirectory);
     void onSamplingChanged();

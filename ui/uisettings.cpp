@@ -102,6 +102,9 @@ QVariant valueOf(const Field &field)
 
 void saveSelection(Store &store, QTreeWidget *tree)
 {
+    if (tree->topLevelItemCount() == 0)
+        return; // without a catalog nobody has chosen anything: what is stored stays
+
     QStringList ids;
     const QVector<DataSource> sources = CatalogTree::tickedSources(tree);
     for (const DataSource &source : sources)
