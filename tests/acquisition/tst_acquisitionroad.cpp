@@ -69,7 +69,6 @@ private slots:
     void framesGoOnlyWhenEveryFilmIsWhole();
     void encoderThatIsGoneIsToldOncePerFilm();
     void gapInTheVideoFramesSkipsTheFilm();
-    void requestsThatFailAtOnceDoNotPileUp();
 };
 
 void TestAcquisitionRoad::wholeSession()
@@ -408,30 +407,6 @@ void TestAcquisitionRoad::gapInTheVideoFramesSkipsTheFilm()
              QStringLiteral(" GOES-R_SUVI_195_20240501_000000/video_frames/frame_000000.png"));
     const QString original = road.sessionFile(aiaFolder + QStringLiteral("/frame_000000.png"));
     QCOMPARE(road.count(qPrintable(QStringLiteral("[preview] AIA 171 ") + original)), 1);
-}
-
-void TestAcquisitionRoad::requestsThatFailAtOnceDoNotPileUp()
-{
-    constexpr int requests = 5000;
-    AcquisitionRoad road;
-    const QString curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
-    TestFolder::setKey(QStringLiteral("paths/curl"), curl);
-    road.onEvent = [&curl](const QString &event) {
-        if (event == QLatin1String("[state] Downloading frames"))
-            QFile::remove(curl);
-    };
-    int heartbeats = 0;
-    QTimer heart;
-    QObject::connect(&heart, &QTimer::timeout, &heart, [&heartbeats] { ++heartbeats; });
-    heart.start(0);
-    AcquisitionSettings settings =
-        AcquisitionRoad::settings(requests - 1, {AcquisitionRoad::aia()});
-    settings.cadenceSeconds = 1;
-    settings.createVideos = false;
-    QVERIFY(road.run(settings));
-    QVERIFY2(heartbeats > requests / 2, qPrintable(QString::number(heartbeats)));
-    QCOMPARE(road.column("Status").count(QStringLiteral("LOOKUP_ERROR")), requests);
-    QCOMPARE(road.count("ERROR AIA 171 [getClosestImage]: curl.exe not found: "), requests);
 }
 
 QTEST_MAIN(TestAcquisitionRoad)

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QStringList>
+
+/// What a session left on disk, judged as by somebody who does not know how it went.
+struct SessionCheck
+{
+    static SessionCheck of(const QString &sessionDirectory);
+
+    QStringList faults; ///< half a row, a row whose picture is missing or half, counts that differ
+    QStringList statuses; ///< of the rows, in file order
+    QStringList strays;   ///< files that no row names, besides films and the two of the session
+    int pictures = 0;     ///< named in rows, and whole
+    bool hasDescriptor = false;
+};
