@@ -65,9 +65,8 @@ double milliseconds(Work work)
 template<typename Measure>
 double median(int runs, Measure measure)
 {
-    std::vector<double> values;
-    for (int i = 0; i < runs; ++i)
-        values.push_back(measure());
+    std::vector<double> values(static_cast<size_t>(runs));
+    std::generate(values.begin(), values.end(), measure);
     std::nth_element(values.begin(), values.begin() + runs / 2, values.end());
     return values[size_t(runs) / 2];
 }
