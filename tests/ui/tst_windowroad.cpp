@@ -1,3 +1,4 @@
+#include "acquisition/acquisitioncontroller.h"
 #include "simulator/archive.h"
 #include "simulator/server.h"
 #include "tests/support/testfolder.h"
@@ -28,11 +29,12 @@ private slots:
     void init();
     void tickStartWatchStopRestart();
     void filmIsMadeAndTheWindowIdleAgain();
+    void closingEndsTheRun_data();
     void closingEndsTheRun();
     void everythingIsRefusedOrSafeWhileRunning();
 
 private:
-    static void prepareRun(MainWindow &window, int minutes);
+    static void prepareRun(MainWindow &window, const QString &source, int minutes);
     static QStringList enabledParts(const MainWindow &window);
 
     Simulator::Server m_server{Simulator::Archive::sample()};
@@ -54,7 +56,7 @@ void TestWindowRoad::init()
     m_output = std::make_unique<TestFolder::OutputRoot>();
 }
 
-void TestWindowRoad::prepareRun(MainWindow &window, int minutes)
+void TestWindowRoad::prepareRun(MainWindow &window, const QString &source, int minutes)
 {
     window.show();
     QVERIFY(QTest::qWaitForWindowActive(&window));
@@ -63,7 +65,7 @@ void TestWindowRoad::prepareRun(MainWindow &window, int minutes)
     part<QDateTimeEdit>(window, "startEdit")->setDateTime(start);
     part<QDateTimeEdit>(window, "endEdit")->setDateTime(start.addSecs(qint64(60) * minutes));
     part<QSpinBox>(window, "widthSpin")->setValue(128);
-    WindowFixture::clickLeaf(window, QStringLiteral("AIA 171 "));
+    WindowFixture::clickLeaf(window, source);
 }
 
 /// What of all that a run locks or frees can be used now.
@@ -87,7 +89,7 @@ void TestWindowRoad::tickStartWatchStopRestart()
 {
     {
         MainWindow window;
-        prepareRun(window, 600);
+        prepareRun(window, QStringLiteral("AIA 171 "), 600);
         part<QSpinBox>(window, "crfSpin")->setValue(30);
         const QStringList idleParts = enabledParts(window);
         QCOMPARE(idleParts.size(), 18);
@@ -129,7 +131,7 @@ void TestWindowRoad::tickStartWatchStopRestart()
 void TestWindowRoad::filmIsMadeAndTheWindowIdleAgain()
 {
     MainWindow window;
-    prepareRun(window, 2);
+    prepareRun(window, QStringLiteral("AIA 171 "), 2);
     QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
     QVERIFY(!part<QAction>(window, "actionStartAcquisition")->isEnabled());
     QTRY_COMPARE_WITH_TIMEOUT(part<QLabel>(window, "stateLabel")->text(),
@@ -144,17 +146,31 @@ void TestWindowRoad::filmIsMadeAndTheWindowIdleAgain()
                                          "AIA_171_20240501_120000/AIA_171_20240501_120000.mp4")));
 }
 
+void TestWindowRoad::closingEndsTheRun_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("stage");
+    QTest::newRow("probing") << QStringLiteral("GOES-R SUVI 195 ") << QStringLiteral("Analyzing");
+    QTest::newRow("downloading") << QStringLiteral("AIA 171 ") << QStringLiteral("AIA 171  ");
+    QTest::newRow("encoding") << QStringLiteral("AIA 171 ") << QStringLiteral("Encoding videos");
+}
+
 void TestWindowRoad::closingEndsTheRun()
 {
+    QFETCH(QString, source);
+    QFETCH(QString, stage);
     {
         MainWindow window;
-        prepareRun(window, 600);
+        prepareRun(window, source, 3);
+        connect(window.findChild<AcquisitionController *>(), &AcquisitionController::stateChanged,
+                &window, [&window, stage](const QString &text) {
+                    if (text.startsWith(stage))
+                        QTimer::singleShot(0, &window, &QWidget::close);
+                });
         WindowFixture::clickToolButton(window, "actionStartAcquisition");
-        QTRY_VERIFY(logText(window).contains(QStringLiteral("] OK AIA 171")));
-        QVERIFY(window.close());
-        QVERIFY(!window.isVisible());
+        QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), 20'000);
     }
-    const QDir session(m_output->path() + QStringLiteral("/20240501_120000__20240501_220000"));
+    const QDir session(m_output->path() + QStringLiteral("/20240501_120000__20240501_120300"));
     QVERIFY(session.exists(QStringLiteral("manifest.csv")));
     QVERIFY(!session.exists(QStringLiteral("session.json")));
 }
@@ -162,7 +178,7 @@ void TestWindowRoad::closingEndsTheRun()
 void TestWindowRoad::everythingIsRefusedOrSafeWhileRunning()
 {
     MainWindow window;
-    prepareRun(window, 600);
+    prepareRun(window, QStringLiteral("AIA 171 "), 600);
     WindowFixture::clickToolButton(window, "actionStartAcquisition");
     m_server.clearJournal();
     BoxCloser boxes(QMessageBox::No);
