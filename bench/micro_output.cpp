@@ -1,4 +1,3 @@
-// clazy:excludeall=non-pod-global-static (that is how Google Benchmark registers a function)
 #include "output/manifestreader.h"
 #include "output/manifestrow.h"
 #include "output/manifestwriter.h"
@@ -57,7 +56,7 @@ void appendRow(benchmark::State &state)
     }
     writeRows(writer, int(state.range(0)), Geometry::Steady);
     const ManifestRow row = sampleRow(int(state.range(0)), Geometry::Steady);
-    while (state.KeepRunning())
+    for (auto iteration : state)
         writer.append(row);
 }
 BENCHMARK(appendRow)->Arg(100)->Arg(100000)->Iterations(20000);
@@ -76,7 +75,7 @@ void readBack(benchmark::State &state, Geometry geometry)
         writeRows(writer, rows, geometry);
     }
     const QString path = folder.filePath(QStringLiteral("manifest.csv"));
-    while (state.KeepRunning()) {
+    for (auto iteration : state) {
         const auto before = mallinfo2();
         const auto frames = ManifestReader::read(path);
         const auto after = mallinfo2();

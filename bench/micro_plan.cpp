@@ -1,4 +1,3 @@
-// clazy:excludeall=non-pod-global-static (that is how Google Benchmark registers a function)
 #include "acquisition/acquisitionplan.h"
 #include "acquisition/acquisitionsettings.h"
 #include "acquisition/sessiontally.h"
