@@ -1,3 +1,4 @@
+// clazy:excludeall=non-pod-global-static (that is how Google Benchmark registers a function)
 // What one frame costs: the blank-block search, the annotations, and the file, beside Qt's writer.
 
 #include "imaging/blankblock.h"

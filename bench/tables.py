@@ -140,7 +140,8 @@ def frame_tables(programs, width, frames, rounds):
           ["", "wall", "own CPU", "largest stall"],
           [[name, median(results[key], "wall_ms"), median(results[key], "self_cpu_ms"),
             median(results[key], "largest_stall_ms")]
-           for name, key in (("engine", "engine"), ("engine, log and preview", "window"))])
+           for name, key in (("engine", "engine"), ("engine, log and preview", "window"))]
+          + [["loop with Qt's PNG writer", qt_loop, "", ""], ["Python script", script, "", ""]])
     table(f"A frame of {width} px, ms: where the engine's time goes, log and preview connected",
           ["stage", "ms"],
           [[stage, median(results["window"], "stages_ms", stage)]

@@ -64,7 +64,7 @@ private slots:
         m_dialog = std::make_unique<RoiVideoDialog>(m_stored->path());
         m_dialog->show();
         QTRY_COMPARE(m_boxes.size(), 1);
-        QVERIFY(m_boxes.first().startsWith(u"Invalid session.json: "_s));
+        QVERIFY(m_boxes.value(0).startsWith(u"Invalid session.json: "_s));
     }
 
     void showsTheFrames()

@@ -64,7 +64,7 @@ QImage regionPicture(const RoiSource &source, const RoiSourceFrame &frame, const
 
 void takeRotations(Album &album, const RoiSource &source, const RoiSourceFrame &frame)
 {
-    Roi roi = regions().first();
+    Roi roi = regions().constFirst();
     for (int choice = 0; choice < 4; ++choice) {
         roi.rotation = RoiGeometry::rotationAt(choice);
         album.addPhotograph(QStringLiteral("rotation%1").arg(choice),
@@ -76,7 +76,7 @@ void takeRotations(Album &album, const RoiSource &source, const RoiSourceFrame &
 void takeZoom(Album &album, const RoiSourceFrame &frame)
 {
     const ZoomSource zoom{QImage(frame.file)};
-    const QRect region = RoiGeometry::pixelRect(regions().first().rect, zoom.frameSize());
+    const QRect region = RoiGeometry::pixelRect(regions().constFirst().rect, zoom.frameSize());
     const int stepWidth = region.width() + zoomGapPx;
     QImage strip(zoomSteps * stepWidth - zoomGapPx, region.height(), QImage::Format_RGB32);
     strip.fill(Qt::white);
