@@ -13,9 +13,9 @@ namespace {
 
 bool canMount = false;
 
-const QByteArray crash = "#!/bin/sh\nkill -SEGV $$\n";
-const QByteArray noInterpreter = "#!/no/such/shell\n";
-const QByteArray noX264 = "#!/bin/sh\necho \"Unknown encoder 'libx264'\"\nexit 1\n";
+const char *const crash = "#!/bin/sh\nkill -SEGV $$\n";
+const char *const noInterpreter = "#!/no/such/shell\n";
+const char *const noX264 = "#!/bin/sh\necho \"Unknown encoder 'libx264'\"\nexit 1\n";
 
 /// Puts a script in the place of a program, or nothing when it is empty; no script restores it.
 void replaceProgram(const QString &name, const std::optional<QByteArray> &script)
@@ -225,7 +225,7 @@ void TestMidrunFaults::somethingHappens()
 void TestMidrunFaults::outputRootThatCannotBeUsed()
 {
     if (!canMount)
-        QSKIP("this user may not mount a disk");
+        return QTest::qSkip("this user may not mount a disk", __FILE__, __LINE__);
     AcquisitionRoad road;
     SmallDisk disk;
     const auto refusalOf = [&road](const QString &root) {
@@ -263,7 +263,7 @@ void TestMidrunFaults::diskFullForTheLedger()
     QFETCH(int, relief);
 
     if (!canMount)
-        QSKIP("this user may not mount a disk");
+        return QTest::qSkip("this user may not mount a disk", __FILE__, __LINE__);
     Scene scene;
     TestFolder::setKey(QStringLiteral("paths/output"), scene.disk.emplace().path());
     scene.road.server.addFault(
