@@ -56,17 +56,6 @@ private slots:
         QCOMPARE(RoiFrame::turned(upright, 90).pixel(0, 0), upright.pixel(29, 0));
     }
 
-    void zoomGoesFromTheWholeFrameToTheCut()
-    {
-        const QImage frame = gradient({256, 192});
-        const QRect region(101, 33, 64, 32);
-        QCOMPARE(ZoomSource(frame).picture(region, region.size()), frame.copy(region));
-        const QImage fields = TestSession::frame({256, 192});
-        const QImage whole = ZoomSource(fields).picture(fields.rect(), QSize(64, 32));
-        QCOMPARE(whole.pixelColor(30, 14), QColor(Qt::red)); // the fields still meet in the middle
-        QCOMPARE(whole.pixelColor(33, 17), QColor(Qt::white));
-    }
-
     void zoomAveragesWhatItSqueezes()
     {
         // Squeezed across only: lines down the picture blend, lines across it stay as they are.

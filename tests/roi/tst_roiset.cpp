@@ -51,15 +51,6 @@ private slots:
         }
     }
 
-    void refusedSaves()
-    {
-        QString errorText;
-        QVERIFY(!RoiSet::save({}, QString(), &errorText));
-        QCOMPARE(errorText, u"No session is loaded."_s);
-        QVERIFY(!RoiSet::save({}, u"/nonexistent"_s, &errorText));
-        QCOMPARE(errorText, u"Cannot create rois.json in the session directory."_s);
-    }
-
     void linkOutOfTheSessionIsReplaced()
     {
         const TestSession session;

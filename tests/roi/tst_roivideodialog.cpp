@@ -11,15 +11,10 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
-#include <QProgressDialog>
 #include <QPushButton>
-#include <QSlider>
 #include <QSpinBox>
 #include <QTimer>
 #include <QtTest>
-#include <QWheelEvent>
-
-#include <cmath>
 
 /// The road of a person: open, look, draw, adjust, save, reload, film.
 class TestRoiVideoDialog : public QObject
@@ -39,72 +34,6 @@ private slots:
         open();
     }
     void cleanup() { m_dialog.reset(); }
-
-    void opensEmpty()
-    {
-        m_dialog = std::make_unique<RoiVideoDialog>(m_stored->filePath(u"HMI"_s));
-        m_dialog->show();
-        QVERIFY(view()->findChild<QLabel *>()->text().startsWith(u"Open a session to inspect"_s));
-        QCOMPARE(textOf("frameCounterLabel"), u"0 / 0"_s);
-        click("newRoiButton");
-        click("saveRoisButton");
-        click("generateButton");
-        QCOMPARE(m_boxes, QStringList({u"Load a datasource with original PNG frames first."_s,
-                                       u"No session is loaded."_s,
-                                       u"Create and check at least one ROI."_s}));
-    }
-
-    void damagedSessions()
-    {
-        QString errorText;
-        QVERIFY(!m_dialog->loadSession(m_stored->filePath(u"HMI"_s), &errorText));
-        QCOMPARE(find<QLineEdit>("sessionEdit")->text(), m_stored->path()); // the one before stays
-        m_stored->write(u"session.json"_s, "{");
-        m_boxes.clear();
-        m_dialog = std::make_unique<RoiVideoDialog>(m_stored->path());
-        m_dialog->show();
-        QTRY_COMPARE(m_boxes.size(), 1);
-        QVERIFY(m_boxes.value(0).startsWith(u"Invalid session.json: "_s));
-    }
-
-    void showsTheFrames()
-    {
-        QCOMPARE(textOf("statusLabel"),
-                 u"Session loaded: 2 datasource(s), 2 with original PNG frames."_s);
-        QCOMPARE(find<QComboBox>("sourceCombo")->currentText(), u"AIA 171  [3 frames]"_s);
-        QCOMPARE(find<QSpinBox>("fpsSpin")->value(), 5);
-        QCOMPARE(textOf("frameMetaLabel"), u"2024-05-01 12:00:00 UTC   |   256 x 192"_s);
-        QCOMPARE(textOf("scaleLabel"),
-                 u"Projected scale: 6957.0 km/pixel at the captured PNG resolution."_s);
-        const QString file = m_stored->filePath(u"AIA_171/frame_1.png"_s);
-        m_stored->write(u"AIA_171/frame_1.png"_s, "no picture");
-        QTest::mouseClick(view()->viewport(), Qt::LeftButton);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);
-        QCOMPARE(textOf("frameCounterLabel"), u"2 / 3"_s);
-        find<QLabel>("statusLabel")->clear();
-        click("newRoiButton");
-        QCOMPARE(textOf("statusLabel"), u"Cannot decode "_s + file);
-
-        QDir(m_stored->filePath(u"HMI"_s)).removeRecursively();
-        open();
-        find<QComboBox>("sourceCombo")->setCurrentIndex(1);
-        QCOMPARE(find<QComboBox>("sourceCombo")->currentText(), u"HMI  [no original PNGs]"_s);
-        QCOMPARE(textOf("statusLabel"),
-                 u"The original PNG frames are not present for this datasource."_s);
-        QCOMPARE(textOf("scaleLabel"), u"Scale: --"_s);
-    }
-
-    void wheelZoomsWithoutLimit()
-    {
-        click("newRoiButton"); // also while drawing
-        const double before = view()->transform().m11();
-        for (const int delta : {120, 120, 120, 120, 120, 120, 120, 120, 120, 120, -120}) {
-            QWheelEvent event({5, 5}, view()->mapToGlobal({5, 5}), {}, {0, delta}, Qt::NoButton,
-                              Qt::NoModifier, Qt::NoScrollPhase, false);
-            QApplication::sendEvent(view()->viewport(), &event);
-        }
-        QCOMPARE(view()->transform().m11(), before * std::pow(1.15, 9));
-    }
 
     void drawing()
     {

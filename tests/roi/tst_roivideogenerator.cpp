@@ -135,30 +135,6 @@ private slots:
         }
     }
 
-    void tellsWhatItDoes()
-    {
-        const TestSession stored;
-        const QString ffmpeg = useFakeEncoder({});
-        RoiVideoPlan plan = planFor(stored);
-        plan.intro = true;
-        plan.rois.first().roi.rotation = 45; // which turns nothing
-        RoiVideoGenerator generator;
-        QSignalSpy labels(&generator, &RoiVideoGenerator::labelChanged);
-        QSignalSpy log(&generator, &RoiVideoGenerator::logMessage);
-        QCOMPARE(generator.run(plan), Outcome::Completed);
-        const QString title = u"AIA 171 - Flare  #1 / west"_s;
-        QCOMPARE(labels.at(1).first().toString(), title + u"\nzoom 2 / 3"_s);
-        QCOMPARE(labels.at(3).first().toString(), title + u"\nframe 1 / 3"_s);
-        QCOMPARE(labels.at(6).first().toString(), u"Encoding %1..."_s.arg(title));
-        QVERIFY(log.last().first().toString().endsWith(u".mp4; intro zoom 0.5 s"_s));
-        const FakeProgram::Run run = FakeProgram::runs(ffmpeg).value(0);
-        QCOMPARE(run.arguments.join(QLatin1Char(' ')),
-                 u"-y -framerate 5 -start_number 0 -i frame_%06d.png -c:v libx264 -crf 0 "
-                 "-pix_fmt yuv420p "_s +
-                     filmOf(stored));
-        QVERIFY(run.workingDirectory.endsWith(u"/.roi_video_frames/roi_01_Flare_1_west"_s));
-    }
-
     void encoderFails_data()
     {
         QTest::addColumn<FakeProgram::Reply>("reply");
@@ -231,25 +207,6 @@ private slots:
         QCOMPARE(RoiVideoGenerator().run(planFor(stored)), Outcome::Completed);
         QCOMPARE(other.contents(), before);
         QVERIFY(!QFileInfo(root).isSymLink() && !QFileInfo(filmOf(stored)).isSymLink());
-    }
-
-    void cancelBetweenTwoFilms()
-    {
-        const TestSession stored;
-        useFakeEncoder({});
-        RoiVideoPlan plan = planFor(stored);
-        plan.rois.append({2, plan.rois.first().roi});
-        for (const int films : {1, 2}) {
-            RoiVideoGenerator generator;
-            QSignalSpy progress(&generator, &RoiVideoGenerator::progressChanged);
-            connect(&generator, &RoiVideoGenerator::logMessage, &generator, [&](const QString &) {
-                if (generator.createdVideos() == films)
-                    generator.cancel();
-            });
-            // What is asked for exists after the second one: that is no cancel any more.
-            QCOMPARE(generator.run(plan), films == 1 ? Outcome::Canceled : Outcome::Completed);
-            QCOMPARE(progress.size(), films * plan.totalFrames() / 2);
-        }
     }
 
     void cancelAtAnyStep()

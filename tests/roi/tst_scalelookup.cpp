@@ -4,7 +4,6 @@
 #include "tests/support/fakeprogram.h"
 #include "tests/support/testfolder.h"
 
-#include <QTimer>
 #include <QtTest>
 
 namespace {
@@ -72,37 +71,6 @@ private slots:
         QCOMPARE(runs.size(), 2);
         QVERIFY(runs.first().last().contains(u"00:07Z"_s)); // the first time that is known
         QVERIFY(runs.last().last().contains(u"00:00Z"_s));  // none is: the session's start
-    }
-
-    void noAnswerMeansNoScale_data()
-    {
-        QTest::addColumn<FakeProgram::Reply>("reply");
-        QTest::addColumn<QDateTime>("startUtc");
-        FakeProgram::Reply reply;
-        QTest::newRow("No valid source/time is available for scale lookup.")
-            << reply << QDateTime();
-        reply.standardOutput = R"({"id":7,"date":"2024-05-01 12:00:00","width":4096})";
-        QTest::newRow("Helioviewer did not return usable rsun/width metadata.") << reply << noon();
-        reply.exitCode = 22;
-        QTest::newRow("getClosestImage: curl failed with exit code 22") << reply << noon();
-        QTest::newRow("getClosestImage: curl.exe not found: /nonexistent") << reply << noon();
-        reply.hang = true;
-        QTest::newRow("The lookup was canceled.") << reply << noon();
-    }
-    void noAnswerMeansNoScale()
-    {
-        QFETCH(FakeProgram::Reply, reply);
-        QFETCH(QDateTime, startUtc);
-        FakeProgram::setScript(m_curl, {reply});
-        ScaleLookup lookup;
-        QSignalSpy log(&lookup, &ScaleLookup::logMessage);
-        if (QByteArray(QTest::currentDataTag()).endsWith("/nonexistent"))
-            TestFolder::setKey(u"paths/curl"_s, u"/nonexistent"_s);
-        if (reply.hang)
-            QTimer::singleShot(0, &lookup, &ScaleLookup::abort);
-        QVERIFY(!ScaleLookup::isUsable(lookup.ensure(sourceWith({}), startUtc)));
-        QCOMPARE(log.last().first().toString(),
-                 u"WARNING scale metadata AIA 171: "_s + QLatin1String(QTest::currentDataTag()));
     }
 
 private:

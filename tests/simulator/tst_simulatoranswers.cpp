@@ -1,10 +1,8 @@
 #include "simulator/archive.h"
 #include "simulator/endpoints.h"
 #include "simulator/faultyanswers.h"
-#include "simulator/jsontext.h"
 #include "simulator/picturestore.h"
 
-#include <QImage>
 #include <QTest>
 #include <QUrlQuery>
 
@@ -76,10 +74,6 @@ private slots:
     void errorsHaveTheirStatusAndBody();
     void closestImageCanDepart_data();
     void closestImageCanDepart();
-    void widthIsNeverEnlarged_data();
-    void widthIsNeverEnlarged();
-    void imageCarriesItsHeaders();
-    void textIsEscapedAsTheServiceDoes();
 };
 
 void TestSimulatorAnswers::bodiesAreWrittenByteForByte_data()
@@ -212,48 +206,6 @@ void TestSimulatorAnswers::closestImageCanDepart()
     const Answer answer = answerTo(Operation::GetClosestImage, closestQuery,
                                    {{Operation::GetClosestImage, kind, value}});
     QVERIFY2(answer.body.startsWith(start) && answer.body.contains(part), answer.body.constData());
-}
-
-void TestSimulatorAnswers::widthIsNeverEnlarged_data()
-{
-    QTest::addColumn<QString>("parameters");
-    QTest::addColumn<QSize>("size");
-
-    QTest::newRow("smaller, height rounded") << "width=100" << QSize(100, 102);
-    QTest::newRow("wider than native") << "width=1024" << QSize(300, 305);
-    QTest::newRow("negative is native") << "width=-1" << QSize(300, 305);
-    QTest::newRow("neither width nor scale") << QString() << QSize(300, 305);
-    QTest::newRow("twice the native scale") << "scale=1.2092662134856732" << QSize(150, 153);
-    QTest::newRow("width wins over scale") << "width=50&scale=9" << QSize(50, 51);
-}
-
-void TestSimulatorAnswers::widthIsNeverEnlarged()
-{
-    QFETCH(QString, parameters);
-    const QString id = QString::number(smallArchive()->idOf({2, 0, 0}));
-    const Answer answer =
-        answerTo(Operation::DownloadImage, QStringLiteral("id=%1&%2").arg(id, parameters));
-    QTEST(QImage::fromData(answer.body).size(), "size");
-}
-
-void TestSimulatorAnswers::imageCarriesItsHeaders()
-{
-    const QString id = QString::number(smallArchive()->idOf({2, 0, 0}));
-    const Answer answer =
-        answerTo(Operation::DownloadImage, QStringLiteral("id=%1&width=64&type=png").arg(id));
-    QCOMPARE(answer.contentType, QByteArray("image/png; charset=binary"));
-    QCOMPARE(answer.headers.at(0).second, QByteArray("Wed, 02 Jun 2010 00:05:36 GMT"));
-    QVERIFY(answer.headers.at(1).second.contains("max-age=2592000"));
-    QVERIFY(answer.headers.at(2).second.endsWith("TRACE_171_full_image_4.png.png\""));
-}
-
-void TestSimulatorAnswers::textIsEscapedAsTheServiceDoes()
-{
-    JsonText json;
-    json.beginArray().value(QString::fromUtf8("a/\"\\\n\u00b0")).value(0.0).value(-665.89);
-    json.value(150753140000.0).value(0.6046335795891192).endArray();
-    QCOMPARE(json.text(),
-             QByteArray("[\"a\\/\\\"\\\\\\n\\u00b0\",0,-665.89,150753140000,0.6046335795891192]"));
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorAnswers)

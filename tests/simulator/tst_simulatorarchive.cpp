@@ -1,5 +1,4 @@
 #include "simulator/archive.h"
-#include "simulator/imagegeometry.h"
 #include "simulator/jpxframes.h"
 #include "simulator/servicetime.h"
 
@@ -49,11 +48,6 @@ private slots:
     void windowsWithoutFramesSayWhy_data();
     void windowsWithoutFramesSayWhy();
     void stepsEndAtTheCap();
-    void sampleHasPicturesWhenExpected_data();
-    void sampleHasPicturesWhenExpected();
-    void idsLeadBackToTheirPictures();
-    void archiveGoesOnGrowing();
-    void radiusFollowsTheDistance();
 };
 
 void TestSimulatorArchive::framesAreResampled_data()
@@ -149,96 +143,6 @@ void TestSimulatorArchive::stepsEndAtTheCap()
     QCOMPARE(frames.unixTimes.constFirst(), at("2024-05-01 00:00:00"));
     QVERIFY(jpxFrames(archive, 19, at("2024-05-01 00:00:00"), at("2024-05-01 02:00:00"), 8)
                 .message.isEmpty());
-}
-
-void TestSimulatorArchive::sampleHasPicturesWhenExpected_data()
-{
-    QTest::addColumn<int>("sourceId");
-    QTest::addColumn<QString>("time");
-    QTest::addColumn<QString>("earliest");
-    QTest::addColumn<QString>("latest");
-
-    QTest::newRow("AIA: within half a spacing") << 10 << "2024-05-01 00:30:00"
-                                                << "2024-05-01 00:29:42"
-                                                << "2024-05-01 00:30:18";
-    QTest::newRow("EIT, id 0, the morning's set") << 0 << "2024-05-01 02:00:00"
-                                                  << "2024-05-01 01:12:00"
-                                                  << "2024-05-01 01:15:00";
-    QTest::newRow("EIT, the afternoon's set") << 0 << "2024-05-01 12:00:00"
-                                              << "2024-05-01 13:05:00"
-                                              << "2024-05-01 13:08:00";
-    QTest::newRow("contact lost years ago") << 25 << "2024-05-01 00:00:00"
-                                            << "2014-09-27 00:00:00"
-                                            << "2014-09-27 16:31:17";
-    QTest::newRow("before the first picture") << 2003 << "2001-01-01 00:00:00"
-                                              << "2023-05-05 00:00:00"
-                                              << "2023-05-05 00:01:00";
-    QTest::newRow("the sun has set at the observatory") << 83 << "2024-05-01 08:00:00"
-                                                        << "2024-05-01 01:55:00"
-                                                        << "2024-05-01 02:00:00";
-    QTest::newRow("little was ingested in early 2022") << 10 << "2022-02-01 12:10:00"
-                                                       << "2022-02-01 11:55:00"
-                                                       << "2022-02-01 12:25:00";
-}
-
-void TestSimulatorArchive::sampleHasPicturesWhenExpected()
-{
-    QFETCH(int, sourceId);
-    QFETCH(QString, time);
-    const auto image = Archive::sample()->nearest(sourceId, *parseArchiveTime(time));
-    QVERIFY(image);
-    const QString found = archiveTimeText(image->unixTime);
-    QFETCH(QString, earliest);
-    QFETCH(QString, latest);
-    QVERIFY2(found >= earliest && found <= latest, qPrintable(found));
-}
-
-void TestSimulatorArchive::idsLeadBackToTheirPictures()
-{
-    const auto archive = Archive::sample();
-    qint64 ascending = 0;
-    qint64 before = 0;
-    int images = 0;
-    for (const ArchiveSource &source : archive->sources())
-        for (qint64 time = at("2008-09-20 00:00:00"); time < at("2026-01-01 00:00:00");
-             time += 40000000) {
-            const auto image = archive->nearest(source.sourceId, time);
-            if (!image)
-                continue;
-            const qint64 id = archive->idOf(*image);
-            const auto found = archive->imageOf(id);
-            QVERIFY2(found && found->sourceIndex == image->sourceIndex &&
-                         found->slot == image->slot && found->unixTime == image->unixTime,
-                     qPrintable(source.nickname));
-            ascending += id > before ? 1 : 0;
-            before = id;
-            ++images;
-        }
-    QVERIFY2(ascending > images / 4 && ascending < images * 3 / 4, "ids follow the time");
-    QVERIFY(!archive->imageOf(0) && !archive->imageOf(-5) && !archive->imageOf(Q_INT64_C(1) << 60));
-}
-
-void TestSimulatorArchive::archiveGoesOnGrowing()
-{
-    const QDateTime later(QDate(2027, 2, 3), QTime(4, 5), Qt::UTC);
-    const auto lag = [&later](const Archive &archive, int sourceId) {
-        const qint64 now = later.toSecsSinceEpoch();
-        return now - archive.nearest(sourceId, now)->unixTime;
-    };
-    const auto archive = Archive::sampleAt(later);
-    QVERIFY(lag(*archive, 10) > 24 * 60 && lag(*archive, 10) < 26 * 60);
-    QCOMPARE(lag(*archive, 6), lag(*Archive::sample(), 6)); // MDI has ended
-}
-
-void TestSimulatorArchive::radiusFollowsTheDistance()
-{
-    const auto archive = Archive::sample();
-    const auto radius = [&archive](const char *time) {
-        const auto image = archive->nearest(11, at(time));
-        return geometryOf(archive->sourceOf(*image), *image).rsunPx;
-    };
-    QVERIFY(qAbs(radius("2021-12-31 23:59:52") - 1626.67) < 0.5); // as in a header of that day
-    QVERIFY(qAbs(radius("2024-04-16 11:15:41") - 1593.43) < 0.5);
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorArchive)

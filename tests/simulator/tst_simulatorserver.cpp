@@ -11,7 +11,6 @@
 using namespace Simulator;
 
 Q_DECLARE_METATYPE(Simulator::Fault)
-Q_DECLARE_METATYPE(Simulator::Transport)
 
 namespace {
 
@@ -36,14 +35,7 @@ private slots:
     void faultsReachTheWire_data();
     void faultsReachTheWire();
     void faultsConcernTheirRequestsOnly();
-    void journalKeepsOrderAndQuery();
-    void requestsAreServedAtOnce();
     void stopEndsHangingClients();
-    void stoppedServerRefusesAndStartsAgain();
-    void certificatesAreWhatTheTransportSays_data();
-    void certificatesAreWhatTheTransportSays();
-    void unknownPathsAreErrors_data();
-    void unknownPathsAreErrors();
 };
 
 void TestSimulatorServer::faultsReachTheWire_data()
@@ -116,41 +108,6 @@ void TestSimulatorServer::faultsConcernTheirRequestsOnly()
     QCOMPARE(client.Get(closestPath)->status, 200);
 }
 
-void TestSimulatorServer::journalKeepsOrderAndQuery()
-{
-    Server server(Archive::sample());
-    QVERIFY(server.start());
-    httplib::Client client("127.0.0.1", server.port());
-    client.Get("/v2/getDataSources/");
-    client.Get(closestPath);
-    QCOMPARE(server.journal().size(), 2);
-    QCOMPARE(int(server.journal().at(0).operation), int(Operation::GetDataSources));
-    QCOMPARE(server.journal().at(0).query, QByteArray());
-    QCOMPARE(server.journal().at(1).query,
-             QByteArray("date=2024-05-01T00%3A00%3A00Z&sourceId=2003"));
-    QCOMPARE(server.requestCount(Operation::GetClosestImage), 1);
-    server.clearJournal();
-    QVERIFY(server.journal().isEmpty());
-    QCOMPARE(server.requestCount(Operation::GetClosestImage), 0);
-}
-
-void TestSimulatorServer::requestsAreServedAtOnce()
-{
-    Server server(Archive::sample());
-    QVERIFY(server.start());
-    server.addFault({Operation::GetClosestImage, FaultKind::Hang, 0, 1, 1});
-    std::thread hanging([&server] {
-        httplib::Client client("127.0.0.1", server.port());
-        client.Get(closestPath);
-    });
-    QTRY_COMPARE(server.requestCount(Operation::GetClosestImage), 1);
-    httplib::Client client("127.0.0.1", server.port());
-    QCOMPARE(client.Get(closestPath)->status, 200);
-    QCOMPARE(server.journal().constLast().inFlight, 2);
-    server.stop();
-    hanging.join();
-}
-
 void TestSimulatorServer::stopEndsHangingClients()
 {
     Server server(Archive::sample());
@@ -171,68 +128,6 @@ void TestSimulatorServer::stopEndsHangingClients()
     QVERIFY2(timer.elapsed() < 800, qPrintable(QString::number(timer.elapsed())));
     hanging.join();
     QVERIFY(!answered);
-}
-
-void TestSimulatorServer::stoppedServerRefusesAndStartsAgain()
-{
-    Server server(Archive::sample());
-    QVERIFY(server.start());
-    const int port = server.port();
-    QCOMPARE(server.baseUrl(), QStringLiteral("http://127.0.0.1:%1/v2").arg(port));
-    QVERIFY(httplib::Client("127.0.0.1", port).Get(closestPath));
-    server.stop();
-    QVERIFY(!httplib::Client("127.0.0.1", port).Get(closestPath));
-
-    QString errorText;
-    QVERIFY2(server.start(&errorText, port), qPrintable(errorText));
-    QVERIFY(httplib::Client("127.0.0.1", port).Get(closestPath));
-    Server second(Archive::sample());
-    QVERIFY(!second.start(&errorText, port));
-    QCOMPARE(errorText, QStringLiteral("Cannot listen on port %1 of 127.0.0.1.").arg(port));
-}
-
-void TestSimulatorServer::certificatesAreWhatTheTransportSays_data()
-{
-    QTest::addColumn<Transport>("transport");
-    QTest::addColumn<bool>("trusted");
-
-    QTest::newRow("nobody signed it") << Transport::HttpsSelfSigned << false;
-    QTest::newRow("for another host") << Transport::HttpsForeignHost << false;
-    QTest::newRow("signed for this host") << Transport::HttpsTrusted << true;
-}
-
-void TestSimulatorServer::certificatesAreWhatTheTransportSays()
-{
-    QFETCH(Transport, transport);
-    Server server(Archive::sample(), transport);
-    QVERIFY(server.start());
-    QVERIFY(server.baseUrl().startsWith(QLatin1String("https://127.0.0.1:")));
-    httplib::SSLClient careful("127.0.0.1", server.port());
-    careful.set_ca_cert_path(server.caCertificateFile().toStdString());
-    QTEST(bool(careful.Get(closestPath)), "trusted");
-    httplib::SSLClient careless("127.0.0.1", server.port());
-    careless.enable_server_certificate_verification(false);
-    QCOMPARE(careless.Get(closestPath)->status, 200);
-}
-
-void TestSimulatorServer::unknownPathsAreErrors_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<int>("status");
-
-    QTest::newRow("unknown action") << "/v2/getMovie/" << 400;
-    QTest::newRow("without its slash") << "/v2/getDataSources" << 400;
-    QTest::newRow("another place") << "/robots.txt" << 404;
-}
-
-void TestSimulatorServer::unknownPathsAreErrors()
-{
-    QFETCH(QString, path);
-    Server server(Archive::sample());
-    QVERIFY(server.start());
-    httplib::Client client("127.0.0.1", server.port());
-    QTEST(client.Get(path.toStdString())->status, "status");
-    QVERIFY(server.journal().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorServer)

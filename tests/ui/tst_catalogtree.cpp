@@ -39,11 +39,9 @@ class TestCatalogTree : public QObject
 private slots:
     void init();
     void groupsAndLeaves();
-    void leafCarriesItsDatasource();
     void rebuildKeepsWhatStillExists();
     void sharedIdIsTickedTogether();
     void aiaPresetReplacesTheSelection();
-    void analysisComesAndGoes();
     void strangeCatalogs();
     void markupInANameIsShown();
 
@@ -96,19 +94,6 @@ void TestCatalogTree::groupsAndLeaves()
     QCOMPARE(m_tree->currentItem(), nullptr);
 }
 
-void TestCatalogTree::leafCarriesItsDatasource()
-{
-    fill(parsed(catalog));
-    const QTreeWidgetItem *aia = item(leaf("AIA 171", 10));
-    QVERIFY(aia->flags() & Qt::ItemIsUserCheckable);
-    QCOMPARE(aia->data(0, Qt::UserRole), QVariant(10));
-    QCOMPARE(aia->data(0, Qt::UserRole + 1).toString(), QStringLiteral("AIA 171"));
-    QCOMPARE(aia->data(0, Qt::UserRole + 2).toString(), QStringLiteral("SDO/AIA/171"));
-    QCOMPARE(aia->data(0, Qt::UserRole + 3).toByteArray(),
-             QByteArray(R"({"end":null,"nickname":"AIA 171","sourceId":10,"start":"2010"})"));
-    QVERIFY(aia->toolTip(0).startsWith(QStringLiteral("SDO/AIA/171\nAvailable: 2010 -> \n")));
-}
-
 void TestCatalogTree::rebuildKeepsWhatStillExists()
 {
     m_selection = {{10, 19, 777}, 15};
@@ -140,22 +125,6 @@ void TestCatalogTree::aiaPresetReplacesTheSelection()
     QCOMPARE(CatalogTree::currentId(m_tree.get()), 19);
     CatalogTree::untickAll(m_tree.get());
     QVERIFY(tickedIds().isEmpty());
-}
-
-void TestCatalogTree::analysisComesAndGoes()
-{
-    fill(parsed(catalog));
-    QCOMPARE(CatalogTree::setAnalysis(m_tree.get(), 777, {}), nullptr);
-    QTreeWidgetItem *aia = item(leaf("AIA 171", 10));
-    const QString toolTip = aia->toolTip(0);
-    QCOMPARE(CatalogTree::setAnalysis(m_tree.get(), 10, {9, 36, 24, 48}), aia);
-    QCOMPARE(aia->data(0, Qt::UserRole + 4), QVariant(9));
-    QCOMPARE(aia->data(0, Qt::UserRole + 7), QVariant(48));
-    QCOMPARE(CatalogTree::source(aia).analysis->medianSeconds, 36);
-    QVERIFY(aia->toolTip(0).endsWith(QStringLiteral("median 36 s (min 24 s, max 48 s).")));
-    CatalogTree::clearAnalyses(m_tree.get());
-    QCOMPARE(aia->toolTip(0), toolTip);
-    QVERIFY(!CatalogTree::source(aia).analysis);
 }
 
 void TestCatalogTree::strangeCatalogs()

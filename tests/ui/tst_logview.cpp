@@ -1,7 +1,6 @@
 #include "ui/logview.h"
 
 #include <QDockWidget>
-#include <QTextBlock>
 #include <QTextEdit>
 #include <QtTest>
 
@@ -10,8 +9,6 @@ class TestLogView : public QObject
     Q_OBJECT
 
 private slots:
-    void classesHaveColours_data();
-    void classesHaveColours();
     void titleCountsUntilCleared();
     void anyTextIsOneEntry_data();
     void anyTextIsOneEntry();
@@ -21,39 +18,6 @@ private:
     QDockWidget m_dock{QStringLiteral("Log")};
     LogView m_log{&m_edit, &m_dock};
 };
-
-void TestLogView::classesHaveColours_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QColor>("colour");
-    QTest::addColumn<int>("weight");
-    const auto row = [](const char *text, const QColor &colour, QFont::Weight weight) {
-        QTest::newRow(text) << QString::fromLatin1(text) << colour << int(weight);
-    };
-    row("plain", QColor(1, 2, 3), QFont::Normal);
-    row("curl: x", QColor(105, 175, 235), QFont::Normal);
-    row("OK x", QColor(90, 220, 115), QFont::Normal);
-    row("REJECT x", QColor(255, 190, 70), QFont::Bold);
-    row("ERROR x", QColor(255, 90, 90), QFont::Bold);
-}
-
-void TestLogView::classesHaveColours()
-{
-    QFETCH(QString, text);
-    QPalette palette = m_edit.palette();
-    palette.setColor(QPalette::Text, QColor(1, 2, 3));
-    m_edit.setPalette(palette);
-    m_log.clear();
-    m_log.append(text);
-    QTextBlock::iterator it = m_edit.document()->firstBlock().begin();
-    QVERIFY(it.fragment().text().contains(
-        QRegularExpression(QStringLiteral("^\\[\\d\\d:\\d\\d:\\d\\d\\] $"))));
-    QCOMPARE(it.fragment().charFormat().foreground().color(), QColor(135, 140, 150));
-    ++it;
-    QCOMPARE(it.fragment().text(), text);
-    QTEST(it.fragment().charFormat().foreground().color(), "colour");
-    QTEST(it.fragment().charFormat().fontWeight(), "weight");
-}
 
 void TestLogView::titleCountsUntilCleared()
 {

@@ -9,7 +9,6 @@
 #include <QDockWidget>
 #include <QJsonObject>
 #include <QLabel>
-#include <QMenu>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTextBrowser>
@@ -44,17 +43,6 @@ QStringList nameless(QAccessibleInterface *interface)
     return found;
 }
 
-QStringList names(const QList<QAction *> &actions)
-{
-    QStringList result;
-    for (const QAction *action : actions) {
-        result.append(action->isSeparator() ? QStringLiteral("-")
-                      : action->menu()      ? action->menu()->objectName()
-                                            : action->objectName());
-    }
-    return result;
-}
-
 } // namespace
 
 class TestMainWindow : public QObject
@@ -64,7 +52,6 @@ class TestMainWindow : public QObject
 private slots:
     void initTestCase() { WindowFixture::isolateUserSettings(); }
     void init();
-    void menusAndIcons();
     void everyInteractivePartHasANameAndAKey();
     void detailsFollowCurrentAndSampling();
     void refusedStartSavesSettingsAndKeepsTheLog();
@@ -73,7 +60,6 @@ private slots:
     void brokenCacheAsksTheService();
     void unwritableCacheIsAWarning();
     void playsTheNewestVideo();
-    void missingVideosAndHelp();
 
 public slots:
     void open(const QUrl &url) { m_opened.append(url.toLocalFile()); }
@@ -87,23 +73,6 @@ void TestMainWindow::init()
     WindowFixture::reset();
     WindowFixture::writeCatalog(catalog);
     m_opened.clear();
-}
-
-void TestMainWindow::menusAndIcons()
-{
-    const MainWindow window;
-    QCOMPARE(names(part<QMenu>(window, "menuFile")->actions()).join(QLatin1Char(' ')),
-             QStringLiteral("actionOpenOutputFolder menuPlayVideo actionCreateRoiVideo - "
-                            "actionExit"));
-    QCOMPARE(names(part<QToolBar>(window, "mainToolBar")->actions()).join(QLatin1Char(' ')),
-             QStringLiteral("actionStartAcquisition actionStopAcquisition - "
-                            "actionOpenOutputFolder"));
-    const QList<QAction *> actions = window.findChildren<QAction *>(
-        QRegularExpression(QStringLiteral("^action(?!RefreshCatalog)")));
-    QCOMPARE(actions.size(), 9);
-    for (const QAction *action : actions)
-        QVERIFY2(!action->icon().pixmap(16).isNull(), qPrintable(action->objectName()));
-    QVERIFY(!window.windowIcon().pixmap(64).isNull());
 }
 
 void TestMainWindow::everyInteractivePartHasANameAndAKey()
@@ -239,24 +208,6 @@ void TestMainWindow::playsTheNewestVideo()
     QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
     QCOMPARE(m_opened, QVector<QString>({film, root.path()}));
     QVERIFY(logText(window).contains(QStringLiteral("Playing video: ") + film));
-}
-
-void TestMainWindow::missingVideosAndHelp()
-{
-    TestFolder::setKey(QStringLiteral("paths/output"), QStringLiteral("gone"));
-    const MainWindow window;
-    {
-        BoxCloser boxes(QMessageBox::No);
-        part<QAction>(window, "actionPlayLatestVideo")->trigger();
-        QCOMPARE(boxes.shown,
-                 QStringList(QStringLiteral("Play latest video: No MP4 video was found "
-                                            "under:\n%1\n\nSelect a video manually?")
-                                 .arg(TestFolder::path(QStringLiteral("gone")))));
-    }
-    BoxCloser boxes;
-    part<QAction>(window, "actionHelpOrvik")->trigger();
-    QCOMPARE(boxes.shown, QStringList(QStringLiteral("Orvik help: Help file not found:\n%1")
-                                          .arg(TestFolder::path(QStringLiteral("doc/help.html")))));
 }
 
 QTEST_MAIN(TestMainWindow)

@@ -9,7 +9,6 @@ class TestOutputSearch : public QObject
 
 private slots:
     void newestFilesAtAnyDepth();
-    void startFolderOfTheChooser();
 };
 
 namespace {
@@ -40,16 +39,6 @@ void TestOutputSearch::newestFilesAtAnyDepth()
     QCOMPARE(OutputSearch::newestVideo(folder.path()), film);
     QCOMPARE(OutputSearch::newestSession(folder.path()), QFileInfo(session).path());
     QCOMPARE(OutputSearch::newestSession(folder.filePath(QStringLiteral("gone"))), QString());
-}
-
-void TestOutputSearch::startFolderOfTheChooser()
-{
-    const QTemporaryDir folder;
-    const QString root = folder.path();
-    QCOMPARE(OutputSearch::videoStartFolder(root, root + QStringLiteral("/gone")), root);
-    const QString session = QFileInfo(create(folder, "session/film.mp4", 0)).path();
-    QCOMPARE(OutputSearch::videoStartFolder(root, root + QStringLiteral("/gone")), session);
-    QCOMPARE(OutputSearch::videoStartFolder(root, QDir::tempPath()), QDir::tempPath());
 }
 
 QTEST_GUILESS_MAIN(TestOutputSearch)
