@@ -1,5 +1,4 @@
 #include "acquisition/acquisitionplan.h"
-#include "acquisition/acquisitionsettings.h"
 
 #include <QtTest>
 
@@ -39,8 +38,6 @@ private slots:
     void requestsAreInterleavedByTime_data();
     void requestsAreInterleavedByTime();
     void tenYearsAtOneSecondAreCountedButNotStored();
-    void nominalCount_data();
-    void nominalCount();
 };
 
 void TestAcquisitionPlan::requestsAreInterleavedByTime_data()
@@ -88,32 +85,6 @@ void TestAcquisitionPlan::tenYearsAtOneSecondAreCountedButNotStored()
     QCOMPARE(request.requestedUtc, QDateTime(QDate(1970, 1, 1), QTime(0, 0, 1, 500), Qt::UTC));
     QCOMPARE(request.nickname, QStringLiteral("SUVI 195"));
     QCOMPARE(request.path, QStringLiteral("GOES/SUVI/195"));
-}
-
-void TestAcquisitionPlan::nominalCount_data()
-{
-    QTest::addColumn<qint64>("seconds");
-    QTest::addColumn<int>("cadenceSeconds");
-    QTest::addColumn<qint64>("count");
-
-    QTest::newRow("start equals end") << qint64(0) << 60 << qint64(3);
-    QTest::newRow("a step that does not fit") << qint64(119) << 60 << qint64(6);
-    QTest::newRow("a step that just fits") << qint64(120) << 60 << qint64(9);
-    QTest::newRow("more than 32 bits") << qint64(4000000000) << 1 << qint64(12000000003);
-    QTest::newRow("end before start") << qint64(-1) << 60 << qint64(0);
-}
-
-void TestAcquisitionPlan::nominalCount()
-{
-    QFETCH(qint64, seconds);
-    QFETCH(int, cadenceSeconds);
-
-    AcquisitionSettings settings;
-    settings.startUtc = QDateTime(QDate(2024, 5, 1), QTime(0, 0), Qt::UTC);
-    settings.endUtc = settings.startUtc.addSecs(seconds);
-    settings.cadenceSeconds = cadenceSeconds;
-    settings.sources.resize(3);
-    QTEST(AcquisitionPlanning::nominalCount(settings), "count");
 }
 
 QTEST_GUILESS_MAIN(TestAcquisitionPlan)

@@ -56,7 +56,6 @@ private slots:
     void destructionLeavesNoChildAndNoDescriptor();
     void stopFromInsideASlot_data();
     void stopFromInsideASlot();
-    void nextSessionIsStartedFromTheLastSignal();
 };
 
 void TestAcquisitionStop::childInFlightIsKilled_data()
@@ -199,27 +198,6 @@ void TestAcquisitionStop::stopFromInsideASlot()
     QCOMPARE(road.events.last(), QStringLiteral("[finished] completed"));
     QCOMPARE(road.sessionDirectory(), first + QStringLiteral("_2"));
     QCOMPARE(road.column("RequestIndex"), QStringLiteral("0 1"));
-}
-
-void TestAcquisitionStop::nextSessionIsStartedFromTheLastSignal()
-{
-    AcquisitionRoad road;
-    AcquisitionSettings settings = smallSession();
-    settings.createVideos = false;
-    int sessions = 1;
-    road.onEvent = [&](const QString &event) {
-        // The stop comes from the midst of a step, which must not go on in the next session.
-        if (event.startsWith(QLatin1String("OK AIA 171")) && sessions == 1)
-            road.controller->stop();
-        if (event.startsWith(QLatin1String("[finished]")) && ++sessions <= 3)
-            QVERIFY(road.controller->start(settings));
-    };
-    QVERIFY(road.controller->start(settings));
-    QTRY_COMPARE_WITH_TIMEOUT(sessions, 4, 20000);
-    QCOMPARE(road.count("[finished] canceled"), 1);
-    QCOMPARE(road.count("[finished] completed"), 2);
-    QCOMPARE(road.column("RequestIndex"), QStringLiteral("0 1"));
-    QVERIFY(road.sessionDirectory().endsWith(QLatin1String("_3")));
 }
 
 QTEST_MAIN(TestAcquisitionStop)

@@ -1,5 +1,4 @@
 #include "acquisition/acquisitionsettings.h"
-#include "acquisition/probequeue.h"
 #include "acquisition/sessiontally.h"
 #include "acquisition/sourceplan.h"
 
@@ -19,11 +18,6 @@ QVector<qint64> framesAt(const QString &offsets)
     return seconds;
 }
 
-ProbeWindow window(int sourceId)
-{
-    return {{sourceId, QStringLiteral("LASCO C2"), QString()}, startUtc, startUtc.addSecs(7200)};
-}
-
 } // namespace
 
 /// From the answers of the archive to the sampling of a datasource.
@@ -34,9 +28,6 @@ class TestCadenceProbe : public QObject
 private slots:
     void samplingFollowsTheArchive_data();
     void samplingFollowsTheArchive();
-    void answersAreToldByTheirWorker();
-    void frameTimesFoldTogether();
-    void answerMatchesOnlyItsOwnWindow();
 };
 
 void TestCadenceProbe::samplingFollowsTheArchive_data()
@@ -82,46 +73,6 @@ void TestCadenceProbe::samplingFollowsTheArchive()
     if (!found.endsWith(QLatin1Char('.')))
         found += QStringLiteral("; acquisition step=%1 s.").arg(stepSeconds);
     QCOMPARE(plan.logLine, QStringLiteral("Quick probe EIT 171: ") + found);
-}
-
-void TestCadenceProbe::answersAreToldByTheirWorker()
-{
-    ProbeQueue queue({window(4), window(5), window(0)});
-    QCOMPARE(queue.take(0).source.sourceId, 4);
-    QCOMPARE(queue.take(1).source.sourceId, 5);
-    QCOMPARE(queue.release(1)->source.sourceId, 5); // the second answers first
-    QVERIFY(!queue.release(1));                     // nothing is asked of it any more
-    QVERIFY(!queue.release(-1));                    // a sender that is no worker
-    QCOMPARE(queue.take(1).source.sourceId, 0);
-    QVERIFY(queue.isBusy(0) && queue.isBusy(1) && !queue.isBusy(2) && !queue.hasNext());
-
-    QCOMPARE(queue.release(0)->source.sourceId, 4);
-    QCOMPARE(queue.release(1)->source.sourceId, 0);
-    queue.complete();
-    queue.complete();
-    QVERIFY(!queue.isDone()); // the last answer is still being read
-    queue.complete();
-    QVERIFY(queue.isDone());
-    QVERIFY(ProbeQueue().isDone());
-}
-
-void TestCadenceProbe::frameTimesFoldTogether()
-{
-    ProbeQueue queue;
-    queue.addFrames(4, {startUtc.addSecs(720), QDateTime(), startUtc, startUtc.addMSecs(300)});
-    queue.addFrames(5, {startUtc.addSecs(60)});
-    queue.addFrames(4, {startUtc.addSecs(360), startUtc.addSecs(720)});
-    QCOMPARE(queue.frameSeconds(4), framesAt(QStringLiteral("0 360 720")));
-    QCOMPARE(queue.frameSeconds(5), framesAt(QStringLiteral("60")));
-}
-
-void TestCadenceProbe::answerMatchesOnlyItsOwnWindow()
-{
-    const ProbeWindow asked = window(4);
-    QVERIFY(asked.matches(4, asked.startUtc.toOffsetFromUtc(7200), asked.endUtc));
-    QVERIFY(!asked.matches(5, asked.startUtc, asked.endUtc));
-    QVERIFY(!asked.matches(4, asked.startUtc.addSecs(1), asked.endUtc));
-    QVERIFY(!asked.matches(4, asked.startUtc, asked.endUtc.addSecs(-1)));
 }
 
 QTEST_GUILESS_MAIN(TestCadenceProbe)

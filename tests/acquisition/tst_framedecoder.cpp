@@ -11,7 +11,6 @@ class TestFrameDecoder : public QObject
 
 private slots:
     void cutOffPictureDoesNotDecode();
-    void contentDecidesAndNotTheName();
 
 private:
     const QTemporaryDir m_folder;
@@ -34,18 +33,6 @@ void TestFrameDecoder::cutOffPictureDoesNotDecode()
         QVERIFY(file.resize(size));
         QVERIFY2(FrameDecoder::decode(m_path).isNull(), qPrintable(QString::number(size)));
     }
-}
-
-void TestFrameDecoder::contentDecidesAndNotTheName()
-{
-    for (const char *answer : {"<!DOCTYPE html>\n<html><body>Limit exceeded</body></html>",
-                               "{\"error\":\"no such image\",\"errno\":24}"}) {
-        QFile file(m_path);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(answer) > 0 && file.flush());
-        QVERIFY(FrameDecoder::decode(m_path).isNull());
-    }
-    QVERIFY(QImage(8, 8, QImage::Format_Grayscale8).save(m_path, "JPG"));
-    QCOMPARE(FrameDecoder::decode(m_path).size(), QSize(8, 8));
 }
 
 QTEST_GUILESS_MAIN(TestFrameDecoder)

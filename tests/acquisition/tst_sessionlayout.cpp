@@ -10,27 +10,8 @@ class TestSessionLayout : public QObject
     Q_OBJECT
 
 private slots:
-    void takenNamesAreCountedUp();
     void everyDatasourceHasItsOwnFolder();
 };
-
-void TestSessionLayout::takenNamesAreCountedUp()
-{
-    const QTemporaryDir root;
-    const QDir dir(root.path());
-    const QString name = QStringLiteral("20240101_000000__20240101_060000");
-    QFile inTheWay(dir.filePath(name + QStringLiteral("_2")));
-    QVERIFY(inTheWay.open(QIODevice::WriteOnly));
-    QVERIFY(QFile::link(QStringLiteral("/nowhere"), dir.filePath(name + QStringLiteral("_4"))));
-
-    const QDateTime startUtc(QDate(2024, 1, 1), QTime(0, 0), Qt::UTC);
-    for (const QString &suffix : {QString(), QStringLiteral("_3"), QStringLiteral("_5")}) {
-        QCOMPARE(
-            SessionLayout::createSessionDirectory(root.path(), startUtc, startUtc.addSecs(21600)),
-            std::make_optional(dir.filePath(name + suffix)));
-        QVERIFY(dir.exists(name + suffix + QStringLiteral("/.")));
-    }
-}
 
 void TestSessionLayout::everyDatasourceHasItsOwnFolder()
 {

@@ -15,17 +15,6 @@ private slots:
         tzset();
     }
 
-    void onlyAnObjectIsAnAnswer()
-    {
-        QString errorText;
-        QVERIFY(!HelioviewerResponses::parseObject("[]", &errorText)); // no source is enabled
-        QCOMPARE(errorText, QStringLiteral("Invalid JSON: no error occurred"));
-        QVERIFY(!HelioviewerResponses::parseObject("{\"SDO\":{\"AI", &errorText));
-        QCOMPARE(errorText, QStringLiteral("Invalid JSON: unterminated string"));
-        QVERIFY(
-            HelioviewerResponses::parseObject("\n{\"SDO\":{}}\n")); // the server's stray newline
-    }
-
     void frameIndex_data()
     {
         QTest::addColumn<QByteArray>("answer");

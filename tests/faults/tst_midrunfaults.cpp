@@ -1,9 +1,8 @@
-#include "client/helioviewerclient.h"
 #include "tests/acquisition/acquisitionroad.h"
 #include "tests/faults/sessioncheck.h"
 #include "tests/faults/smalldisk.h"
 
-#include <QDirIterator>
+#include <QDir>
 #include <QGuiApplication>
 #include <QtTest>
 
@@ -116,9 +115,7 @@ private slots:
     void outputRootThatCannotBeUsed();
     void diskFullForTheLedger_data();
     void diskFullForTheLedger();
-    void nextRequestFromTheErrorSignal();
     void nextSessionFromTheEncodersError();
-    void stoppedFilmIsNotTakenForWhole();
 };
 
 void TestMidrunFaults::somethingHappens_data()
@@ -291,27 +288,6 @@ void TestMidrunFaults::diskFullForTheLedger()
     QCOMPARE(check.statuses.size() == 41, relief > 0);
 }
 
-/// A QProcess that is started again in its own error signal hangs, or says that it still runs.
-void TestMidrunFaults::nextRequestFromTheErrorSignal()
-{
-    Scene scene;
-    replaceProgram(QStringLiteral("curl"), noInterpreter);
-    HelioviewerClient client;
-    QStringList errors;
-    const auto onError = [&](const QString &, const QString &message) {
-        errors += message;
-        if (errors.size() == 5)
-            replaceProgram(QStringLiteral("curl"), std::nullopt);
-        client.getDataSources();
-    };
-    connect(&client, &HelioviewerClient::requestError, &client, onError);
-    QSignalSpy answers(&client, &HelioviewerClient::catalogReceived);
-    client.getDataSources();
-    QTRY_COMPARE(answers.size(), 1);
-    QCOMPARE(errors.size(), 5);
-    QCOMPARE(errors.removeDuplicates(), 4); // and none of them "busy"
-}
-
 void TestMidrunFaults::nextSessionFromTheEncodersError()
 {
     Scene scene;
@@ -328,27 +304,6 @@ void TestMidrunFaults::nextSessionFromTheEncodersError()
     QTRY_COMPARE_WITH_TIMEOUT(scene.road.count("[finished] completed"), 1, 30000);
     QCOMPARE(scene.road.count("[finished] canceled"), 3);
     QCOMPARE(scene.road.count("Video completed: SUVI"), 1);
-}
-
-/// Half a film lacks the table of its pictures, which ffmpeg writes last: nothing plays it.
-void TestMidrunFaults::stoppedFilmIsNotTakenForWhole()
-{
-    Scene scene;
-    replaceProgram(QStringLiteral("ffmpeg"), "#!/bin/sh\nexec ffmpeg -re \"$@\"\n");
-    scene.settings.videoFps = 1; // three seconds, in which ffmpeg now takes its time
-    QVERIFY(scene.road.controller->start(scene.settings));
-    const auto film = [&scene] {
-        QDirIterator files(scene.road.output.path(), {QStringLiteral("*.mp4")}, QDir::Files,
-                           QDirIterator::Subdirectories);
-        return files.hasNext() ? files.next() : QString();
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(!film().isEmpty(), 30000);
-    scene.road.controller->stop();
-    QCOMPARE(scene.road.events.last(), QStringLiteral("[finished] canceled"));
-    QCOMPARE(QProcess::execute(QStringLiteral("ffprobe"),
-                               {QStringLiteral("-v"), QStringLiteral("quiet"), film()}),
-             1);
-    QCOMPARE(SessionCheck::of(scene.road.sessionDirectory()).faults, QStringList());
 }
 
 int main(int argc, char *argv[])

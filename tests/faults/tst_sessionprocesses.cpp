@@ -50,35 +50,15 @@ QVector<SessionCheck> checksIn(const QString &root)
 
 } // namespace
 
-/// Sessions in processes of their own: side by side, and killed.
+/// Sessions in processes of their own: of the same interval side by side, and killed.
 class TestSessionProcesses : public QObject
 {
     Q_OBJECT
 
 private slots:
     void init() { TestFolder::clearKeys(); }
-    void sameIntervalAtTheSameTime();
     void killedAtARandomMoment();
 };
-
-void TestSessionProcesses::sameIntervalAtTheSameTime()
-{
-    AcquisitionRoad road; // for its service and its output root
-    const std::unique_ptr<QProcess> sessions[] = {startSession(), startSession()};
-    for (const auto &session : sessions) {
-        QTRY_COMPARE_WITH_TIMEOUT(session->state(), QProcess::NotRunning, 30000);
-        const QByteArray log = session->readAll();
-        QVERIFY2(session->exitStatus() == QProcess::NormalExit && session->exitCode() == 0, log);
-        QCOMPARE(log.count("\nVideo completed: "), 2);
-    }
-    const QVector<SessionCheck> checks = checksIn(road.output.path());
-    QCOMPARE(checks.size(), 2);
-    for (const SessionCheck &check : checks) {
-        QCOMPARE(check.faults + check.strays, QStringList());
-        QCOMPARE(check.statuses.count(QStringLiteral("OK")), 6);
-        QCOMPARE(check.pictures, 12);
-    }
-}
 
 void TestSessionProcesses::killedAtARandomMoment()
 {
