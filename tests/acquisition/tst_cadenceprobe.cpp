@@ -6,7 +6,10 @@
 
 namespace {
 
-const QDateTime startUtc(QDate(2024, 5, 1), QTime(0, 0), Qt::UTC);
+QDateTime startUtc()
+{
+    return {QDate(2024, 5, 1), QTime(0, 0), Qt::UTC};
+}
 
 /// Seconds since the epoch of times given as "0 300 900" after the start.
 QVector<qint64> framesAt(const QString &offsets)
@@ -14,7 +17,7 @@ QVector<qint64> framesAt(const QString &offsets)
     QVector<qint64> seconds;
     const QStringList texts = offsets.split(QLatin1Char(' '), Qt::SkipEmptyParts);
     for (const QString &text : texts)
-        seconds.append(startUtc.toSecsSinceEpoch() + text.toInt());
+        seconds.append(startUtc().toSecsSinceEpoch() + text.toInt());
     return seconds;
 }
 
@@ -62,13 +65,13 @@ void TestCadenceProbe::samplingFollowsTheArchive()
     QFETCH(QString, found);
 
     AcquisitionSettings settings;
-    settings.startUtc = startUtc;
-    settings.endUtc = startUtc.addSecs(3600);
+    settings.startUtc = startUtc();
+    settings.endUtc = startUtc().addSecs(3600);
     const DataSource source = {0, QStringLiteral("EIT 171"), QString()};
     const SourcePlan plan =
         SourcePlanning::plan(source, PreflightMode::QuickProbe, framesAt(frames), settings);
     QCOMPARE(plan.schedule.stepMs, qint64(stepSeconds) * 1000);
-    QCOMPARE(plan.schedule.firstMs, startUtc.addSecs(firstOffset).toMSecsSinceEpoch());
+    QCOMPARE(plan.schedule.firstMs, startUtc().addSecs(firstOffset).toMSecsSinceEpoch());
     QCOMPARE(plan.schedule.lastMs, settings.endUtc.toMSecsSinceEpoch());
     if (!found.endsWith(QLatin1Char('.')))
         found += QStringLiteral("; acquisition step=%1 s.").arg(stepSeconds);

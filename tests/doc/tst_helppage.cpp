@@ -59,7 +59,8 @@ QStringList programTexts()
 bool holds(const QString &text, const QString &message)
 {
     int position = 0;
-    for (const QString &part : message.split(QChar(0x2026), Qt::SkipEmptyParts)) {
+    const QStringList parts = message.split(QChar(0x2026), Qt::SkipEmptyParts);
+    for (const QString &part : parts) {
         const int found = text.indexOf(part.trimmed(), position);
         if (found < 0)
             return false;
@@ -150,7 +151,8 @@ void TestHelpPage::shippedConfigurationHoldsTheDefaults()
     const QSettings shipped(QStringLiteral(ORVIK_SOURCE_FOLDER "/packaging/orvik.ini"),
                             QSettings::IniFormat);
     QCOMPARE(shipped.allKeys(), file.allKeys()); // none missing: the comments survive a start
-    for (const QString &key : shipped.allKeys())
+    const QStringList keys = shipped.allKeys();
+    for (const QString &key : keys)
         QCOMPARE(shipped.value(key).toString(), file.value(key).toString());
 }
 
@@ -159,7 +161,8 @@ void TestHelpPage::nothingIsLoadedFromElsewhere()
     QVERIFY(!m_page.contains(QLatin1String("<script")));
     QVERIFY(!m_page.contains(QLatin1String("url(")));
     QVERIFY(!m_page.contains(QLatin1String("<link")));
-    for (const QString &source : captured(QStringLiteral(" src=\"([^\"]{0,20})"), m_page))
+    const QStringList sources = captured(QStringLiteral(" src=\"([^\"]{0,20})"), m_page);
+    for (const QString &source : sources)
         QVERIFY2(source.startsWith(QLatin1String("data:image/")), qPrintable(source));
 }
 
@@ -167,7 +170,8 @@ void TestHelpPage::linksLeadSomewhere()
 {
     const QStringList ids = captured(QStringLiteral(" id=\"([^\"]*)\""), m_page);
     QCOMPARE(QSet<QString>(ids.cbegin(), ids.cend()).size(), ids.size());
-    for (const QString &target : captured(QStringLiteral(" href=\"([^\"]*)\""), m_page))
+    const QStringList targets = captured(QStringLiteral(" href=\"([^\"]*)\""), m_page);
+    for (const QString &target : targets)
         QVERIFY2(target.startsWith(QLatin1Char('#')) && ids.contains(target.mid(1)),
                  qPrintable(target));
 }
@@ -175,7 +179,8 @@ void TestHelpPage::linksLeadSomewhere()
 void TestHelpPage::structureServesScreenReaders()
 {
     int last = 0;
-    for (const QString &digit : captured(QStringLiteral("<h([1-6])[ >]"), m_page)) {
+    const QStringList levels = captured(QStringLiteral("<h([1-6])[ >]"), m_page);
+    for (const QString &digit : levels) {
         QVERIFY2(digit.toInt() <= last + 1, "a heading skips a level");
         last = digit.toInt();
     }

@@ -26,8 +26,8 @@ QJsonObject disk(QSize native, double radius)
     return {{QStringLiteral("width"), native.width()},
             {QStringLiteral("height"), QString::number(native.height())},
             {QStringLiteral("rsun"), radius},
-            {QStringLiteral("refPixelX"), native.width() / 2 + 0.5},
-            {QStringLiteral("refPixelY"), native.height() / 2 + 0.5}};
+            {QStringLiteral("refPixelX"), (native.width() + 1) / 2.0},
+            {QStringLiteral("refPixelY"), (native.height() + 1) / 2.0}};
 }
 
 QString warning(int x, int y, int width, int height)

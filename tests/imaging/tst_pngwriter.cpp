@@ -14,7 +14,8 @@ QImage noise(QSize size, QImage::Format format = QImage::Format_ARGB32)
 {
     QImage image(size, format);
     QRandomGenerator random(20240501);
-    random.fillRange(reinterpret_cast<QRgb *>(image.bits()), size.width() * size.height());
+    random.fillRange(reinterpret_cast<QRgb *>(image.bits()),
+                     qsizetype(size.width()) * size.height());
     image.setPixel(0, 0, 0x00ff8040U);
     return image;
 }

@@ -80,8 +80,8 @@ QByteArray TestSession::addFrames(const QByteArray &source, const QString &folde
 {
     QByteArray rows;
     QDir(path()).mkdir(folder);
-    for (const QByteArray minute : {"0", "1", "2"}) {
-        const QString file = folder + u"/frame_"_s + QString::fromLatin1(minute) + u".png"_s;
+    for (const char *const minute : {"0", "1", "2"}) {
+        const QString file = folder + u"/frame_"_s + QLatin1String(minute) + u".png"_s;
         frame(size).save(filePath(file));
         rows += source + ",2024-05-01T12:0" + minute + ":00Z," + file.toUtf8() + ",OK,4096,1600\n";
     }
