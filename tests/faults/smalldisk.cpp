@@ -5,6 +5,8 @@
 
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -14,12 +16,24 @@ void mountOn(const QString &path, unsigned long flags)
         qFatal("cannot mount a disk on %s", qPrintable(path));
 }
 
+/// Lets mounts of this process vanish with it.
+bool enterOwnNamespace()
+{
+    return unshare(CLONE_NEWNS) == 0 &&
+           mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
 } // namespace
 
 bool SmallDisk::prepare()
 {
-    return unshare(CLONE_NEWNS) == 0 &&
-           mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+    // A child tries it first: where only the first half works, as in a changed root, a process is
+    // left that no longer finds its own executable.
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(enterOwnNamespace() ? 0 : 1);
+    int status = 0;
+    return child > 0 && waitpid(child, &status, 0) == child && status == 0 && enterOwnNamespace();
 }
 
 SmallDisk::SmallDisk()
