@@ -78,6 +78,7 @@ void LogView::append(const QString &text)
 
     QTextCursor cursor(m_log->document());
     cursor.movePosition(QTextCursor::End);
+    cursor.beginEditBlock(); // the line is laid out once, not after each of its pieces
     cursor.insertText(QStringLiteral("[%1] ").arg(
                           QLocale::c().toString(QTime::currentTime(), QStringLiteral("HH:mm:ss"))),
                       format(QColor(135, 140, 150), QFont::Normal));
@@ -85,6 +86,7 @@ void LogView::append(const QString &text)
         m_log->setWordWrapMode(QTextOption::WrapAnywhere);
     cursor.insertText(text, format(lineClass, m_log->palette()));
     cursor.insertBlock();
+    cursor.endEditBlock();
     m_log->setTextCursor(cursor);
     m_log->ensureCursorVisible();
     refreshTitle();
