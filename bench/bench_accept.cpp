@@ -20,6 +20,7 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QTextEdit>
+#include <QTimer>
 
 #include <cstdio>
 
@@ -48,12 +49,16 @@ public:
                              m_log.append(text);
                              watch.leaveWindow();
                          });
-        QObject::connect(&controller, &AcquisitionController::previewReady, &m_preview,
-                         [this, &watch](const QString &, const QString &imageFile) {
-                             watch.enterWindow();
-                             m_preview.showFile(imageFile);
-                             watch.leaveWindow();
-                         });
+        QObject::connect(
+            &controller, &AcquisitionController::previewReady, &m_preview,
+            [this, &watch](const QString &, const QString &imageFile) {
+                QTimer::singleShot(0, &m_preview, [this, &watch, imageFile] {
+                    watch.enterWindow();
+                    m_preview.showFile(imageFile);
+                    watch.leaveWindow();
+                });
+            },
+            Qt::QueuedConnection);
     }
 
 private:

@@ -178,7 +178,14 @@ void MainWindow::connectEngine()
             &QLabel::setText);
     connect(m_controller, &AcquisitionController::sourceTimingAnalyzed, this,
             &MainWindow::onSourceTimingAnalyzed);
-    connect(m_controller, &AcquisitionController::previewReady, this, &MainWindow::onPreviewReady);
+    // Shown when the next request is under way, which is two turns of the event loop later: the
+    // preview then neither adds to the longest stall nor to the time of the session.
+    connect(
+        m_controller, &AcquisitionController::previewReady, this,
+        [this](auto... frame) {
+            QTimer::singleShot(0, this, [this, frame...] { onPreviewReady(frame...); });
+        },
+        Qt::QueuedConnection);
     connect(m_controller, &AcquisitionController::finished, this, &MainWindow::onFinished);
 }
 
