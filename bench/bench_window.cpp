@@ -122,6 +122,7 @@ int showUntilPainted(const QString &which)
         window = std::make_unique<MainWindow>();
     else
         window = which == QLatin1String("form") ? emptyForm() : emptyWindow();
+    window->setWindowState(Qt::WindowNoState); // all of one size, whatever the screen
     EndAtFirstPaint filter;
     window->installEventFilter(&filter);
     window->show();

@@ -4,6 +4,7 @@
 #include "ui_mainwindow.h"
 
 #include <QMetaProperty>
+#include <QScreen>
 #include <QSettings>
 
 namespace {
@@ -100,6 +101,14 @@ QVariant valueOf(const Field &field)
                      field.defaultValue.type());
 }
 
+/// What lies beside the screen cannot be reached: on a small laptop that were the settings.
+void maximizeOnSmallScreen(QMainWindow *window)
+{
+    const QSize room = window->screen()->availableSize();
+    if (window->width() > room.width() || window->height() > room.height())
+        window->setWindowState(window->windowState() | Qt::WindowMaximized);
+}
+
 void saveSelection(Store &store, QTreeWidget *tree)
 {
     if (tree->topLevelItemCount() == 0)
@@ -135,7 +144,8 @@ void UiSettings::restoreLayout(QMainWindow *window, const Ui::MainWindow &form)
         if (!stored.isEmpty())
             apply(stored);
     };
-    restore(geometryKey, [&](const QByteArray &geometry) { window->restoreGeometry(geometry); });
+    if (!window->restoreGeometry(store.value(QLatin1String(geometryKey)).toByteArray()))
+        maximizeOnSmallScreen(window);
     restore(stateKey, [&](const QByteArray &state) { window->restoreState(state, layoutVersion); });
     restore(splitterKey,
             [&](const QByteArray &state) { form.catalogSplitter->restoreState(state); });

@@ -10,6 +10,7 @@
 #include <QJsonObject>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QSpinBox>
 #include <QTextBrowser>
 #include <QToolBar>
@@ -53,6 +54,7 @@ private slots:
     void initTestCase() { WindowFixture::isolateUserSettings(); }
     void init();
     void everyInteractivePartHasANameAndAKey();
+    void firstWindowFitsTheScreen();
     void detailsFollowCurrentAndSampling();
     void refusedStartSavesSettingsAndKeepsTheLog();
     void presetCountsUntilTheUserSaved();
@@ -90,6 +92,13 @@ void TestMainWindow::everyInteractivePartHasANameAndAKey()
     const QFontMetrics log = part<QTextEdit>(window, "log")->fontMetrics();
     QCOMPARE(log.horizontalAdvance(QStringLiteral("iiii")),
              log.horizontalAdvance(QStringLiteral("WWWW")));
+}
+
+void TestMainWindow::firstWindowFitsTheScreen()
+{
+    MainWindow window;
+    window.show();
+    QVERIFY(window.screen()->availableGeometry().contains(window.geometry()));
 }
 
 void TestMainWindow::detailsFollowCurrentAndSampling()
