@@ -151,6 +151,16 @@ void restore(QTreeWidget *tree, const CatalogTree::Selection &selection)
         tree->setCurrentItem(current);
 }
 
+CatalogTree::Leaves firstLeaves(QTreeWidget *tree)
+{
+    CatalogTree::Leaves leaves;
+    forEachLeaf(tree, [&leaves](QTreeWidgetItem *leaf) {
+        if (!leaves.contains(idOf(leaf)))
+            leaves.insert(idOf(leaf), leaf);
+    });
+    return leaves;
+}
+
 } // namespace
 
 void CatalogTree::prepare(QTreeWidget *tree)
@@ -158,7 +168,8 @@ void CatalogTree::prepare(QTreeWidget *tree)
     tree->setItemDelegate(new CatalogDelegate(tree));
 }
 
-void CatalogTree::fill(QTreeWidget *tree, const QJsonObject &catalog, Selection *selection)
+CatalogTree::Leaves CatalogTree::fill(QTreeWidget *tree, const QJsonObject &catalog,
+                                      Selection *selection)
 {
     if (tree->topLevelItemCount() > 0)
         *selection = selectionOf(tree);
@@ -167,6 +178,7 @@ void CatalogTree::fill(QTreeWidget *tree, const QJsonObject &catalog, Selection 
     tree->sortItems(column, Qt::AscendingOrder);
     tree->expandToDepth(1);
     restore(tree, *selection);
+    return firstLeaves(tree);
 }
 
 bool CatalogTree::holdsSource(const QJsonObject &catalog)
@@ -232,22 +244,13 @@ void CatalogTree::untickAll(QTreeWidget *tree)
     forEachLeaf(tree, [](QTreeWidgetItem *leaf) { setTicked(leaf, false); });
 }
 
-QTreeWidgetItem *CatalogTree::setAnalysis(QTreeWidget *tree, int sourceId,
-                                          const SourceCadence &analysis)
+void CatalogTree::setAnalysis(QTreeWidgetItem *leaf, const SourceCadence &analysis)
 {
-    for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it) {
-        QTreeWidgetItem *item = *it;
-        if (!isLeaf(item) || idOf(item) != sourceId)
-            continue;
-        item->setData(column, UniqueFramesRole, analysis.uniqueFrames);
-        item->setData(column, MedianRole, analysis.medianSeconds);
-        item->setData(column, MinRole, analysis.minSeconds);
-        item->setData(column, MaxRole, analysis.maxSeconds);
-        item->setToolTip(column,
-                         SourceDetails::toolTipWithCadence(item->toolTip(column), analysis));
-        return item;
-    }
-    return nullptr;
+    leaf->setData(column, UniqueFramesRole, analysis.uniqueFrames);
+    leaf->setData(column, MedianRole, analysis.medianSeconds);
+    leaf->setData(column, MinRole, analysis.minSeconds);
+    leaf->setData(column, MaxRole, analysis.maxSeconds);
+    leaf->setToolTip(column, SourceDetails::toolTipWithCadence(leaf->toolTip(column), analysis));
 }
 
 void CatalogTree::clearAnalyses(QTreeWidget *tree)

@@ -3,6 +3,7 @@
 #include "acquisition/datasource.h"
 #include "ui/sourcedetails.h"
 
+#include <QHash>
 #include <QSet>
 #include <QStringList>
 #include <QVector>
@@ -28,6 +29,9 @@ struct Selection
     int currentId = -1; ///< -1 while no leaf is current
 };
 
+/// The first leaf of each datasource id, until the tree is rebuilt; not owned.
+using Leaves = QHash<int, QTreeWidgetItem *>;
+
 /// Makes @p tree show what the service sends as it is: no text is taken for markup.
 void prepare(QTreeWidget *tree);
 
@@ -37,7 +41,7 @@ void prepare(QTreeWidget *tree);
  * @param selection  restored afterwards; a tree that already shows a catalog replaces it first
  *                   with what is ticked and current there
  */
-void fill(QTreeWidget *tree, const QJsonObject &catalog, Selection *selection);
+Leaves fill(QTreeWidget *tree, const QJsonObject &catalog, Selection *selection);
 
 bool holdsSource(const QJsonObject &catalog);         ///< any datasource at any depth
 bool isLeaf(const QTreeWidgetItem *item);             ///< false for null
@@ -48,8 +52,8 @@ QVector<DataSource> tickedSources(QTreeWidget *tree); ///< from top to bottom
 void tickAiaBands(QTreeWidget *tree); ///< ticks the seven coronal bands of AIA and nothing else
 void untickAll(QTreeWidget *tree);
 
-/// Keeps an analysis on the first leaf with this id; null when there is none.
-QTreeWidgetItem *setAnalysis(QTreeWidget *tree, int sourceId, const SourceCadence &analysis);
+/// Keeps an analysis on its leaf, and tells it in the leaf's tool tip.
+void setAnalysis(QTreeWidgetItem *leaf, const SourceCadence &analysis);
 void clearAnalyses(QTreeWidget *tree);
 
 } // namespace CatalogTree

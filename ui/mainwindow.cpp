@@ -215,7 +215,7 @@ bool MainWindow::showCachedCatalog()
 
 void MainWindow::fillTree(const QJsonObject &catalog)
 {
-    CatalogTree::fill(m_form->sourcesTree, catalog, &m_selection);
+    m_leaves = CatalogTree::fill(m_form->sourcesTree, catalog, &m_selection);
 }
 
 void MainWindow::refreshSources()
@@ -234,8 +234,10 @@ void MainWindow::updateRefreshButton()
 
 void MainWindow::onCatalogReceived(const QJsonObject &catalog)
 {
-    if (m_form->sourcesTree->topLevelItemCount() > 0 && !CatalogTree::holdsSource(catalog)) {
-        // The service has been seen to send its error object as a good answer.
+    // The service has been seen to send its error object as a good answer.
+    const bool mayBeError =
+        m_form->sourcesTree->topLevelItemCount() > 0 || catalog.contains(QStringLiteral("error"));
+    if (mayBeError && !CatalogTree::holdsSource(catalog)) {
         onCatalogError(QStringLiteral("getDataSources"),
                        tr("The answer holds no datasource. The catalog stays as it was; try again "
                           "later."));
@@ -303,9 +305,11 @@ void MainWindow::refreshEstimate()
 void MainWindow::onSourceTimingAnalyzed(int sourceId, int uniqueFrames, int medianSeconds,
                                         int minSeconds, int maxSeconds)
 {
-    const QTreeWidgetItem *leaf = CatalogTree::setAnalysis(
-        m_form->sourcesTree, sourceId, {uniqueFrames, medianSeconds, minSeconds, maxSeconds});
-    if (leaf != nullptr && leaf == m_form->sourcesTree->currentItem())
+    QTreeWidgetItem *leaf = m_leaves.value(sourceId);
+    if (leaf == nullptr)
+        return;
+    CatalogTree::setAnalysis(leaf, {uniqueFrames, medianSeconds, minSeconds, maxSeconds});
+    if (leaf == m_form->sourcesTree->currentItem())
         renderDetails(leaf);
 }
 

@@ -86,5 +86,6 @@ private:
     std::unique_ptr<Ui::MainWindow> m_form;
     LogView *m_log = nullptr;           // a child
     PreviewPane *m_preview = nullptr;   // a child
+    CatalogTree::Leaves m_leaves;       // of the tree as it is
     CatalogTree::Selection m_selection; // to be restored by the next rebuild of the tree
 };

@@ -59,6 +59,7 @@ private slots:
     void presetCountsUntilTheUserSaved();
     void wrongStoredValues();
     void brokenCacheAsksTheService();
+    void answerWithoutDatasourcesIsAnError();
     void unwritableCacheIsAWarning();
     void playsTheNewestVideo();
 
@@ -188,6 +189,28 @@ void TestMainWindow::brokenCacheAsksTheService()
     QVERIFY(logText(window).contains(QStringLiteral("] ERROR getDataSources: curl: (7)")));
     QCOMPARE(part<QDockWidget>(window, "logWidget")->windowTitle(),
              QStringLiteral("Log  -  ERR 1 / WARN 0"));
+}
+
+void TestMainWindow::answerWithoutDatasourcesIsAnError()
+{
+    WindowFixture::reset();
+    const QJsonObject error{{QStringLiteral("error"), QJsonObject{{QStringLiteral("errno"), 12}}}};
+    const QString cache = TestFolder::path(QStringLiteral("sys/helioviewer_sources.json"));
+    TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9"));
+    for (const bool first : {true, false}) {
+        if (!first)
+            WindowFixture::writeCatalog(catalog);
+        BoxCloser boxes;
+        MainWindow window;
+        const int items = part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount();
+        QCOMPARE(items, first ? 0 : 1);
+        for (const QJsonObject &answer : {error, first ? error : QJsonObject()})
+            QVERIFY(QMetaObject::invokeMethod(&window, "onCatalogReceived",
+                                              Q_ARG(QJsonObject, answer)));
+        QCOMPARE(part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount(), items);
+        QCOMPARE(logText(window).count(QStringLiteral("The answer holds no datasource.")), 2);
+        QCOMPARE(QFile::exists(cache), !first);
+    }
 }
 
 void TestMainWindow::unwritableCacheIsAWarning()
