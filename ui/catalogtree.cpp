@@ -189,6 +189,14 @@ bool CatalogTree::holdsSource(const QJsonObject &catalog)
     });
 }
 
+bool CatalogTree::holdsLeaf(QTreeWidget *tree)
+{
+    QTreeWidgetItemIterator it(tree);
+    while (*it != nullptr && !isLeaf(*it))
+        ++it;
+    return *it != nullptr;
+}
+
 bool CatalogTree::isLeaf(const QTreeWidgetItem *item)
 {
     return item != nullptr && item->data(column, SourceIdRole).isValid();

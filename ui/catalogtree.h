@@ -44,6 +44,7 @@ void prepare(QTreeWidget *tree);
 Leaves fill(QTreeWidget *tree, const QJsonObject &catalog, Selection *selection);
 
 bool holdsSource(const QJsonObject &catalog);         ///< any datasource at any depth
+bool holdsLeaf(QTreeWidget *tree);                    ///< any datasource to choose
 bool isLeaf(const QTreeWidgetItem *item);             ///< false for null
 CatalogSource source(const QTreeWidgetItem *leaf);    ///< all that is known of a leaf
 int currentId(const QTreeWidget *tree);               ///< -1 when no leaf is current

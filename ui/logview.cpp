@@ -67,6 +67,7 @@ LogView::LogView(QTextEdit *log, QDockWidget *dock, QObject *parent)
     : QObject(parent), m_log(log), m_dock(dock)
 {
     log->setUndoRedoEnabled(false); // else every line would be remembered twice
+    log->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     keepColumnsAligned(log);
 }
 

@@ -109,6 +109,8 @@ void MainWindow::makeKeyboardAccessible()
     m_form->actionExit->setShortcuts(QKeySequence::Quit);
     m_form->actionRefreshCatalog->setShortcuts(QKeySequence::Refresh);
     m_form->actionHelpOrvik->setShortcuts(QKeySequence::HelpContents);
+    // In no menu: without this their keys would go with a tool bar that is hidden.
+    addActions({m_form->actionStartAcquisition, m_form->actionStopAcquisition});
 
     // Buttons of a tool bar take no focus of themselves; these follow the log.
     QWidget *previous = m_form->log;
@@ -205,8 +207,8 @@ void MainWindow::loadCatalog()
 bool MainWindow::showCachedCatalog()
 {
     const std::optional<QJsonObject> catalog = CatalogCache::load();
-    if (!catalog)
-        return false;
+    if (!catalog || !CatalogTree::holdsSource(*catalog))
+        return false; // no such file, or somebody else's
     fillTree(*catalog);
     m_log->append(QStringLiteral("Loaded cached catalog: %1")
                       .arg(QDir::toNativeSeparators(RuntimeConfig::catalogPath())));

@@ -23,6 +23,7 @@ bool PreviewPane::showFile(const QString &imageFile)
         return false;
     m_frame = frame;
     m_frame.setDevicePixelRatio(1.0);
+    m_shown = QPixmap();
     rescale();
     return true;
 }
@@ -30,6 +31,7 @@ bool PreviewPane::showFile(const QString &imageFile)
 void PreviewPane::clear(const QString &text)
 {
     m_frame = QPixmap();
+    m_shown = QPixmap();
     m_label->setPixmap(QPixmap());
     m_label->setText(text);
 }
@@ -41,9 +43,12 @@ void PreviewPane::rescale()
     const QSize target =
         (m_label->contentsRect().size() - QSize(marginPx, marginPx)).expandedTo(QSize(1, 1));
     const qreal ratio = m_label->devicePixelRatioF();
-    QPixmap scaled = m_frame.scaled(target * ratio, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-    scaled.setDevicePixelRatio(ratio);
-    m_label->setPixmap(scaled); // replaces the text
+    const QSize fitted = m_frame.size().scaled(target * ratio, Qt::KeepAspectRatio);
+    if (m_shown.size() == fitted && m_shown.devicePixelRatio() == ratio)
+        return; // a window that is resized asks twice: itself and through the label
+    m_shown = m_frame.scaled(fitted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    m_shown.setDevicePixelRatio(ratio);
+    m_label->setPixmap(m_shown); // replaces the text
 }
 
 bool PreviewPane::eventFilter(QObject *watched, QEvent *event)

@@ -31,4 +31,5 @@ protected:
 private:
     QLabel *m_label; // not owned; belongs to the window's form
     QPixmap m_frame; // full size; null until the first frame
+    QPixmap m_shown; // fitted into the label; null until it is made
 };

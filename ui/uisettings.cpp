@@ -73,7 +73,8 @@ QVariant storedValue(const Store &store, const Field &field)
     return field.defaultValue;
 }
 
-/// @p value as @p type; what does not convert becomes 0, false or an invalid time.
+/// @p value as @p type. What is no number becomes 0, what is no time an invalid one; any text but
+/// "", "0" and "false" is true.
 QVariant converted(const QVariant &value, QVariant::Type type)
 {
     switch (static_cast<QMetaType::Type>(type)) {
@@ -111,7 +112,7 @@ void maximizeOnSmallScreen(QMainWindow *window)
 
 void saveSelection(Store &store, QTreeWidget *tree)
 {
-    if (tree->topLevelItemCount() == 0)
+    if (!CatalogTree::holdsLeaf(tree))
         return; // without a catalog nobody has chosen anything: what is stored stays
 
     QStringList ids;

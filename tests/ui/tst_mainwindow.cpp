@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QTabWidget>
 #include <QTextBrowser>
 #include <QToolBar>
 #include <QTreeWidget>
@@ -60,6 +61,8 @@ private slots:
     void wrongStoredValues();
     void brokenCacheAsksTheService();
     void answerWithoutDatasourcesIsAnError();
+    void somebodyElsesCacheCostsNoTicks();
+    void vanishedPreviewIsAWarning();
     void unwritableCacheIsAWarning();
     void playsTheNewestVideo();
 
@@ -82,13 +85,21 @@ void TestMainWindow::everyInteractivePartHasANameAndAKey()
     MainWindow window;
     window.show();
     QVERIFY(QTest::qWaitForWindowActive(&window));
-    QCOMPARE(nameless(QAccessible::queryAccessibleInterface(&window)).join(QLatin1Char(' ')),
-             QString());
+    auto *tabs = window.findChild<QTabWidget *>();
+    for (int tab = 0; tab < tabs->count(); ++tab) {
+        tabs->setCurrentIndex(tab);
+        QCOMPARE(nameless(QAccessible::queryAccessibleInterface(&window)).join(QLatin1Char(' ')),
+                 QString());
+    }
     QWidget *start = part<QToolBar>(window, "mainToolBar")
                          ->widgetForAction(part<QAction>(window, "actionStartAcquisition"));
     for (int presses = 0; window.focusWidget() != start && presses < 40; ++presses)
         QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
     QCOMPARE(window.focusWidget(), start);
+    part<QToolBar>(window, "mainToolBar")->hide();
+    BoxCloser boxes; // no datasource is ticked
+    QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
+    QCOMPARE(boxes.shown.size(), 1);
     const QFontMetrics log = part<QTextEdit>(window, "log")->fontMetrics();
     QCOMPARE(log.horizontalAdvance(QStringLiteral("iiii")),
              log.horizontalAdvance(QStringLiteral("WWWW")));
@@ -211,6 +222,31 @@ void TestMainWindow::answerWithoutDatasourcesIsAnError()
         QCOMPARE(logText(window).count(QStringLiteral("The answer holds no datasource.")), 2);
         QCOMPARE(QFile::exists(cache), !first);
     }
+}
+
+void TestMainWindow::somebodyElsesCacheCostsNoTicks()
+{
+    WindowFixture::writeCatalog(R"({"name": "orvik", "dependencies": {"left": {}}})");
+    TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9"));
+    const QString ticks = QStringLiteral("sources/selectedIds");
+    userSettings().setValue(ticks, QStringList(QStringLiteral("10")));
+    BoxCloser boxes;
+    MainWindow window;
+    QVERIFY(logText(window).contains(QStringLiteral("Refreshing Helioviewer")));
+    window.close();
+    QCOMPARE(userSettings().value(ticks).toStringList(), QStringList(QStringLiteral("10")));
+}
+
+void TestMainWindow::vanishedPreviewIsAWarning()
+{
+    MainWindow window;
+    const QString file = QStringLiteral("/no/frame.png");
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    QVERIFY(QMetaObject::invokeMethod(&window, "onPreviewReady", Q_ARG(QString, QString()),
+                                      Q_ARG(QString, file), Q_ARG(QDateTime, now),
+                                      Q_ARG(QDateTime, now), Q_ARG(qint64, 0)));
+    QVERIFY(
+        logText(window).contains(QStringLiteral("WARNING: unable to load preview image ") + file));
 }
 
 void TestMainWindow::unwritableCacheIsAWarning()
