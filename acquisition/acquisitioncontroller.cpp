@@ -612,6 +612,15 @@ void AcquisitionController::cancelChildren()
     }
 }
 
+/// False when the disk did not take the descriptor. Where not even a save file can be opened, the
+/// session's folder is gone or closed to us, which is no news: its user took it away.
+bool AcquisitionController::writeDescriptor(bool canceled) const
+{
+    return JsonFile::save(QDir(m_sessionDirectory).filePath(SessionFiles::descriptor()),
+                          SessionDescriptor::toJson(toRecord(m_settings, m_tally, canceled))) !=
+           JsonFile::SaveResult::CannotCommit;
+}
+
 /// All that belongs to the session is settled before the first signal: a slot may start the next.
 void AcquisitionController::finish(bool canceled)
 {
@@ -619,8 +628,7 @@ void AcquisitionController::finish(bool canceled)
         return;
     const bool manifestWaited = m_manifestWaits;
     const bool manifestWhole = m_manifest.close();
-    JsonFile::save(QDir(m_sessionDirectory).filePath(SessionFiles::descriptor()),
-                   SessionDescriptor::toJson(toRecord(m_settings, m_tally, canceled)));
+    const bool descriptorLost = !writeDescriptor(canceled);
     discardFrame();
     m_lookup.reset();
     m_encoding = false;
@@ -632,6 +640,8 @@ void AcquisitionController::finish(bool canceled)
         emit logMessage(AcquisitionLog::manifestIncomplete());
     else if (manifestWaited)
         emit logMessage(AcquisitionLog::manifestRecovered());
+    if (descriptorLost)
+        emit logMessage(AcquisitionLog::descriptorLost());
     if (!canceled)
         emit progressChanged(clampedToInt(total), clampedToInt(qMax<qint64>(total, 1)));
     emit stateChanged(AcquisitionLog::endState(canceled));

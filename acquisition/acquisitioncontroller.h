@@ -129,6 +129,7 @@ private:
     void finishEncoding();
 
     void cancelChildren();
+    bool writeDescriptor(bool canceled) const;
     void finish(bool canceled);
     qint64 totalSteps() const;
 

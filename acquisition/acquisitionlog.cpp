@@ -340,6 +340,13 @@ QString AcquisitionLog::framesRemoved()
         "Original and timestamped PNG frames removed after successful video encoding.");
 }
 
+QString AcquisitionLog::descriptorLost()
+{
+    return QStringLiteral("ERROR session.json could not be written: the ROI video tool cannot open "
+                          "this session. Its other files are kept; free some disk space before "
+                          "the next one.");
+}
+
 QString AcquisitionLog::stopRequested()
 {
     return QStringLiteral("Stop requested by user.");

@@ -90,6 +90,7 @@ QString encoderNotStarted(const DataSource &source, const QString &reason);
 QString encodingFailed(const DataSource &source, int exitCode);
 QString videoCompleted(const DataSource &source);
 QString framesRemoved();
+QString descriptorLost();
 QString stopRequested();
 QString sessionEnd(bool canceled);
 

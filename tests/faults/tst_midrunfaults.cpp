@@ -211,6 +211,7 @@ void TestMidrunFaults::somethingHappens()
     const QString log = scene.road.events.join(QLatin1Char('\n')); // ffmpeg's "[mp4] ..." as well
     QVERIFY2(log.contains(line) && log.contains(film), qPrintable(log));
     QCOMPARE(scene.road.events.last(), QStringLiteral("[finished] completed"));
+    QCOMPARE(scene.road.count("ERROR session.json"), 0); // also when its folder is gone
     const SessionCheck check = SessionCheck::of(scene.session);
     QVERIFY(check.hasDescriptor || !QFile::exists(scene.session));
     if (statuses.isEmpty())
@@ -285,6 +286,7 @@ void TestMidrunFaults::diskFullForTheLedger()
     const SessionCheck check = SessionCheck::of(scene.road.sessionDirectory());
     QCOMPARE(check.faults + check.strays, QStringList());
     QCOMPARE(check.hasDescriptor, relief > 0);
+    QCOMPARE(scene.road.count("ERROR session.json"), relief > 0 ? 0 : 1);
     QCOMPARE(check.statuses.size() == 41, relief > 0);
 }
 
