@@ -26,8 +26,9 @@ int stepSeconds(const CadenceStatistics &statistics, int cadenceSeconds);
 /**
  * The first instant to ask for.
  *
- * Where the archive is sparser than asked for, its earliest frame inside the interval keeps the
- * requests in phase with the instrument; otherwise it is @p startUtc.
+ * Where the archive is sparser than asked for, a start on the first of @p frameSeconds keeps the
+ * requests in phase with the instrument; when that frame lies outside the interval no other one
+ * is tried. Otherwise it is @p startUtc.
  */
 QDateTime anchorUtc(const CadenceStatistics &statistics, const QVector<qint64> &frameSeconds,
                     const QDateTime &startUtc, const QDateTime &endUtc, int cadenceSeconds);
