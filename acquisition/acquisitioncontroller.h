@@ -24,7 +24,10 @@ class QImage;
  * probes, the lookups and the downloads, ffmpeg for the films. Each step that follows another is
  * taken from the event loop and never from inside the slot of the step before: a request that
  * fails at once must not call itself, a QProcess cannot be started again from its own
- * errorOccurred, and a frame's memory is to be free before the next child is forked.
+ * errorOccurred, and a frame's memory is to be free before the next child is forked. The one
+ * exception is a download, which starts in the slot that brought its lookup, or a picture that
+ * does not decode: there the client is idle again and may be asked, no picture is held, and one
+ * that fails at once only closes its request, from which the next is a step of its own.
  *
  * Slots connected to the signals may call stop() at any time, and start() as soon as isRunning()
  * tells false. Destruction ends a session without a word: children are killed, the manifest stays,
