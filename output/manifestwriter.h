@@ -12,8 +12,10 @@ struct ManifestRow;
  * The ledger of a session: one whole row on disk for each outcome, as soon as it is known.
  *
  * A row reaches the system in one write, so that the file ends with a whole row when the program
- * dies; only a kill within that very call can cut one, where it crosses a memory page. Text is
- * stored in the encoding of the locale.
+ * dies; only a kill within that very call can cut one, where it crosses a memory page. On Windows,
+ * where line ends are translated, it takes two: the row, then its CR LF; a kill between them costs
+ * the last row its line end, without which it is read all the same. Text is stored in the encoding
+ * of the locale.
  */
 class ManifestWriter
 {
