@@ -171,8 +171,7 @@ void HelioviewerClient::start(Operation operation, const Request &request,
     m_insecureRetried = false;
     m_lastArguments = arguments;
     m_request = request;
-    emit logMessage(
-        QStringLiteral("curl: %1").arg(arguments.isEmpty() ? QString() : arguments.last()));
+    emit logMessage(QStringLiteral("curl: %1").arg(arguments.last())); // the URL
     launch(program, arguments);
 }
 
