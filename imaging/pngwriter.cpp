@@ -1,5 +1,6 @@
 #include "imaging/pngwriter.h"
 
+#include "base/filereplace.h"
 #include "imaging/pngrows.h"
 
 #include <QFile>
@@ -11,10 +12,8 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <new>
-#include <system_error>
 
 namespace {
 
@@ -177,15 +176,6 @@ File encode(const QImage &image, PngWriter::Packing packing)
     return file;
 }
 
-bool replace(const QString &path, const QString &by)
-{
-    const std::filesystem::path from(QFile::encodeName(by).toStdString());
-    const std::filesystem::path to(QFile::encodeName(path).toStdString());
-    std::error_code error;
-    std::filesystem::rename(from, to, error);
-    return !error;
-}
-
 /**
  * Writes beside @p path and renames, so that a full disk leaves no half frame.
  *
@@ -201,7 +191,7 @@ bool writeFile(const File &file, const QString &path)
                        part.write(reinterpret_cast<const char *>(file.bytes.get()), size) == size &&
                        part.flush();
     part.close();
-    if (whole && replace(path, part.fileName()))
+    if (whole && FileReplace::replace(path, part.fileName()))
         return true;
     part.remove();
     return false;

@@ -1,5 +1,6 @@
 #include "roi/roiset.h"
 
+#include "base/filereplace.h"
 #include "base/jsonfile.h"
 
 #include <QDir>
@@ -9,7 +10,6 @@
 #include <QJsonObject>
 
 #include <cmath>
-#include <cstdio>
 
 namespace {
 
@@ -60,8 +60,7 @@ JsonFile::SaveResult saveOverLink(const QString &path, const QJsonObject &object
     const QString fresh = path + QStringLiteral(".new");
     QFile::remove(fresh); // which may be a link as well
     const JsonFile::SaveResult result = JsonFile::save(fresh, object);
-    if (result != JsonFile::SaveResult::Saved ||
-        std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path).constData()) == 0)
+    if (result != JsonFile::SaveResult::Saved || FileReplace::replace(path, fresh))
         return result;
     QFile::remove(fresh);
     return JsonFile::SaveResult::CannotCommit;

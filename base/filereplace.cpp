@@ -1,0 +1,27 @@
+#include "base/filereplace.h"
+
+#include <QFile>
+
+#include <filesystem>
+#include <system_error>
+
+namespace {
+
+/// Only as wide text does a name reach Windows whole: its 8-bit one has the letters of one script.
+std::filesystem::path systemPath(const QString &path)
+{
+#ifdef Q_OS_WIN
+    return path.toStdWString();
+#else
+    return QFile::encodeName(path).toStdString();
+#endif
+}
+
+} // namespace
+
+bool FileReplace::replace(const QString &path, const QString &by)
+{
+    std::error_code error; // neither QFile nor C's rename() replaces a file everywhere
+    std::filesystem::rename(systemPath(by), systemPath(path), error);
+    return !error;
+}
