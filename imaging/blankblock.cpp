@@ -14,9 +14,21 @@
 
 namespace {
 
-constexpr int smallestSidePx = 256;
-constexpr double smallestRadiusPx = 32.0;
-constexpr double searchedRadius = 0.9; // the limb itself may be dark
+constexpr int smallestSidePx = 256;       // fewer than four cells would tell nothing
+constexpr double smallestRadiusPx = 32.0; // no cell fits into a smaller disk
+constexpr double searchedRadius = 0.9;    // the limb itself may be dark
+
+/// Cells follow the picture, within bounds: smaller ones would find dark spots of the Sun, larger
+/// ones would be too coarse for the tiles of the renderer.
+constexpr int cellsPerShortSide = 16;
+constexpr int smallestCellPx = 64;
+constexpr int largestCellPx = 256;
+
+constexpr int samplesPerCellSide = 32; // bounds the work, however large the picture
+constexpr int blankPerMille = 998;     // of the samples: a stray bright pixel or two hide no block
+constexpr int filledPercent = 75;      // of a group's box: three cells of four are still a block
+
+constexpr int pixelValues = 256; // of an 8-bit picture
 
 /// The solar disk in pixels of the rendered image.
 struct Disk
@@ -31,7 +43,8 @@ struct Grid
 {
     explicit Grid(QSize size)
         : picture(size)
-        , cellPx(qBound(64, qMin(size.width(), size.height()) / 16, 256))
+        , cellPx(qBound(smallestCellPx, qMin(size.width(), size.height()) / cellsPerShortSide,
+                        largestCellPx))
         , columns((size.width() + cellPx - 1) / cellPx)
         , rows((size.height() + cellPx - 1) / cellPx)
     {}
@@ -105,15 +118,15 @@ bool isBlank(QRgb pixel)
     return (pixel & 0xfe000000U) == 0 || (pixel & 0x00fefefeU) == 0;
 }
 
-using BlankValues = std::array<bool, 256>;
+using BlankValues = std::array<bool, pixelValues>;
 
-/// Which of the 256 pixel values of an 8-bit picture are blank, once converted to ARGB32.
+/// Which of the pixel values of an 8-bit picture are blank, once converted to ARGB32.
 BlankValues blankValues(const QImage &image)
 {
-    QImage ramp(256, 1, image.format());
+    QImage ramp(pixelValues, 1, image.format());
     ramp.setColorTable(image.colorTable());
     uchar *value = ramp.scanLine(0);
-    for (int i = 0; i < 256; ++i)
+    for (int i = 0; i < pixelValues; ++i)
         value[i] = static_cast<uchar>(i);
 
     const QImage converted = ramp.convertToFormat(QImage::Format_ARGB32);
@@ -124,11 +137,11 @@ BlankValues blankValues(const QImage &image)
     return blank;
 }
 
-/// True when at least 99.8 % of the samples of @p cell are blank.
+/// True when all samples of @p cell are blank but for a few in a thousand.
 template<typename Pixel, typename BlankTest>
 bool isBlankCell(const QImage &image, const QRect &cell, const BlankTest &isBlankPixel)
 {
-    const int step = qMax(1, qMin(cell.width(), cell.height()) / 32);
+    const int step = qMax(1, qMin(cell.width(), cell.height()) / samplesPerCellSide);
     int samples = 0;
     int blanks = 0;
     for (int y = cell.top(); y <= cell.bottom(); y += step) {
@@ -138,7 +151,7 @@ bool isBlankCell(const QImage &image, const QRect &cell, const BlankTest &isBlan
             blanks += isBlankPixel(line[x]) ? 1 : 0;
         }
     }
-    return samples >= 1 && blanks * 1000 >= samples * 998;
+    return samples >= 1 && blanks * 1000 >= samples * blankPerMille;
 }
 
 template<typename Pixel, typename BlankTest>
@@ -212,7 +225,7 @@ Component takeComponent(QPoint first, const Grid &grid, QPoint centre, std::vect
 bool looksLikeBlock(const Component &component)
 {
     const int boxCells = component.box.width() * component.box.height();
-    return !component.hasCentre && component.cells * 100 >= boxCells * 75;
+    return !component.hasCentre && component.cells * 100 >= boxCells * filledPercent;
 }
 
 std::optional<QRect> firstBlock(const Grid &grid, const Disk &disk, std::vector<bool> blank)
