@@ -31,9 +31,11 @@ QString outputRoot();   ///< "paths/output", resolved
 QString catalogPath();  ///< "paths/catalog", resolved
 QString caBundlePath(); ///< "network/caBundle", resolved
 
-int connectTimeoutSeconds();
-int maxTransferSeconds();
-bool allowInsecureFallback();
+// Handed to curl as they stand; it refuses every request when one is negative.
+int connectTimeoutSeconds(); ///< until the connection stands; 0: curl's own 300
+int maxTransferSeconds();    ///< of each attempt, connecting included; 0: no limit
+
+bool allowInsecureFallback();    ///< to go on unverified once a certificate has failed
 int preflightParallelRequests(); ///< 1 to 6
 int preflightProbeSeconds();     ///< 300 to 86400
 int aiaMaxTimeErrorSeconds();    ///< at least 0

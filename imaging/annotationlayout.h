@@ -9,18 +9,19 @@
 /// Where the annotations of a frame lie: whole pixels of the frame, from values alone.
 namespace AnnotationLayout {
 
-/// The sizes that follow from the width of the frame.
+/// The sizes that follow from the width of the frame, in pixels.
 struct Measures
 {
-    int margin;
+    int margin;   ///< between a box and the border of the frame
     int paddingX; ///< between a box and its text, on either side
     int paddingY;
     int textPx; ///< time stamp and label, before they are shrunk to fit
     int scaleTextPx;
-    int tickPx;
+    int tickPx; ///< how far the ends of the scale bar stand up
     int linePx;
 };
 
+/// Fixed shares of @p frameWidth in pixels, but never less than can still be read.
 Measures measuresFor(int frameWidth);
 
 /**

@@ -6,14 +6,32 @@
 
 class QJsonObject;
 
-/// Paints time stamp, datasource label and scale bar onto @p image, in place.
+/**
+ * Paints time stamp, datasource label and scale bar onto @p image, in place.
+ *
+ * @param actualUtc    drawn at the bottom left, converted to UTC; an invalid time is left out
+ * @param sourceLabel  drawn at the bottom right without surrounding white space; left out when
+ *                     nothing remains of it
+ * @param kmPerPixel   kilometres on the Sun that a pixel of @p image spans, for the bar at the top
+ *                     right; 0, or anything else that is not positive and finite, leaves it out,
+ *                     and so does a bar that would be shorter than 12 pixels
+ *
+ * Does nothing to a null image, or to one of a format that cannot be painted on.
+ */
 void drawFrameAnnotations(QImage &image, const QDateTime &actualUtc, const QString &sourceLabel,
                           bool drawTimestamp, bool drawSource, bool drawScale, double kmPerPixel);
 
 /**
- * Writes the annotated copy of a decoded frame.
+ * Writes the annotated copy of a decoded frame as a PNG, always with its time stamp.
  *
  * Takes the image by value: a caller that moves its own in spares a copy of the whole frame.
+ *
+ * @param outputPath  its folder is created where it is missing
+ * @param metadata    closest-image answer that tells the scale; without it there is no bar
+ * @param errorText   may be null; set on failure only: "cannot decode downloaded PNG" for a null
+ *                    image, "cannot create timestamped frame directory" or "cannot save
+ *                    timestamped PNG"
+ * @return            false when there is no new file; one that was there before is as it was
  */
 bool saveTimestampedFrame(QImage image, const QString &outputPath, const QDateTime &actualUtc,
                           const QString &sourceLabel, const QJsonObject &metadata, bool drawSource,
