@@ -8,6 +8,8 @@
 #include "acquisition/sourceplan.h"
 #include "acquisition/sourcetiming.h"
 #include "app/runtimeconfig.h"
+#include "base/childprocess.h"
+#include "base/errortext.h"
 #include "base/jsonfile.h"
 #include "client/helioviewerclient.h"
 #include "imaging/blankblock.h"
@@ -27,8 +29,6 @@
 #include <utility>
 
 namespace {
-
-constexpr int killWaitMs = 1000; // a killed child is gone long before; a hung disk must not hold us
 
 const QString &downloadOperation()
 {
@@ -79,11 +79,8 @@ bool AcquisitionController::start(const AcquisitionSettings &settings, QString *
 {
     const QString refusal =
         isRunning() ? AcquisitionLog::alreadyRunning() : SessionOpening::refusal(settings);
-    if (!refusal.isEmpty()) {
-        if (errorText)
-            *errorText = refusal;
-        return false;
-    }
+    if (!refusal.isEmpty())
+        return ErrorText::fail(errorText, refusal);
     resetSession(settings);
     if (!createSessionFiles(errorText))
         return false;
@@ -159,10 +156,8 @@ bool AcquisitionController::createSessionFiles(QString *errorText)
     for (auto source = folders->sources.cbegin(); source != folders->sources.cend(); ++source)
         m_tally[source.key()].folder = *source;
 
-    const bool created = m_manifest.create(m_sessionDirectory);
-    if (!created && errorText)
-        *errorText = AcquisitionLog::cannotCreateManifest();
-    return created;
+    return m_manifest.create(m_sessionDirectory) ||
+           ErrorText::fail(errorText, AcquisitionLog::cannotCreateManifest());
 }
 
 /// Decides which datasources are sampled directly and which are probed first.
@@ -606,10 +601,7 @@ void AcquisitionController::cancelChildren()
     m_client->cancel();
     for (HelioviewerClient *client : std::as_const(m_probeClients))
         client->cancel();
-    if (m_ffmpeg.state() != QProcess::NotRunning) {
-        m_ffmpeg.kill();
-        m_ffmpeg.waitForFinished(killWaitMs);
-    }
+    ChildProcess::killAndWait(m_ffmpeg);
 }
 
 /// False when the disk did not take the descriptor. Where not even a save file can be opened, the

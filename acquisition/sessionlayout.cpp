@@ -2,6 +2,7 @@
 
 #include "acquisition/acquisitionlog.h"
 #include "acquisition/acquisitionsettings.h"
+#include "base/errortext.h"
 #include "base/filenames.h"
 #include "base/utctext.h"
 #include "output/sessionfiles.h"
@@ -20,13 +21,6 @@ bool isTaken(const QString &path)
     return info.exists() || info.isSymLink();
 }
 
-std::nullopt_t refuse(const QString &reason, QString *errorText)
-{
-    if (errorText)
-        *errorText = reason;
-    return std::nullopt;
-}
-
 } // namespace
 
 std::optional<SessionFolders> SessionLayout::create(const QString &outputRoot,
@@ -34,11 +28,11 @@ std::optional<SessionFolders> SessionLayout::create(const QString &outputRoot,
                                                     QString *errorText)
 {
     if (!QDir().mkpath(outputRoot))
-        return refuse(AcquisitionLog::cannotCreateOutputRoot(), errorText);
+        return ErrorText::nothing(errorText, AcquisitionLog::cannotCreateOutputRoot());
     const std::optional<QString> directory =
         createSessionDirectory(outputRoot, settings.startUtc, settings.endUtc);
     if (!directory)
-        return refuse(AcquisitionLog::cannotCreateSessionDirectory(), errorText);
+        return ErrorText::nothing(errorText, AcquisitionLog::cannotCreateSessionDirectory());
 
     const QHash<int, SourceFolder> sources =
         sourceFolders(*directory, settings.sources, settings.startUtc);

@@ -1,5 +1,7 @@
 #include "base/jsonfile.h"
 
+#include "base/errortext.h"
+
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -20,17 +22,11 @@ JsonFile::SaveResult JsonFile::save(const QString &path, const QJsonObject &obje
 std::optional<QJsonObject> JsonFile::load(const QString &path, QString *errorText)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        if (errorText)
-            *errorText = file.errorString();
-        return std::nullopt;
-    }
+    if (!file.open(QIODevice::ReadOnly))
+        return ErrorText::nothing(errorText, file.errorString());
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
-    if (!document.isObject()) {
-        if (errorText)
-            *errorText = error.errorString();
-        return std::nullopt;
-    }
+    if (!document.isObject())
+        return ErrorText::nothing(errorText, error.errorString());
     return document.object();
 }

@@ -1,6 +1,7 @@
 #include "client/helioviewerclient.h"
 
 #include "app/runtimeconfig.h"
+#include "base/childprocess.h"
 #include "client/curlcommand.h"
 #include "client/helioviewerrequests.h"
 #include "client/helioviewerresponses.h"
@@ -11,12 +12,6 @@
 #include <QScopedValueRollback>
 
 #include <utility>
-
-namespace {
-
-constexpr int killWaitMs = 1000; // a killed child ends at once unless the system is in trouble
-
-} // namespace
 
 HelioviewerClient::HelioviewerClient(QObject *parent)
     : QObject(parent), m_process(new QProcess(this))
@@ -31,7 +26,7 @@ HelioviewerClient::HelioviewerClient(QObject *parent)
 HelioviewerClient::~HelioviewerClient()
 {
     m_process->disconnect(this);
-    stopProcess();
+    ChildProcess::killAndWait(*m_process);
     removePartialDownload();
 }
 
@@ -91,7 +86,7 @@ void HelioviewerClient::cancel()
     if (m_canceling)
         return; // a listener cancels again what is being cancelled
     const QScopedValueRollback<bool> canceling(m_canceling, true);
-    stopProcess();
+    ChildProcess::killAndWait(*m_process);
     reportProcessError();
     removePartialDownload();
     m_errorReported = false;
@@ -200,14 +195,6 @@ bool HelioviewerClient::retryInsecurely(int exitCode)
                            "HTTPS fallback enabled for this Orvik session."));
     launch(RuntimeConfig::curlPath(), CurlCommand::withoutCertificateCheck(m_lastArguments));
     return true;
-}
-
-void HelioviewerClient::stopProcess()
-{
-    if (m_process->state() == QProcess::NotRunning)
-        return;
-    m_process->kill();
-    m_process->waitForFinished(killWaitMs);
 }
 
 void HelioviewerClient::readOutput()

@@ -96,7 +96,6 @@ private:
     void start(Operation operation, const Request &request, const QStringList &arguments);
     void launch(const QString &program, const QStringList &arguments);
     bool retryInsecurely(int exitCode);
-    void stopProcess();
     void readOutput();
     QString errorOutput() const;
     void removePartialDownload() const;

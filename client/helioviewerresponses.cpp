@@ -1,5 +1,7 @@
 #include "client/helioviewerresponses.h"
 
+#include "base/errortext.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -54,11 +56,9 @@ std::optional<QJsonObject> HelioviewerResponses::parseObject(const QByteArray &a
 {
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(answer, &error);
-    if (!document.isObject()) {
-        if (errorText)
-            *errorText = QStringLiteral("Invalid JSON: %1").arg(error.errorString());
-        return std::nullopt;
-    }
+    if (!document.isObject())
+        return ErrorText::nothing(errorText,
+                                  QStringLiteral("Invalid JSON: %1").arg(error.errorString()));
     return document.object();
 }
 
@@ -83,7 +83,6 @@ HelioviewerResponses::closestImage(const QJsonObject &answer, QString *errorText
                              imageTime(answer.value(QLatin1String("date")).toString())};
     if (image.imageId >= 1 && image.actualUtc.isValid())
         return image;
-    if (errorText)
-        *errorText = QStringLiteral("Response does not contain a valid image id/date.");
-    return std::nullopt;
+    return ErrorText::nothing(errorText,
+                              QStringLiteral("Response does not contain a valid image id/date."));
 }

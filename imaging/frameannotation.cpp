@@ -1,5 +1,6 @@
 #include "imaging/frameannotation.h"
 
+#include "base/errortext.h"
 #include "base/utctext.h"
 #include "imaging/annotationlayout.h"
 #include "imaging/metricscale.h"
@@ -87,13 +88,6 @@ void drawScaleBar(QPainter &painter, QSize frame, const Measures &measures, doub
     drawBar(painter, scale, measures);
 }
 
-bool fail(const QString &text, QString *errorText)
-{
-    if (errorText)
-        *errorText = text;
-    return false;
-}
-
 } // namespace
 
 void drawFrameAnnotations(QImage &image, const QDateTime &actualUtc, const QString &sourceLabel,
@@ -120,14 +114,15 @@ bool saveTimestampedFrame(QImage image, const QString &outputPath, const QDateTi
                           bool drawScale, QString *errorText)
 {
     if (image.isNull())
-        return fail(QStringLiteral("cannot decode downloaded PNG"), errorText);
+        return ErrorText::fail(errorText, QStringLiteral("cannot decode downloaded PNG"));
 
     image = std::move(image).convertToFormat(QImage::Format_ARGB32);
     drawFrameAnnotations(image, actualUtc, sourceLabel, true, drawSource, drawScale,
                          MetricScale::kmPerPixel(metadata, image.width()));
     if (!QDir().mkpath(QFileInfo(outputPath).absolutePath()))
-        return fail(QStringLiteral("cannot create timestamped frame directory"), errorText);
+        return ErrorText::fail(errorText,
+                               QStringLiteral("cannot create timestamped frame directory"));
     if (!PngWriter::save(image, outputPath))
-        return fail(QStringLiteral("cannot save timestamped PNG"), errorText);
+        return ErrorText::fail(errorText, QStringLiteral("cannot save timestamped PNG"));
     return true;
 }

@@ -1,5 +1,6 @@
 #include "output/manifestreader.h"
 
+#include "base/errortext.h"
 #include "base/utctext.h"
 #include "output/csvfields.h"
 #include "output/manifestcolumns.h"
@@ -123,17 +124,14 @@ QJsonObject FrameList::newMetadata() const
 std::optional<QHash<int, QVector<ManifestFrame>>> ManifestReader::read(const QString &manifestPath,
                                                                        QString *errorText)
 {
-    const auto fail = [errorText](const QString &text) {
-        if (errorText)
-            *errorText = text;
-        return std::nullopt;
-    };
     QFile file(manifestPath);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return fail(QStringLiteral("Cannot open %1").arg(QDir::toNativeSeparators(manifestPath)));
+        return ErrorText::nothing(
+            errorText,
+            QStringLiteral("Cannot open %1").arg(QDir::toNativeSeparators(manifestPath)));
     QTextStream stream(&file);
     if (stream.atEnd())
-        return fail(QStringLiteral("manifest.csv is empty."));
+        return ErrorText::nothing(errorText, QStringLiteral("manifest.csv is empty."));
 
     QString line;
     stream.readLineInto(&line);

@@ -1,5 +1,6 @@
 #include "roi/roiencoder.h"
 
+#include "base/childprocess.h"
 #include "output/ffmpegcommand.h"
 #include "output/filmfile.h"
 
@@ -11,7 +12,6 @@
 namespace {
 
 constexpr int startLimitMs = 5000;
-constexpr int killWaitMs = 1000;
 constexpr int shownCharacters = 4000;
 constexpr int keptBytes = 16 * shownCharacters; // an encoder that talks for hours stays small
 
@@ -63,10 +63,7 @@ bool RoiEncoder::run(const QString &program, const QString &framesFolder, const 
     process.start(program,
                   FfmpegCommand::arguments(fps, QStringLiteral("frame_%06d.png"), crf, outputFile));
     const bool succeeded = process.waitForStarted(startLimitMs) && waitForEnd(process);
-    if (process.state() != QProcess::NotRunning) { // a slow start, a quitting program, a torn pipe
-        process.kill();
-        process.waitForFinished(killWaitMs);
-    }
+    ChildProcess::killAndWait(process); // a slow start, a quitting program, a torn pipe
     process.disconnect(this);
     m_process = nullptr;
     if (succeeded && !FilmFile::isCutOff(outputFile))

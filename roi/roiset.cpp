@@ -1,5 +1,6 @@
 #include "roi/roiset.h"
 
+#include "base/errortext.h"
 #include "base/filereplace.h"
 #include "base/jsonfile.h"
 
@@ -109,13 +110,8 @@ QVector<Roi> RoiSet::load(const QString &sessionDirectory)
 
 bool RoiSet::save(const QVector<Roi> &rois, const QString &sessionDirectory, QString *errorText)
 {
-    const auto fail = [errorText](const QString &text) {
-        if (errorText)
-            *errorText = text;
-        return false;
-    };
     if (sessionDirectory.isEmpty())
-        return fail(QStringLiteral("No session is loaded."));
+        return ErrorText::fail(errorText, QStringLiteral("No session is loaded."));
 
     const QString path = filePath(sessionDirectory);
     const QJsonObject object = toJson(rois, QDir(sessionDirectory).dirName());
@@ -124,9 +120,10 @@ bool RoiSet::save(const QVector<Roi> &rois, const QString &sessionDirectory, QSt
     case JsonFile::SaveResult::Saved:
         return true;
     case JsonFile::SaveResult::CannotOpen:
-        return fail(QStringLiteral("Cannot create rois.json in the session directory."));
+        return ErrorText::fail(errorText,
+                               QStringLiteral("Cannot create rois.json in the session directory."));
     case JsonFile::SaveResult::CannotCommit:
-        return fail(QStringLiteral("Cannot commit rois.json."));
+        return ErrorText::fail(errorText, QStringLiteral("Cannot commit rois.json."));
     }
     return false;
 }
