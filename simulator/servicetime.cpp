@@ -8,8 +8,11 @@ namespace Simulator {
 
 std::optional<qint64> parseArchiveTime(const QString &text)
 {
-    QDateTime time = QDateTime::fromString(text, QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-    time.setTimeSpec(Qt::UTC);
+    // Each part on its own: as one text Qt takes it for local time, in which an hour of spring is
+    // missing.
+    const QDate date = QDate::fromString(text.left(10), QStringLiteral("yyyy-MM-dd"));
+    const QTime timeOfDay = QTime::fromString(text.mid(10), QStringLiteral(" HH:mm:ss"));
+    const QDateTime time(date, timeOfDay, Qt::UTC);
     return time.isValid() ? std::optional<qint64>(time.toSecsSinceEpoch()) : std::nullopt;
 }
 

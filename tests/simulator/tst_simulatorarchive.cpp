@@ -2,6 +2,7 @@
 #include "simulator/jpxframes.h"
 #include "simulator/servicetime.h"
 
+#include <QScopeGuard>
 #include <QTest>
 
 #include <algorithm>
@@ -48,6 +49,7 @@ private slots:
     void windowsWithoutFramesSayWhy_data();
     void windowsWithoutFramesSayWhy();
     void stepsEndAtTheCap();
+    void clocksThatSkipAnHourSkipNoPicture();
 };
 
 void TestSimulatorArchive::framesAreResampled_data()
@@ -143,6 +145,18 @@ void TestSimulatorArchive::stepsEndAtTheCap()
     QCOMPARE(frames.unixTimes.constFirst(), at("2024-05-01 00:00:00"));
     QVERIFY(jpxFrames(archive, 19, at("2024-05-01 00:00:00"), at("2024-05-01 02:00:00"), 8)
                 .message.isEmpty());
+}
+
+/// Where this machine's clocks go from 2 to 3 o'clock, the archive's go on.
+void TestSimulatorArchive::clocksThatSkipAnHourSkipNoPicture()
+{
+    qputenv("TZ",
+            "CET-1CEST,M3.5.0,M10.5.0/3"); // Europe/Berlin, known without a time zone database
+    const auto restore = qScopeGuard([] { qunsetenv("TZ"); });
+    const Archive archive({every(3600, "2024-03-31 02:30:00", "2024-03-31 05:30:00")});
+    const qint64 first = parseRequestTime(QStringLiteral("2024-03-31T02:30:00Z")).value_or(0);
+    QCOMPARE(archiveTimeText(first), QStringLiteral("2024-03-31 02:30:00"));
+    QCOMPARE(jpxFrames(archive, 19, first, first + 3 * 3600, 3600).unixTimes.size(), 4);
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorArchive)
