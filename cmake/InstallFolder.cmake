@@ -1,6 +1,11 @@
 # cmake --install makes the portable folder anywhere: the program with everything that it looks for
 # beside itself. Nothing goes into the system's own folders, because Orvik writes beside its
-# executable. `cmake --build build/release --target package` packs the same folder as a tar.xz.
+# executable: without a --prefix the folder stands in the build tree.
+# `cmake --build build/release --target package` packs the same folder as a tar.xz.
+
+if(CMAKE_INSTALL_PREFIX_INITIALIZED_TO_DEFAULT)
+  set_property(CACHE CMAKE_INSTALL_PREFIX PROPERTY VALUE "${CMAKE_BINARY_DIR}/install")
+endif()
 
 install(TARGETS orvik RUNTIME DESTINATION .)
 install(FILES LICENSE DESTINATION .)
@@ -9,13 +14,13 @@ install(PROGRAMS packaging/register DESTINATION .)
 install(FILES packaging/orvik.desktop.in packaging/orvik.metainfo.xml DESTINATION share)
 install(DIRECTORY resources/images/ DESTINATION share FILES_MATCHING PATTERN "icon-*.png")
 
-# Links, to the programs of the machine. Settings that are there already are the user's.
+# Links, to the programs of the machine. What is there already, programs or settings, is the user's.
 install(CODE "
   set(folder \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}\")
   file(MAKE_DIRECTORY \"\${folder}/bin\" \"\${folder}/sys\")
   foreach(helper \"${ORVIK_CURL}\" \"${ORVIK_FFMPEG}\")
-    if(EXISTS \"\${helper}\")
-      get_filename_component(name \"\${helper}\" NAME)
+    get_filename_component(name \"\${helper}\" NAME)
+    if(EXISTS \"\${helper}\" AND NOT EXISTS \"\${folder}/bin/\${name}\")
       file(CREATE_LINK \"\${helper}\" \"\${folder}/bin/\${name}\" SYMBOLIC)
     endif()
   endforeach()
