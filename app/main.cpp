@@ -10,7 +10,7 @@ int main(int argc, char *argv[])
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Brannock Works"));
     QApplication::setApplicationName(QStringLiteral("Orvik"));
-    QApplication::setApplicationVersion(QStringLiteral("0.0.1"));
+    QApplication::setApplicationVersion(QStringLiteral(ORVIK_VERSION));
     // A decimal point on every system.
     QLocale::setDefault(QLocale(QLocale::English, QLocale::AnyCountry));
     RuntimeConfig::ensureRuntimeConfig();
