@@ -4,11 +4,18 @@
 
 namespace Simulator {
 
+namespace {
+
+constexpr int longestJournal = 100'000; // entries, some 20 MB; a service may run for weeks
+
+} // namespace
+
 QVector<Fault> Journal::begin(Operation operation, const QByteArray &query)
 {
     const QMutexLocker locker(&m_mutex);
     ++m_inFlight;
-    m_entries.append({operation, query, QDateTime::currentDateTimeUtc(), m_inFlight});
+    if (m_entries.size() < longestJournal)
+        m_entries.append({operation, query, QDateTime::currentDateTimeUtc(), m_inFlight});
     return m_faults.of(operation, ++m_counts[size_t(operation)]);
 }
 

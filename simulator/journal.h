@@ -12,6 +12,7 @@ namespace Simulator {
 /**
  * What was asked, in order, and what is to go wrong with it.
  *
+ * Keeps the first 100,000 requests since it was cleared, and counts all of them.
  * May be used from several threads.
  */
 class Journal

@@ -56,6 +56,7 @@ public:
     void addFault(const Fault &fault);
     void clearFaults();
 
+    /// The first 100,000 requests since clearJournal().
     QVector<JournalEntry> journal() const;
     int requestCount(Operation operation) const;
     void clearJournal();
