@@ -100,22 +100,11 @@ private:
 void paintDisk(LightField &field, const SurfaceView &surface, const SunStyle &style)
 {
     const QuietSun sun(style, surface.contrast());
-    for (int line = 0; line < field.heightPx(); ++line) {
-        const float y = field.yOf(line);
-        if (std::fabs(y) >= 1.0F)
-            continue;
-        const LightField::Box box = field.boxAround(0.0F, y, std::sqrt(1.0F - y * y));
-        float *light = field.row(line);
-        for (int column = box.left; column < box.right; ++column) {
-            const float x = field.xOf(column);
-            const float square = 1.0F - x * x - y * y;
-            if (square <= 0.0F)
-                continue;
-            const float z = std::sqrt(square);
-            const Vector3 point = surface.toSun({x, y, z});
-            light[column] = sun.light(surface.texelsAt(point), point.y, z);
-        }
-    }
+    field.visitDisk(field.boxAround(0.0F, 0.0F, 1.0F),
+                    [&surface, &sun](float &light, const Vector3 &seen) {
+                        const Vector3 point = surface.toSun(seen);
+                        light = sun.light(surface.texelsAt(point), point.y, seen.z);
+                    });
 }
 
 } // namespace Simulator

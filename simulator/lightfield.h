@@ -3,6 +3,7 @@
 #include "simulator/scene.h"
 #include "simulator/vector3.h"
 
+#include <cmath>
 #include <vector>
 
 namespace Simulator {
@@ -47,6 +48,11 @@ public:
     };
     Box boxAround(float x, float y, float halfSide) const;
 
+    /// Calls @p visit(pixel, point) for each pixel of the disk within @p box, with the place on the
+    /// unit sphere that it shows, z towards the viewer.
+    template<typename Visit>
+    void visitDisk(const Box &box, const Visit &visit);
+
     /// Adds a soft round spot; @p radius in solar radii, at least that of a fine line.
     void addSpot(float x, float y, float radius, float light);
     /// Lets less light through, 1 for none in the middle of the spot.
@@ -65,5 +71,20 @@ private:
     Disk m_disk;
     std::vector<float> m_light;
 };
+
+template<typename Visit>
+void LightField::visitDisk(const Box &box, const Visit &visit)
+{
+    for (int line = box.top; line < box.bottom; ++line) {
+        const float y = yOf(line);
+        float *light = row(line);
+        for (int column = box.left; column < box.right; ++column) {
+            const float x = xOf(column);
+            const float square = 1.0F - x * x - y * y;
+            if (square > 0.0F)
+                visit(light[column], Vector3{x, y, std::sqrt(square)});
+        }
+    }
+}
 
 } // namespace Simulator

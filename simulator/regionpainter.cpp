@@ -32,26 +32,17 @@ void visitPixels(LightField &field, const SurfaceView &surface, const ActiveRegi
     const float limit = reach * reach * region.size * region.size;
     const float shift = float(chance(region.seed, 90));
     const LightField::Box box = field.boxAround(seen.x, seen.y, reach * region.size);
-    for (int line = box.top; line < box.bottom; ++line) {
-        const float y = field.yOf(line);
-        float *light = field.row(line);
-        for (int column = box.left; column < box.right; ++column) {
-            const float x = field.xOf(column);
-            const float square = 1.0F - x * x - y * y;
-            if (square <= 0.0F)
-                continue;
-            const float z = std::sqrt(square);
-            const Vector3 away = surface.toSun({x, y, z}) - region.centre;
-            Local local{dot(away, region.along), dot(away, region.across), 0};
-            if (local.along * local.along + local.across * local.across > limit)
-                continue;
-            local.patches = surface.map().detailAt(shift + local.along * 0.3F,
-                                                   shift + local.across * 0.9F, 2.0F);
-            local.along *= inverse;
-            local.across *= inverse;
-            visit(light[column], local, z);
-        }
-    }
+    field.visitDisk(box, [&](float &light, const Vector3 &point) {
+        const Vector3 away = surface.toSun(point) - region.centre;
+        Local local{dot(away, region.along), dot(away, region.across), 0};
+        if (local.along * local.along + local.across * local.across > limit)
+            return;
+        local.patches =
+            surface.map().detailAt(shift + local.along * 0.3F, shift + local.across * 0.9F, 2.0F);
+        local.along *= inverse;
+        local.across *= inverse;
+        visit(light, local, point.z);
+    });
 }
 
 /// 1 in the middle of a lobe to 0 at @p wide sizes from it.
