@@ -46,7 +46,6 @@ class TestSimulatorArchive : public QObject
 private slots:
     void framesAreResampled_data();
     void framesAreResampled();
-    void windowsWithoutFramesSayWhy_data();
     void windowsWithoutFramesSayWhy();
     void stepsEndAtTheCap();
     void clocksThatSkipAnHourSkipNoPicture();
@@ -84,51 +83,27 @@ void TestSimulatorArchive::framesAreResampled()
     QTEST(spacings.constLast(), "largest");
 }
 
-void TestSimulatorArchive::windowsWithoutFramesSayWhy_data()
-{
-    QTest::addColumn<int>("sourceId");
-    QTest::addColumn<QString>("start");
-    QTest::addColumn<QString>("end");
-    QTest::addColumn<QString>("error");
-
-    const QString none = QStringLiteral("Error encountered during JPX creation: No images were "
-                                        "found for the requested time range.");
-    QTest::newRow("between two images") << 19 << "2024-05-01 01:00:01"
-                                        << "2024-05-01 01:59:59" << none;
-    QTest::newRow("exactly one image") << 19 << "2024-05-01 01:30:00"
-                                       << "2024-05-01 02:30:00" << none;
-    QTest::newRow("after the last") << 19 << "2024-05-03 00:00:00"
-                                    << "2024-05-03 02:00:00"
-                                    << "No HMI Mag data is available on or after "
-                                       "2024-05-03T00:00:00Z.";
-    QTest::newRow("before the first") << 19 << "2024-04-03 00:00:00"
-                                      << "2024-04-03 02:00:00"
-                                      << "No HMI Mag data is available on or before "
-                                         "2024-04-03T02:00:00Z.";
-    QTest::newRow("unknown id: two blanks") << 77 << "2024-05-01 00:00:00"
-                                            << "2024-05-01 05:00:00"
-                                            << "No  data is available on or after "
-                                               "2024-05-01T00:00:00Z.";
-    QTest::newRow("a group has none") << 10001 << "2024-05-01 00:00:00"
-                                      << "2024-05-01 05:00:00"
-                                      << "No XRT Any/Any data is available on or after "
-                                         "2024-05-01T00:00:00Z.";
-}
-
 void TestSimulatorArchive::windowsWithoutFramesSayWhy()
 {
-    QFETCH(int, sourceId);
-    QFETCH(QString, start);
-    QFETCH(QString, end);
     ArchiveSource group;
     group.nickname = QStringLiteral("XRT Any/Any");
     group.sourceId = 10001;
     group.groupedSourceId = 19;
     const Archive archive({every(3600, "2024-05-01 00:00:00", "2024-05-02 00:00:00"), group});
-    const JpxFrames frames =
-        jpxFrames(archive, sourceId, *parseArchiveTime(start), *parseArchiveTime(end), 60);
-    QTEST(frames.error, "error");
-    QVERIFY(frames.unixTimes.isEmpty());
+    const auto errorIn = [&archive](int sourceId, const char *start, const char *end) {
+        const JpxFrames frames = jpxFrames(archive, sourceId, at(start), at(end), 60);
+        return frames.unixTimes.isEmpty() ? frames.error : QString();
+    };
+    const QString none = QStringLiteral("Error encountered during JPX creation: No images were "
+                                        "found for the requested time range.");
+    QCOMPARE(errorIn(19, "2024-05-01 01:00:01", "2024-05-01 01:59:59"), none);
+    QCOMPARE(errorIn(19, "2024-05-01 01:30:00", "2024-05-01 02:30:00"), none); // one image only
+    QCOMPARE(errorIn(19, "2024-04-03 00:00:00", "2024-04-03 02:00:00"),
+             QStringLiteral("No HMI Mag data is available on or before 2024-04-03T02:00:00Z."));
+    QCOMPARE(errorIn(77, "2024-05-01 00:00:00", "2024-05-01 05:00:00"), // a name that is not known
+             QStringLiteral("No  data is available on or after 2024-05-01T00:00:00Z."));
+    QCOMPARE(errorIn(10001, "2024-05-01 00:00:00", "2024-05-01 05:00:00"), // a group has none
+             QStringLiteral("No XRT Any/Any data is available on or after 2024-05-01T00:00:00Z."));
 }
 
 void TestSimulatorArchive::stepsEndAtTheCap()
