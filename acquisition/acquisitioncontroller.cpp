@@ -403,7 +403,7 @@ void AcquisitionController::advance()
 void AcquisitionController::acceptForDownload()
 {
     const SourceTally &tally = m_tally[m_lookup->request.sourceId];
-    const QString name = SessionLayout::frameName(tally.acceptedFrames);
+    const QString name = SessionFiles::frame(tally.acceptedFrames);
     m_lookup->frameFile = QDir(tally.folder.directory).filePath(name);
     m_lookup->videoFrameFile = QDir(tally.folder.videoFramesDirectory).filePath(name);
     startDownload();

@@ -79,17 +79,12 @@ QHash<int, SourceFolder> SessionLayout::sourceFolders(const QString &sessionDire
     return folders;
 }
 
-QString SessionLayout::frameName(int number)
-{
-    return QStringLiteral("frame_%1.png").arg(number, 6, 10, QLatin1Char('0'));
-}
-
 QString SessionLayout::framePattern()
 {
-    return SessionFiles::videoFramesFolder() + QStringLiteral("/frame_%06d.png");
+    return SessionFiles::videoFramesFolder() + QLatin1Char('/') + SessionFiles::framePattern();
 }
 
 QString SessionLayout::filmPath(const SourceFolder &folder)
 {
-    return QDir(folder.directory).filePath(folder.name + QStringLiteral(".mp4"));
+    return QDir(folder.directory).filePath(SessionFiles::film(folder.name));
 }

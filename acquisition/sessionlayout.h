@@ -59,9 +59,6 @@ QHash<int, SourceFolder> sourceFolders(const QString &sessionDirectory,
                                        const QVector<DataSource> &sources,
                                        const QDateTime &startUtc);
 
-/// "frame_000000.png": the same number names the original and its annotated copy.
-QString frameName(int number);
-
 /// Frames as ffmpeg's image sequence reader takes them, relative to the datasource's folder.
 QString framePattern();
 

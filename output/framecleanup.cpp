@@ -9,7 +9,7 @@ namespace {
 
 void removeFramesIn(QDir folder)
 {
-    folder.setNameFilters({QStringLiteral("frame_*.png")});
+    folder.setNameFilters({SessionFiles::frameFilter()});
     folder.setFilter(QDir::Files | QDir::CaseSensitive);
     folder.setSorting(QDir::Unsorted);
     const QStringList names = folder.entryList();

@@ -3,6 +3,7 @@
 #include "base/filenames.h"
 #include "base/utctext.h"
 #include "output/sessionfiles.h"
+#include "output/sessionkeys.h"
 
 #include <QJsonArray>
 
@@ -28,18 +29,18 @@ QJsonObject conventions()
 
 void insertSettings(QJsonObject &json, const AcquisitionSettings &settings)
 {
-    json.insert(QStringLiteral("startUtc"), UtcText::toText(settings.startUtc));
+    json.insert(SessionKeys::startUtc, UtcText::toText(settings.startUtc));
     json.insert(QStringLiteral("endUtc"), UtcText::toText(settings.endUtc));
     json.insert(QStringLiteral("cadenceSeconds"), settings.cadenceSeconds);
     json.insert(QStringLiteral("maxTimeErrorSeconds"), settings.maxTimeErrorSeconds);
     json.insert(QStringLiteral("useSourceTimingProfiles"), settings.useSourceTimingProfiles);
     json.insert(QStringLiteral("imageWidth"), settings.imageWidth);
-    json.insert(QStringLiteral("videoFps"), settings.videoFps);
-    json.insert(QStringLiteral("videoCrf"), settings.videoCrf);
+    json.insert(SessionKeys::videoFps, settings.videoFps);
+    json.insert(SessionKeys::videoCrf, settings.videoCrf);
     json.insert(QStringLiteral("keepFrames"), settings.keepFrames);
     json.insert(QStringLiteral("createVideos"), settings.createVideos);
-    json.insert(QStringLiteral("sourceOverlay"), settings.sourceOverlay);
-    json.insert(QStringLiteral("scaleOverlay"), settings.scaleOverlay);
+    json.insert(SessionKeys::sourceOverlay, settings.sourceOverlay);
+    json.insert(SessionKeys::scaleOverlay, settings.scaleOverlay);
 }
 
 QJsonObject sourceJson(const SessionSourceRecord &record, const SessionRecord &session)
@@ -49,11 +50,11 @@ QJsonObject sourceJson(const SessionSourceRecord &record, const SessionRecord &s
             ? FileNames::datasourceFolder(record.source.nickname, session.settings.startUtc)
             : record.archiveName;
     return {
-        {QStringLiteral("sourceId"), record.source.sourceId},
-        {QStringLiteral("nickname"), record.source.nickname},
+        {SessionKeys::sourceId, record.source.sourceId},
+        {SessionKeys::nickname, record.source.nickname},
         {QStringLiteral("path"), record.source.path},
-        {QStringLiteral("archiveName"), archiveName},
-        {QStringLiteral("videoFile"), archiveName + QStringLiteral(".mp4")},
+        {SessionKeys::archiveName, archiveName},
+        {QStringLiteral("videoFile"), SessionFiles::film(archiveName)},
         {QStringLiteral("timingProfile"), record.timingProfile},
         {QStringLiteral("maxTimeErrorSeconds"), record.maxTimeErrorSeconds},
         {QStringLiteral("acceptedFrames"), record.acceptedFrames},
@@ -84,6 +85,6 @@ QJsonObject SessionDescriptor::toJson(const SessionRecord &session)
     json.insert(QStringLiteral("preflightParallelRequests"), session.preflightParallelRequests);
     json.insert(QStringLiteral("canceled"), session.canceled);
     json.insert(QStringLiteral("completedUtc"), UtcText::toText(session.completedUtc));
-    json.insert(QStringLiteral("sources"), sources);
+    json.insert(SessionKeys::sources, sources);
     return json;
 }

@@ -21,4 +21,28 @@ inline QString videoFramesFolder()
     return QStringLiteral("video_frames");
 }
 
+/// "frame_000000.png"; the same number names an original and its annotated copy.
+inline QString frame(int number)
+{
+    return QStringLiteral("frame_%1.png").arg(number, 6, 10, QLatin1Char('0'));
+}
+
+/// All frames of a folder, as a name filter.
+inline QString frameFilter()
+{
+    return QStringLiteral("frame_*.png");
+}
+
+/// All frames of a folder, as ffmpeg's image sequence reader takes them.
+inline QString framePattern()
+{
+    return QStringLiteral("frame_%06d.png");
+}
+
+/// The film in a datasource's folder, which has the name of that folder.
+inline QString film(const QString &folderName)
+{
+    return folderName + QStringLiteral(".mp4");
+}
+
 } // namespace SessionFiles
