@@ -3,10 +3,9 @@
 #include "base/childprocess.h"
 #include "output/ffmpegcommand.h"
 #include "output/filmfile.h"
+#include "roi/earlierfilm.h"
 
-#include <QDateTime>
 #include <QEventLoop>
-#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -14,24 +13,6 @@ namespace {
 constexpr int startLimitMs = 5000;
 constexpr int shownCharacters = 4000;
 constexpr int keptBytes = 16 * shownCharacters; // an encoder that talks for hours stays small
-
-/// What the disk has under a film's name, to tell whether an encoder wrote to it.
-struct FilmState
-{
-    explicit FilmState(const QString &path)
-    {
-        const QFileInfo info(path);
-        sizeBytes = info.exists() ? info.size() : -1;
-        modified = info.lastModified();
-    }
-    bool operator==(const FilmState &other) const
-    {
-        return sizeBytes == other.sizeBytes && modified == other.modified;
-    }
-
-    qint64 sizeBytes;
-    QDateTime modified;
-};
 
 } // namespace
 
@@ -49,9 +30,12 @@ bool RoiEncoder::run(const QString &program, const QString &framesFolder, const 
 {
     if (!isPresent(program, errorText))
         return false;
-    if (QFileInfo(outputFile).isSymLink()) // ffmpeg would write through it, wherever it leads
-        QFile::remove(outputFile);
-    const FilmState before(outputFile);
+    EarlierFilm earlier(outputFile);
+    if (!earlier.isOutOfTheWay()) {
+        if (errorText)
+            *errorText = QStringLiteral("Cannot set the earlier film aside: %1").arg(outputFile);
+        return false;
+    }
 
     QProcess process;
     m_output.clear();
@@ -66,13 +50,12 @@ bool RoiEncoder::run(const QString &program, const QString &framesFolder, const 
     ChildProcess::killAndWait(process); // a slow start, a quitting program, a torn pipe
     process.disconnect(this);
     m_process = nullptr;
-    if (succeeded && !FilmFile::isCutOff(outputFile))
+    if (succeeded && !FilmFile::isCutOff(outputFile)) {
+        earlier.supersede();
         return true;
-
+    }
     if (errorText)
         *errorText = failureText(process);
-    if (!(FilmState(outputFile) == before))
-        QFile::remove(outputFile);
     return false;
 }
 

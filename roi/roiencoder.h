@@ -20,7 +20,8 @@ public:
     /**
      * Encodes frame_000000.png and its successors in @p framesFolder.
      *
-     * A film that failed or was canceled half-way is removed: no player could show it.
+     * A film that failed or was canceled half-way is removed: no player could show it. The earlier
+     * film of the same name, if any, is there again then; it only goes when the new one stands.
      *
      * @param errorText  may be null; set on failure only: the last 4000 characters of what ffmpeg
      *                   wrote, or the system's words when it wrote nothing

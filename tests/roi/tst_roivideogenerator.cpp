@@ -40,9 +40,14 @@ RoiVideoPlan planFor(const TestSession &stored, const QRectF &region = {0.25, 0.
     return plan;
 }
 
+QString filmName()
+{
+    return u"AIA_171/AIA_171__ROI_01_Flare_1_west.mp4"_s;
+}
+
 QString filmOf(const TestSession &stored)
 {
-    return stored.filePath(u"AIA_171/AIA_171__ROI_01_Flare_1_west.mp4"_s);
+    return stored.filePath(filmName());
 }
 
 /// Why a run failed.
@@ -164,11 +169,10 @@ private slots:
         QCOMPARE(stored.contents(), before);
         QVERIFY(!QFileInfo::exists(filmOf(stored)));
 
-        QVERIFY(QFile::copy(stored.filePath(u"session.json"_s), filmOf(stored))); // an earlier one
-        reply.files.clear();
-        useFakeEncoder(reply);
+        stored.write(filmName(), "an earlier film");
         failureOf(planFor(stored));
-        QVERIFY(QFileInfo::exists(filmOf(stored))); // it was not touched, so it stays
+        QCOMPARE(stored.read(filmName()), QByteArray("an earlier film"));
+        QCOMPARE(stored.contents(), before); // which tells a film set aside as well
         TestFolder::setKey(u"paths/ffmpeg"_s, u"/nonexistent"_s);
         QCOMPARE(failureOf(planFor(stored)), u"ffmpeg not found: /nonexistent"_s);
     }
@@ -212,6 +216,7 @@ private slots:
     void cancelAtAnyStep()
     {
         const TestSession stored;
+        stored.write(filmName(), "an earlier film");
         const auto before = stored.contents();
         FakeProgram::Reply hanging;
         hanging.hang = true;
@@ -223,16 +228,38 @@ private slots:
             RoiVideoGenerator generator;
             QSignalSpy progress(&generator, &RoiVideoGenerator::progressChanged);
             QTimer hand;
-            connect(&hand, &QTimer::timeout, &generator, [&, film = filmOf(stored)] {
-                if (progress.size() == last || QFileInfo(film).size() > 0)
+            connect(&hand, &QTimer::timeout, &generator, [&] {
+                if (progress.size() == last || stored.read(filmName()) == "begun")
                     generator.cancel();
             });
             hand.start(0);
             QCOMPARE(generator.run(plan), Outcome::Canceled);
             QCOMPARE(progress.size(), qMin(last, plan.totalFrames())); // within one picture
             QCOMPARE(stored.contents(), before);
-            QVERIFY(!QFileInfo::exists(filmOf(stored)));
+            QCOMPARE(stored.read(filmName()), QByteArray("an earlier film"));
         }
+    }
+
+    void filmLeftAsideByAKilledProgram()
+    {
+        const TestSession stored;
+        const auto before = stored.contents();
+        const QString aside = filmName() + u".earlier"_s;
+        stored.write(aside, "an earlier film");
+        stored.write(filmName(), QByteArray::fromHex("0000001066747970")); // half of the next
+        FakeProgram::Reply silent; // ends well, yet leaves no film
+        for (const int exitCode : {1, 0}) {
+            silent.exitCode = exitCode;
+            useFakeEncoder(silent);
+            RoiVideoGenerator().run(planFor(stored));
+            QCOMPARE(stored.read(filmName()), QByteArray("an earlier film"));
+            QCOMPARE(stored.contents(), before);
+        }
+        stored.write(aside, "a film from before the earlier one"); // killed as it was to go
+        TestFolder::clearKeys();
+        QCOMPARE(RoiVideoGenerator().run(planFor(stored)), Outcome::Completed);
+        QCOMPARE(filmShape(filmOf(stored)), u"128,96,5/1,3"_s);
+        QCOMPARE(stored.contents(), before);
     }
 };
 
