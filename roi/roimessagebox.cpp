@@ -8,6 +8,11 @@
 
 namespace {
 
+QString title()
+{
+    return QCoreApplication::translate("RoiMessageBox", "ROI video");
+}
+
 /// Puts the box's own text label into a scroll area; a box built otherwise stays as it is.
 void makeScrollable(QMessageBox &box, const QSize &size)
 {
@@ -28,8 +33,7 @@ void makeScrollable(QMessageBox &box, const QSize &size)
 
 void RoiMessageBox::show(QMessageBox::Icon icon, const QString &text, QWidget *parent)
 {
-    QMessageBox box(icon, QCoreApplication::translate("RoiMessageBox", "ROI video"), text,
-                    QMessageBox::Ok, parent);
+    QMessageBox box(icon, title(), text, QMessageBox::Ok, parent);
     box.setTextFormat(Qt::PlainText);
     const QSize limit = box.screen()->availableSize() / 2;
     const int textHeight =
@@ -37,4 +41,13 @@ void RoiMessageBox::show(QMessageBox::Icon icon, const QString &text, QWidget *p
     if (textHeight > limit.height())
         makeScrollable(box, limit);
     box.exec();
+}
+
+QMessageBox::StandardButton RoiMessageBox::askToSave(const QString &text, QWidget *parent)
+{
+    QMessageBox box(QMessageBox::Question, title(), text,
+                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::Save);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
 }

@@ -14,4 +14,7 @@ namespace RoiMessageBox {
  */
 void show(QMessageBox::Icon icon, const QString &text, QWidget *parent);
 
+/// Asks the question @p text, as plain text; returns Save, Discard or, also for Esc, Cancel.
+QMessageBox::StandardButton askToSave(const QString &text, QWidget *parent);
+
 } // namespace RoiMessageBox

@@ -69,6 +69,12 @@ JsonFile::SaveResult saveOverLink(const QString &path, const QJsonObject &object
 
 } // namespace
 
+bool operator==(const Roi &one, const Roi &other)
+{
+    return one.name == other.name && one.rect == other.rect && one.enabled == other.enabled &&
+           one.rotation == other.rotation;
+}
+
 QString RoiSet::defaultName(int count)
 {
     return QStringLiteral("ROI %1").arg(count + 1);

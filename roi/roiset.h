@@ -15,6 +15,9 @@ struct Roi
     int rotation = 0; ///< degrees: 0, 90, -90 or 180
 };
 
+/// Whether rois.json keeps both alike.
+bool operator==(const Roi &one, const Roi &other);
+
 /// The regions of one session, and the file rois.json that holds them.
 namespace RoiSet {
 

@@ -107,7 +107,7 @@ bool RoiVideoDialog::loadSession(const QString &directory, QString *errorText)
     if (!loaded)
         return false;
     m_session = std::move(*loaded);
-    m_rois = RoiSet::load(m_session.directory);
+    m_storedRois = m_rois = RoiSet::load(m_session.directory);
     showSession();
     return true;
 }
@@ -117,7 +117,7 @@ void RoiVideoDialog::reject()
     if (m_lookingUp) {
         m_lookingUp = false;
         m_lookup.abort();
-    } else {
+    } else if (mayLeaveRois()) {
         QDialog::reject();
     }
 }
@@ -140,6 +140,8 @@ void RoiVideoDialog::showEvent(QShowEvent *event)
 
 void RoiVideoDialog::browse()
 {
+    if (!mayLeaveRois())
+        return;
     const QString directory = QFileDialog::getExistingDirectory(
         this, tr("Select Orvik acquisition session"), RuntimeConfig::outputRoot());
     QString errorText;
@@ -231,11 +233,8 @@ void RoiVideoDialog::deleteRoi()
 
 void RoiVideoDialog::saveRois()
 {
-    QString errorText;
-    if (!RoiSet::save(m_rois, m_session.directory, &errorText)) {
-        warn(errorText);
+    if (!storeRois())
         return;
-    }
     emit logMessage(
         QStringLiteral("ROI definitions saved: %1").arg(RoiSet::filePath(m_session.directory)));
     inform(tr("ROI definitions saved to rois.json."));
@@ -274,11 +273,8 @@ void RoiVideoDialog::generate()
         warn(tr("Create and check at least one ROI."));
         return;
     }
-    QString errorText;
-    if (!RoiSet::save(m_rois, m_session.directory, &errorText)) {
-        warn(errorText); // a film must always be traceable to a stored definition
+    if (!storeRois()) // a film must always be traceable to a stored definition
         return;
-    }
     if (plan.sources.isEmpty()) {
         warn(tr("No original PNG frames are available for the selected datasource(s)."));
         return;
@@ -440,6 +436,29 @@ void RoiVideoDialog::showScaleLine()
     const QJsonObject &own = source->frames.at(m_ui->frameSlider->value()).metadata;
     m_ui->scaleLabel->setText(
         ScaleLookup::lineText(widthPx, ScaleLookup::isUsable(own) ? own : m_lookup.known(*source)));
+}
+
+/// Writes rois.json; false, after a warning, when that failed.
+bool RoiVideoDialog::storeRois()
+{
+    QString errorText;
+    if (!RoiSet::save(m_rois, m_session.directory, &errorText)) {
+        warn(errorText);
+        return false;
+    }
+    m_storedRois = m_rois;
+    return true;
+}
+
+/// Asks what shall become of regions that rois.json does not have; false when the user stays.
+bool RoiVideoDialog::mayLeaveRois()
+{
+    if (m_rois == m_storedRois)
+        return true;
+    const QString question =
+        tr("The ROI definitions of this session have unsaved changes.\nSave them to rois.json?");
+    const QMessageBox::StandardButton answer = RoiMessageBox::askToSave(question, this);
+    return answer == QMessageBox::Discard || (answer == QMessageBox::Save && storeRois());
 }
 
 /// Null while no session is loaded.

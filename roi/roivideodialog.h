@@ -35,7 +35,8 @@ public:
     bool loadSession(const QString &directory, QString *errorText = nullptr);
 
 public slots:
-    /// Ends a wait for the service; without one closes the dialog.
+    /// Ends a wait for the service; without one closes the dialog, unless the user would rather
+    /// keep regions that are not saved.
     void reject() override;
 
 signals:
@@ -73,6 +74,8 @@ private:
     void clearGeometry();
     void drawRegions();
     void showScaleLine();
+    bool storeRois();
+    bool mayLeaveRois();
     const RoiSource *currentSource() const;
     Roi *currentRoi();
     RoiVideoPlan planFromWidgets() const;
@@ -89,7 +92,8 @@ private:
     RoiCanvas *m_canvas; // owned as a child
     ScaleLookup m_lookup;
     StoredSession m_session;
-    QVector<Roi> m_rois; // row for row what the list shows, ticks included
+    QVector<Roi> m_rois;       // row for row what the list shows, ticks included
+    QVector<Roi> m_storedRois; // as rois.json has them
     QString m_initialError;
     bool m_lookingUp = false;
 };

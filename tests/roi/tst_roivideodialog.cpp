@@ -6,6 +6,8 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
+#include <QFileDialog>
 #include <QGraphicsView>
 #include <QLabel>
 #include <QLineEdit>
@@ -48,15 +50,45 @@ private slots:
                  u"Created ROI 1. Adjust X/Y/Width/Height or rotation if needed."_s);
         QCOMPARE(view()->dragMode(), QGraphicsView::ScrollHandDrag);
         click("newRoiButton");
-        QTest::keyClick(view(), Qt::Key_Escape); // ends no more than the drawing
+        drag(QPoint(20, 20), QPoint(90, 90), Qt::Key_Escape); // ends no more than the drawing
         QVERIFY(m_dialog->isVisible() && textOf("statusLabel").isEmpty());
         click("newRoiButton");
         drag(QPoint(10, 10), QPoint(60, 11));
         QCOMPARE(textOf("statusLabel"), u"ROI creation canceled: rectangle too small."_s);
         QCOMPARE(find<QListWidget>("roiList")->count(), 1);
-        click("newRoiButton");
+    }
+
+    void unsavedRegionsAreNotDropped()
+    {
+        click("newRoiButton"); // no region yet
+        click("closeButton");
+        QVERIFY(!m_dialog->isVisible() && m_boxes.isEmpty());
+        open();
+        drawTwo();
+        m_answer = QMessageBox::Cancel;
+        click("closeButton");
+        m_dialog->close(); // as by the window's own button
+        QTest::keyClick(view(), Qt::Key_Escape);
+        click("browseButton");
+        QCOMPARE(m_boxes.size(), 4); // and no file dialog
+        QVERIFY(m_boxes.last().contains(u"unsaved changes"_s) && m_dialog->isVisible());
+        QDir(m_stored->path()).mkdir(u"rois.json"_s); // in the way
+        m_answer = QMessageBox::Save;
+        click("closeButton");
+        QVERIFY(m_dialog->isVisible() && m_boxes.last().startsWith(u"Cannot "_s));
+        QDir(m_stored->path()).rmdir(u"rois.json"_s);
         click("closeButton");
         QVERIFY(!m_dialog->isVisible());
+
+        open();
+        click("deleteRoiButton");
+        m_answer = QMessageBox::Discard;
+        click("browseButton");
+        QCOMPARE(m_boxes.last(), u"Select Orvik acquisition session"_s);
+        click("closeButton");
+        QVERIFY(!m_dialog->isVisible());
+        open(); // with both of them
+        QCOMPARE(find<QListWidget>("roiList")->count(), 2);
     }
 
     void editsSurviveUnsaved()
@@ -145,7 +177,11 @@ private:
         if (auto *box = qobject_cast<QMessageBox *>(modal)) {
             QCOMPARE(box->windowTitle(), u"ROI video"_s);
             m_boxes.append(box->text());
-            box->accept();
+            QAbstractButton *button = box->button(m_answer);
+            QTest::mouseClick(button ? button : box->button(QMessageBox::Ok), Qt::LeftButton);
+        } else if (auto *chooser = qobject_cast<QFileDialog *>(modal)) {
+            m_boxes.append(chooser->windowTitle());
+            chooser->reject();
         } else if (modal && m_pressesCancel) {
             modal->findChild<QPushButton *>()->click();
         }
@@ -174,8 +210,8 @@ private:
         return {find<QSpinBox>("xSpin")->value(), find<QSpinBox>("ySpin")->value(),
                 find<QSpinBox>("widthSpin")->value(), find<QSpinBox>("heightSpin")->value()};
     }
-    /// Presses at one pixel of the frame, moves, and releases at another.
-    void drag(const QPoint &from, const QPoint &to) const
+    /// Presses at one pixel of the frame, moves, strikes @p key, and releases at another.
+    void drag(const QPoint &from, const QPoint &to, Qt::Key key = Qt::Key_Shift) const
     {
         QWidget *viewport = view()->viewport();
         const QPoint end = view()->mapFromScene(to);
@@ -183,6 +219,7 @@ private:
         QMouseEvent move(QEvent::MouseMove, end, viewport->mapToGlobal(end), Qt::NoButton,
                          Qt::LeftButton, {});
         QApplication::sendEvent(viewport, &move); // QTest moves without a button held
+        QTest::keyClick(view(), key);
         QTest::mouseRelease(viewport, Qt::LeftButton, {}, end);
     }
     void drawTwo() const
@@ -199,6 +236,7 @@ private:
     std::unique_ptr<RoiVideoDialog> m_dialog;
     QTimer m_hand;       // presses the buttons of boxes as they come up
     QStringList m_boxes; // what they said
+    QMessageBox::StandardButton m_answer = QMessageBox::Cancel; // where there is a choice
     bool m_pressesCancel = false;
 };
 
