@@ -6,12 +6,6 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// u"text"_s, short for QStringLiteral("text").
-inline QString operator""_s(const char16_t *text, size_t size)
-{
-    return QString::fromUtf16(text, static_cast<int>(size));
-}
-
 /**
  * A stored session of two datasources, "AIA 171" (id 10, three frames of 256 x 192) and "HMI" (id
  * 18, the same at half the size), as an acquisition leaves it behind.
@@ -24,18 +18,18 @@ public:
     TestSession();
 
     QString path() const { return m_folder.path(); }
-    QString filePath(const QString &name) const { return m_folder.filePath(name); }
-    void write(const QString &name, const QByteArray &content) const;
-    QByteArray read(const QString &name) const;
+    QString filePath(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
+    void write(const char *name, const QByteArray &content) const;
+    QByteArray read(const char *name) const;
     /// Replaces text in session.json.
     void editDescriptor(const QByteArray &before, const QByteArray &after) const;
-    /// All files but films and rois.json, by relative path; hidden files included.
+    /// All files but films and rois.json, by path; hidden files included.
     QMap<QString, QByteArray> contents() const;
 
     static QImage frame(const QSize &size);
 
 private:
-    QByteArray addFrames(const QByteArray &source, const QString &folder, const QSize &size) const;
+    QByteArray addFrames(const char *source, const char *folder, const QSize &size) const;
 
     QTemporaryDir m_folder;
 };

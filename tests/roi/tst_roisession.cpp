@@ -24,33 +24,33 @@ private slots:
         QCOMPARE(session->sources.size(), 2);
         const RoiSource &source = session->sources.first();
         QCOMPARE(source.sourceId, 10);
-        QCOMPARE(source.nickname, u"AIA 171"_s);
+        QCOMPARE(source.nickname, QStringLiteral("AIA 171"));
         QCOMPARE(source.frames.size(), 3);
-        QCOMPARE(source.frames.at(2).file, stored.filePath(u"AIA_171/frame_2.png"_s));
+        QCOMPARE(source.frames.at(2).file, stored.filePath("AIA_171/frame_2.png"));
         QCOMPARE(source.frames.at(2).actualUtc, QDateTime({2024, 5, 1}, {12, 2}, Qt::UTC));
-        QCOMPARE(source.frames.at(2).metadata.value(u"rsun"_s).toDouble(), 1600.0);
+        QCOMPARE(source.frames.at(2).metadata.value(QStringLiteral("rsun")).toDouble(), 1600.0);
 
-        QByteArrayList lines = stored.read(u"manifest.csv"_s).split('\n');
+        QByteArrayList lines = stored.read("manifest.csv").split('\n');
         std::swap(lines[1], lines[3]);
-        stored.write(u"manifest.csv"_s, lines.join('\n'));
-        QFile::remove(stored.filePath(u"AIA_171/frame_1.png"_s));
-        QFile::link(u"/nonexistent"_s, stored.filePath(u"AIA_171/frame_1.png"_s));
+        stored.write("manifest.csv", lines.join('\n'));
+        QFile::remove(stored.filePath("AIA_171/frame_1.png"));
+        QFile::link(QStringLiteral("/nonexistent"), stored.filePath("AIA_171/frame_1.png"));
         const auto frames = RoiSession::load(stored.path())->sources.first().frames;
         QCOMPARE(frames.size(), 2); // in the manifest's order, as far as they are there
-        QVERIFY(frames.first().file.endsWith(u"_2.png"_s));
+        QVERIFY(frames.first().file.endsWith(QStringLiteral("_2.png")));
     }
 
     void withoutRowsTheFolderIsScanned()
     {
         const TestSession stored;
-        QFile::remove(stored.filePath(u"manifest.csv"_s));
-        stored.write(u"AIA_171/frame_10.png"_s, "x");
-        stored.write(u"AIA_171/other.png"_s, "x");
-        QDir(stored.filePath(u"HMI"_s)).removeRecursively();
+        QFile::remove(stored.filePath("manifest.csv"));
+        stored.write("AIA_171/frame_10.png", "x");
+        stored.write("AIA_171/other.png", "x");
+        QDir(stored.filePath("HMI")).removeRecursively();
         const auto session = RoiSession::load(stored.path());
         const QVector<RoiSourceFrame> frames = session->sources.first().frames;
         QCOMPARE(frames.size(), 4);
-        QVERIFY(frames.at(2).file.endsWith(u"frame_10.png"_s)); // by name
+        QVERIFY(frames.at(2).file.endsWith(QStringLiteral("frame_10.png"))); // by name
         QVERIFY(!frames.first().actualUtc.isValid() && frames.first().metadata.isEmpty());
         QVERIFY(session->sources.last().frames.isEmpty()); // listed all the same
         QCOMPARE(session->sourcesWithFrames(), 1);
@@ -59,27 +59,32 @@ private slots:
     void damagedFiles()
     {
         const TestSession stored;
-        const QByteArray manifest = stored.read(u"manifest.csv"_s);
+        const QByteArray manifest = stored.read("manifest.csv");
         for (int length = 0; length < manifest.size(); ++length) {
-            stored.write(u"manifest.csv"_s, manifest.left(length));
+            stored.write("manifest.csv", manifest.left(length));
             QCOMPARE(RoiSession::load(stored.path())->sourcesWithFrames(), 2); // by folder scan
         }
         const auto failure = [&stored](const QByteArray &descriptor) {
-            stored.write(u"session.json"_s, descriptor);
+            stored.write("session.json", descriptor);
             QString errorText;
-            return RoiSession::load(stored.path(), &errorText) ? u"loaded"_s : errorText;
+            return RoiSession::load(stored.path(), &errorText) ? QStringLiteral("loaded")
+                                                               : errorText;
         };
-        const QByteArray whole = stored.read(u"session.json"_s).trimmed();
+        const QByteArray whole = stored.read("session.json").trimmed();
         for (int length = 0; length < whole.size(); ++length)
-            QVERIFY(failure(whole.left(length)).startsWith(u"Invalid session.json: "_s));
-        QVERIFY(failure("[1]").startsWith(u"Invalid session.json: "_s));
+            QVERIFY(
+                failure(whole.left(length)).startsWith(QStringLiteral("Invalid session.json: ")));
+        QVERIFY(failure("[1]").startsWith(QStringLiteral("Invalid session.json: ")));
         for (const char *empty :
              {"{}", R"({"sources":[1,"x",null,{},{"sourceId":1,"archiveName":""},
                                    {"sourceId":-1,"archiveName":"a"}]})"})
-            QCOMPARE(failure(empty), u"No datasource folders were found in this session."_s);
+            QCOMPARE(failure(empty),
+                     QStringLiteral("No datasource folders were found in this session."));
         QString errorText;
-        QVERIFY(!RoiSession::load(stored.filePath(u"HMI"_s), &errorText));
-        QCOMPARE(errorText, u"The selected directory does not contain a readable session.json."_s);
+        QVERIFY(!RoiSession::load(stored.filePath("HMI"), &errorText));
+        QCOMPARE(
+            errorText,
+            QStringLiteral("The selected directory does not contain a readable session.json."));
     }
 
     void writableFolders_data()
@@ -96,9 +101,9 @@ private slots:
         QFETCH(bool, allowed);
         const TestSession stored;
         const TestSession outside;
-        QFile::link(stored.filePath(u"HMI"_s), stored.filePath(u"link within"_s));
-        QFile::link(outside.path(), stored.filePath(u"link out"_s));
-        QFile::link(u"/nonexistent"_s, stored.filePath(u"link to nowhere"_s));
+        QFile::link(stored.filePath("HMI"), stored.filePath("link within"));
+        QFile::link(outside.path(), stored.filePath("link out"));
+        QFile::link(QStringLiteral("/nonexistent"), stored.filePath("link to nowhere"));
         const QString name = QLatin1String(QTest::currentDataTag());
         stored.editDescriptor("AIA_171", name.toUtf8());
         const auto session = RoiSession::load(stored.path());

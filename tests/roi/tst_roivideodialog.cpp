@@ -41,20 +41,23 @@ private slots:
     {
         view()->resetTransform(); // a screen pixel is a pixel of the frame
         click("newRoiButton");
-        QCOMPARE(textOf("statusLabel"), u"Drag a rectangle on the image to define the new ROI."_s);
+        QCOMPARE(textOf("statusLabel"),
+                 QStringLiteral("Drag a rectangle on the image to define the new ROI."));
         drag(QPoint(-5, -5), QPoint(50, 50));
-        QCOMPARE(textOf("statusLabel"), u"Start the ROI selection inside the image."_s);
+        QCOMPARE(textOf("statusLabel"),
+                 QStringLiteral("Start the ROI selection inside the image."));
         drag(QPoint(128, 96), QPoint(400, -50)); // upwards and over the edge
         QCOMPARE(geometry(), QRect(128, 0, 128, 96));
         QCOMPARE(textOf("statusLabel"),
-                 u"Created ROI 1. Adjust X/Y/Width/Height or rotation if needed."_s);
+                 QStringLiteral("Created ROI 1. Adjust X/Y/Width/Height or rotation if needed."));
         QCOMPARE(view()->dragMode(), QGraphicsView::ScrollHandDrag);
         click("newRoiButton");
         drag(QPoint(20, 20), QPoint(90, 90), Qt::Key_Escape); // ends no more than the drawing
         QVERIFY(m_dialog->isVisible() && textOf("statusLabel").isEmpty());
         click("newRoiButton");
         drag(QPoint(10, 10), QPoint(60, 11));
-        QCOMPARE(textOf("statusLabel"), u"ROI creation canceled: rectangle too small."_s);
+        QCOMPARE(textOf("statusLabel"),
+                 QStringLiteral("ROI creation canceled: rectangle too small."));
         QCOMPARE(find<QListWidget>("roiList")->count(), 1);
     }
 
@@ -71,12 +74,13 @@ private slots:
         QTest::keyClick(view(), Qt::Key_Escape);
         click("browseButton");
         QCOMPARE(m_boxes.size(), 4); // and no file dialog
-        QVERIFY(m_boxes.last().contains(u"unsaved changes"_s) && m_dialog->isVisible());
-        QDir(m_stored->path()).mkdir(u"rois.json"_s); // in the way
+        QVERIFY(m_boxes.last().contains(QStringLiteral("unsaved changes")) &&
+                m_dialog->isVisible());
+        QDir(m_stored->path()).mkdir(QStringLiteral("rois.json")); // in the way
         m_answer = QMessageBox::Save;
         click("closeButton");
-        QVERIFY(m_dialog->isVisible() && m_boxes.last().startsWith(u"Cannot "_s));
-        QDir(m_stored->path()).rmdir(u"rois.json"_s);
+        QVERIFY(m_dialog->isVisible() && m_boxes.last().startsWith(QStringLiteral("Cannot ")));
+        QDir(m_stored->path()).rmdir(QStringLiteral("rois.json"));
         click("closeButton");
         QVERIFY(!m_dialog->isVisible());
 
@@ -84,7 +88,7 @@ private slots:
         click("deleteRoiButton");
         m_answer = QMessageBox::Discard;
         click("browseButton");
-        QCOMPARE(m_boxes.last(), u"Select Orvik acquisition session"_s);
+        QCOMPARE(m_boxes.last(), QStringLiteral("Select Orvik acquisition session"));
         click("closeButton");
         QVERIFY(!m_dialog->isVisible());
         open(); // with both of them
@@ -96,7 +100,7 @@ private slots:
         drawTwo();
         auto *list = find<QListWidget>("roiList");
         find<QLineEdit>("nameEdit")->clear();
-        QTest::keyClicks(find<QLineEdit>("nameEdit"), u"West <b>limb</b>"_s);
+        QTest::keyClicks(find<QLineEdit>("nameEdit"), QStringLiteral("West <b>limb</b>"));
         find<QSpinBox>("xSpin")->setValue(101);
         find<QComboBox>("rotationCombo")->setCurrentIndex(2);
         list->item(0)->setCheckState(Qt::Unchecked);
@@ -109,13 +113,13 @@ private slots:
         QTest::keyClick(list, Qt::Key_Delete);
         QCOMPARE(list->count(), 2);
         click("saveRoisButton");
-        QCOMPARE(m_boxes, QStringList(u"ROI definitions saved to rois.json."_s));
+        QCOMPARE(m_boxes, QStringList(QStringLiteral("ROI definitions saved to rois.json.")));
 
         open();
         list = find<QListWidget>("roiList");
         list->setCurrentRow(1);
         QCOMPARE(list->item(0)->checkState(), Qt::Unchecked);
-        QCOMPARE(list->currentItem()->text(), u"West <b>limb</b>"_s);
+        QCOMPARE(list->currentItem()->text(), QStringLiteral("West <b>limb</b>"));
         QCOMPARE(geometry(), QRect(101, 0, 64, 48));
         QCOMPARE(find<QComboBox>("rotationCombo")->currentIndex(), 2);
     }
@@ -132,26 +136,28 @@ private slots:
         m_pressesCancel = false;
         m_boxes.clear();
         click("generateButton");
-        QCOMPARE(m_boxes, QStringList(u"Created 2 ROI video(s).\n\nOriginal PNG frames were not "
-                                      "modified."_s));
-        QCOMPARE(textOf("statusLabel"), u"Completed: 2 ROI video(s) created."_s);
-        const QString film = u"%1/%1__ROI_02_ROI_2.mp4"_s;
-        QCOMPARE(filmShape(m_stored->filePath(film.arg(u"AIA_171"_s))), u"64,48,5/1,3"_s);
-        QCOMPARE(filmShape(m_stored->filePath(film.arg(u"HMI"_s))), u"32,24,5/1,3"_s);
-        QVERIFY(m_stored->read(u"rois.json"_s).contains("\"enabled\": false"));
+        QCOMPARE(m_boxes, QStringList(QStringLiteral(
+                              "Created 2 ROI video(s).\n\nOriginal PNG frames were not "
+                              "modified.")));
+        QCOMPARE(textOf("statusLabel"), QStringLiteral("Completed: 2 ROI video(s) created."));
+        QCOMPARE(filmShape(m_stored->filePath("AIA_171/AIA_171__ROI_02_ROI_2.mp4")),
+                 QStringLiteral("64,48,5/1,3"));
+        QCOMPARE(filmShape(m_stored->filePath("HMI/HMI__ROI_02_ROI_2.mp4")),
+                 QStringLiteral("32,24,5/1,3"));
+        QVERIFY(m_stored->read("rois.json").contains("\"enabled\": false"));
         QCOMPARE(m_stored->contents(), before);
     }
 
     void closeEndsAWaitForTheService()
     {
-        QFile::remove(m_stored->filePath(u"manifest.csv"_s)); // and with it the scale
+        QFile::remove(m_stored->filePath("manifest.csv")); // and with it the scale
         open();
         drawTwo();
-        const QString curl = FakeProgram::install(u"bin/fake-curl"_s);
+        const QString curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
         FakeProgram::Reply hanging;
         hanging.hang = true;
         FakeProgram::setScript(curl, {hanging});
-        TestFolder::setKey(u"paths/curl"_s, curl);
+        TestFolder::setKey(QStringLiteral("paths/curl"), curl);
         QTimer::singleShot(0, this, [this] {
             QVERIFY(!find<QPushButton>("generateButton")->isEnabled());
             click("closeButton");
@@ -175,7 +181,7 @@ private:
     {
         QWidget *modal = QApplication::activeModalWidget();
         if (auto *box = qobject_cast<QMessageBox *>(modal)) {
-            QCOMPARE(box->windowTitle(), u"ROI video"_s);
+            QCOMPARE(box->windowTitle(), QStringLiteral("ROI video"));
             m_boxes.append(box->text());
             QAbstractButton *button = box->button(m_answer);
             QTest::mouseClick(button ? button : box->button(QMessageBox::Ok), Qt::LeftButton);
@@ -189,7 +195,8 @@ private:
 
     void expectCanceled() const
     {
-        const QString text = u"ROI video generation canceled. Original frames were not modified."_s;
+        const QString text =
+            QStringLiteral("ROI video generation canceled. Original frames were not modified.");
         QCOMPARE(m_boxes, QStringList(text));
         QCOMPARE(textOf("statusLabel"), text);
     }

@@ -32,7 +32,7 @@ RoiVideoPlan planFor(const TestSession &stored, const QRectF &region = {0.25, 0.
     RoiVideoPlan plan;
     plan.sessionDirectory = session->directory;
     plan.sources = {{session->sources.first(), {}}};
-    plan.rois = {{1, {u"Flare  #1 / west"_s, region, true, 0}}};
+    plan.rois = {{1, {QStringLiteral("Flare  #1 / west"), region, true, 0}}};
     plan.fps = session->videoFps;
     plan.crf = session->videoCrf;
     plan.timestampOverlay = plan.sourceOverlay = plan.scaleOverlay = false;
@@ -40,28 +40,26 @@ RoiVideoPlan planFor(const TestSession &stored, const QRectF &region = {0.25, 0.
     return plan;
 }
 
-QString filmName()
-{
-    return u"AIA_171/AIA_171__ROI_01_Flare_1_west.mp4"_s;
-}
+constexpr const char *filmName = "AIA_171/AIA_171__ROI_01_Flare_1_west.mp4";
 
 QString filmOf(const TestSession &stored)
 {
-    return stored.filePath(filmName());
+    return stored.filePath(filmName);
 }
 
 /// Why a run failed.
 QString failureOf(const RoiVideoPlan &plan)
 {
     RoiVideoGenerator generator;
-    return generator.run(plan) == Outcome::Failed ? generator.errorText() : u"did not fail"_s;
+    return generator.run(plan) == Outcome::Failed ? generator.errorText()
+                                                  : QStringLiteral("did not fail");
 }
 
 QString useFakeEncoder(const FakeProgram::Reply &reply)
 {
-    QString program = FakeProgram::install(u"bin/fake-ffmpeg"_s);
+    QString program = FakeProgram::install(QStringLiteral("bin/fake-ffmpeg"));
     FakeProgram::setScript(program, {reply});
-    TestFolder::setKey(u"paths/ffmpeg"_s, program);
+    TestFolder::setKey(QStringLiteral("paths/ffmpeg"), program);
     return program;
 }
 
@@ -87,9 +85,9 @@ private slots:
         QCOMPARE(generator.run(plan), Outcome::Completed);
         QCOMPARE(progress.last().first().toInt(), plan.totalFrames());
         QCOMPARE(log.last().first().toString(),
-                 u"ROI video completed: %1; rotation 90 deg"_s.arg(filmOf(stored)));
+                 QStringLiteral("ROI video completed: %1; rotation 90 deg").arg(filmOf(stored)));
 
-        QCOMPARE(filmShape(filmOf(stored)), u"96,128,5/1,3"_s);
+        QCOMPARE(filmShape(filmOf(stored)), QStringLiteral("96,128,5/1,3"));
         const QImage frame = filmFrame(filmOf(stored), 2);
         QCOMPARE(QVector<QRgb>({field(frame, 24, 32), field(frame, 72, 32), field(frame, 24, 96),
                                 field(frame, 72, 96)}),
@@ -103,7 +101,7 @@ private slots:
         RoiVideoPlan plan = planFor(stored, {0.5, 0.5, 0.5, 0.5}); // the white field
         plan.intro = true;
         QCOMPARE(RoiVideoGenerator().run(plan), Outcome::Completed);
-        QCOMPARE(filmShape(filmOf(stored)), u"128,96,5/1,6"_s);
+        QCOMPARE(filmShape(filmOf(stored)), QStringLiteral("128,96,5/1,6"));
         const QImage first = filmFrame(filmOf(stored), 0);
         QCOMPARE(field(first, 30, 20), red); // the whole frame, squeezed
         QCOMPARE(field(first, 90, 70), white);
@@ -128,16 +126,15 @@ private slots:
     void oddFramesAndEqualNames()
     {
         const TestSession stored;
-        TestSession::frame({101, 77}).save(stored.filePath(u"AIA_171/frame_1.png"_s));
-        QImage(1, 1, QImage::Format_Grayscale8).save(stored.filePath(u"AIA_171/frame_2.png"_s));
+        TestSession::frame({101, 77}).save(stored.filePath("AIA_171/frame_1.png"));
+        QImage(1, 1, QImage::Format_Grayscale8).save(stored.filePath("AIA_171/frame_2.png"));
         RoiVideoPlan plan = planFor(stored);
-        plan.rois = {{2, {u"a/b"_s, QRectF(0, 0, 1, 1), true, 0}},
-                     {11, {u"a b"_s, QRectF(0, 0, 1, 1), true, 0}}};
+        plan.rois = {{2, {QStringLiteral("a/b"), QRectF(0, 0, 1, 1), true, 0}},
+                     {11, {QStringLiteral("a b"), QRectF(0, 0, 1, 1), true, 0}}};
         QCOMPARE(RoiVideoGenerator().run(plan), Outcome::Completed);
-        for (const QString &number : {u"02"_s, u"11"_s}) {
-            const QString film = u"AIA_171/AIA_171__ROI_%1_a_b.mp4"_s.arg(number);
-            QVERIFY(filmShape(stored.filePath(film)).endsWith(u",3"_s));
-        }
+        for (const char *film :
+             {"AIA_171/AIA_171__ROI_02_a_b.mp4", "AIA_171/AIA_171__ROI_11_a_b.mp4"})
+            QVERIFY(filmShape(stored.filePath(film)).endsWith(QLatin1String(",3")));
     }
 
     void encoderFails_data()
@@ -150,12 +147,14 @@ private slots:
         QTest::newRow("talkative") << reply << QString(4000, QLatin1Char('y'));
         reply.exitCode = 0;
         reply.standardError = "No space left on device\n";
-        reply.files.insert(u"$last"_s, QByteArray::fromHex("0000001066747970")); // an MP4's head
-        QTest::newRow("full disk, yet it ends well") << reply << u"No space left on device"_s;
+        reply.files.insert(QStringLiteral("$last"),
+                           QByteArray::fromHex("0000001066747970")); // an MP4's head
+        QTest::newRow("full disk, yet it ends well")
+            << reply << QStringLiteral("No space left on device");
         reply.standardError.clear();
         reply.crash = true;
-        reply.files.insert(u"$last"_s, "cut off");
-        QTest::newRow("crashed over its film") << reply << u"Process crashed"_s;
+        reply.files.insert(QStringLiteral("$last"), "cut off");
+        QTest::newRow("crashed over its film") << reply << QStringLiteral("Process crashed");
     }
     void encoderFails()
     {
@@ -165,31 +164,32 @@ private slots:
         const auto before = stored.contents();
         useFakeEncoder(reply);
         QCOMPARE(failureOf(planFor(stored)),
-                 u"FFmpeg failed for AIA 171 / Flare  #1 / west:\n\n"_s + message);
+                 QStringLiteral("FFmpeg failed for AIA 171 / Flare  #1 / west:\n\n") + message);
         QCOMPARE(stored.contents(), before);
         QVERIFY(!QFileInfo::exists(filmOf(stored)));
 
-        stored.write(filmName(), "an earlier film");
+        stored.write(filmName, "an earlier film");
         failureOf(planFor(stored));
-        QCOMPARE(stored.read(filmName()), QByteArray("an earlier film"));
+        QCOMPARE(stored.read(filmName), QByteArray("an earlier film"));
         QCOMPARE(stored.contents(), before); // which tells a film set aside as well
-        TestFolder::setKey(u"paths/ffmpeg"_s, u"/nonexistent"_s);
-        QCOMPARE(failureOf(planFor(stored)), u"ffmpeg not found: /nonexistent"_s);
+        TestFolder::setKey(QStringLiteral("paths/ffmpeg"), QStringLiteral("/nonexistent"));
+        QCOMPARE(failureOf(planFor(stored)), QStringLiteral("ffmpeg not found: /nonexistent"));
     }
 
     void truncatedFrames()
     {
         const TestSession stored;
-        const QString name = u"AIA_171/frame_0.png"_s;
+        const char *const name = "AIA_171/frame_0.png";
         const QByteArray whole = stored.read(name);
         RoiVideoPlan plan = planFor(stored);
         for (int length = 0; length < whole.size(); length += 40) {
             stored.write(name, whole.left(length));
             const auto before = stored.contents();
             plan.intro = length % 80 == 0;
-            QCOMPARE(failureOf(plan), (plan.intro ? u"Cannot decode first frame for zoom intro:\n"_s
-                                                  : u"Cannot decode frame:\n"_s) +
-                                          stored.filePath(name));
+            QCOMPARE(failureOf(plan),
+                     (plan.intro ? QStringLiteral("Cannot decode first frame for zoom intro:\n")
+                                 : QStringLiteral("Cannot decode frame:\n")) +
+                         stored.filePath(name));
             QCOMPARE(stored.contents(), before);
         }
     }
@@ -198,16 +198,16 @@ private slots:
     {
         const TestSession stored;
         const TestSession other;
-        other.write(u"HMI/.roi_video_frames"_s, "not ours");
+        other.write("HMI/.roi_video_frames", "not ours");
         const auto before = other.contents();
-        stored.editDescriptor("AIA_171", other.filePath(u"HMI"_s).toUtf8());
-        QVERIFY(failureOf(planFor(stored)).contains(u"inside the session"_s));
+        stored.editDescriptor("AIA_171", other.filePath("HMI").toUtf8());
+        QVERIFY(failureOf(planFor(stored)).contains(QStringLiteral("inside the session")));
         QCOMPARE(other.contents(), before);
 
-        stored.editDescriptor(other.filePath(u"HMI"_s).toUtf8(), "AIA_171");
-        const QString root = stored.filePath(u"AIA_171/.roi_video_frames"_s);
+        stored.editDescriptor(other.filePath("HMI").toUtf8(), "AIA_171");
+        const QString root = stored.filePath("AIA_171/.roi_video_frames");
         QVERIFY(QFile::link(other.path(), root));
-        QVERIFY(QFile::link(other.filePath(u"session.json"_s), filmOf(stored)));
+        QVERIFY(QFile::link(other.filePath("session.json"), filmOf(stored)));
         QCOMPARE(RoiVideoGenerator().run(planFor(stored)), Outcome::Completed);
         QCOMPARE(other.contents(), before);
         QVERIFY(!QFileInfo(root).isSymLink() && !QFileInfo(filmOf(stored)).isSymLink());
@@ -216,11 +216,11 @@ private slots:
     void cancelAtAnyStep()
     {
         const TestSession stored;
-        stored.write(filmName(), "an earlier film");
+        stored.write(filmName, "an earlier film");
         const auto before = stored.contents();
         FakeProgram::Reply hanging;
         hanging.hang = true;
-        hanging.files.insert(u"$last"_s, "begun");
+        hanging.files.insert(QStringLiteral("$last"), "begun");
         useFakeEncoder(hanging);
         RoiVideoPlan plan = planFor(stored);
         plan.intro = true;
@@ -229,14 +229,14 @@ private slots:
             QSignalSpy progress(&generator, &RoiVideoGenerator::progressChanged);
             QTimer hand;
             connect(&hand, &QTimer::timeout, &generator, [&] {
-                if (progress.size() == last || stored.read(filmName()) == "begun")
+                if (progress.size() == last || stored.read(filmName) == "begun")
                     generator.cancel();
             });
             hand.start(0);
             QCOMPARE(generator.run(plan), Outcome::Canceled);
             QCOMPARE(progress.size(), qMin(last, plan.totalFrames())); // within one picture
             QCOMPARE(stored.contents(), before);
-            QCOMPARE(stored.read(filmName()), QByteArray("an earlier film"));
+            QCOMPARE(stored.read(filmName), QByteArray("an earlier film"));
         }
     }
 
@@ -244,21 +244,21 @@ private slots:
     {
         const TestSession stored;
         const auto before = stored.contents();
-        const QString aside = filmName() + u".earlier"_s;
+        const QByteArray aside = QByteArray(filmName) + ".earlier";
         stored.write(aside, "an earlier film");
-        stored.write(filmName(), QByteArray::fromHex("0000001066747970")); // half of the next
+        stored.write(filmName, QByteArray::fromHex("0000001066747970")); // half of the next
         FakeProgram::Reply silent; // ends well, yet leaves no film
         for (const int exitCode : {1, 0}) {
             silent.exitCode = exitCode;
             useFakeEncoder(silent);
             RoiVideoGenerator().run(planFor(stored));
-            QCOMPARE(stored.read(filmName()), QByteArray("an earlier film"));
+            QCOMPARE(stored.read(filmName), QByteArray("an earlier film"));
             QCOMPARE(stored.contents(), before);
         }
         stored.write(aside, "a film from before the earlier one"); // killed as it was to go
         TestFolder::clearKeys();
         QCOMPARE(RoiVideoGenerator().run(planFor(stored)), Outcome::Completed);
-        QCOMPARE(filmShape(filmOf(stored)), u"128,96,5/1,3"_s);
+        QCOMPARE(filmShape(filmOf(stored)), QStringLiteral("128,96,5/1,3"));
         QCOMPARE(stored.contents(), before);
     }
 };

@@ -15,12 +15,13 @@ QDateTime noon()
 
 QJsonObject metadata(const QJsonValue &rsun, const QJsonValue &width)
 {
-    return {{u"rsun"_s, rsun}, {u"width"_s, width}};
+    return {{QStringLiteral("rsun"), rsun}, {QStringLiteral("width"), width}};
 }
 
 RoiSource sourceWith(const QVector<RoiSourceFrame> &frames)
 {
-    return {10, u"AIA 171"_s, u"a"_s, u"/session/a"_s, frames};
+    return {10, QStringLiteral("AIA 171"), QStringLiteral("a"), QStringLiteral("/session/a"),
+            frames};
 }
 
 } // namespace
@@ -34,19 +35,22 @@ private slots:
     void initTestCase() { TestFolder::clearKeys(); }
     void init()
     {
-        m_curl = FakeProgram::install(u"bin/fake-curl"_s);
-        TestFolder::setKey(u"paths/curl"_s, m_curl);
+        m_curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
+        TestFolder::setKey(QStringLiteral("paths/curl"), m_curl);
     }
 
     void line()
     {
-        const QString notStored = u"Scale: metadata not stored in this session; Orvik will query "
-                                  "Helioviewer once per datasource when needed."_s;
-        QCOMPARE(ScaleLookup::lineText(0, metadata(1600, 4096)), u"Scale: --"_s);
-        QCOMPARE(ScaleLookup::lineText(1024, metadata(u"large"_s, 4096)), notStored);
-        QCOMPARE(ScaleLookup::lineText(1024, metadata(u"1600"_s, u"4096"_s)),
-                 u"Projected scale: 1739.3 km/pixel at the captured PNG resolution."_s);
-        QCOMPARE(ScaleLookup::lineText(1024, metadata(1e300, 1e-300)), u"Scale: unavailable."_s);
+        const QString notStored =
+            QStringLiteral("Scale: metadata not stored in this session; Orvik will query "
+                           "Helioviewer once per datasource when needed.");
+        QCOMPARE(ScaleLookup::lineText(0, metadata(1600, 4096)), QStringLiteral("Scale: --"));
+        QCOMPARE(ScaleLookup::lineText(1024, metadata(QStringLiteral("large"), 4096)), notStored);
+        QCOMPARE(
+            ScaleLookup::lineText(1024, metadata(QStringLiteral("1600"), QStringLiteral("4096"))),
+            QStringLiteral("Projected scale: 1739.3 km/pixel at the captured PNG resolution."));
+        QCOMPARE(ScaleLookup::lineText(1024, metadata(1e300, 1e-300)),
+                 QStringLiteral("Scale: unavailable."));
     }
 
     void firstTheSessionThenOnceTheService()
@@ -66,11 +70,14 @@ private slots:
             QVERIFY(ScaleLookup::isUsable(lookup.ensure(bare, noon())));
         QVERIFY(ScaleLookup::isUsable(ScaleLookup().ensure(sourceWith({}), noon())));
         QCOMPARE(status.size(), 1);
-        QCOMPARE(status.first().first().toString(), u"Looking up scale metadata for AIA 171..."_s);
+        QCOMPARE(status.first().first().toString(),
+                 QStringLiteral("Looking up scale metadata for AIA 171..."));
         const auto runs = FakeProgram::argumentLists(m_curl);
         QCOMPARE(runs.size(), 2);
-        QVERIFY(runs.first().last().contains(u"00:07Z"_s)); // the first time that is known
-        QVERIFY(runs.last().last().contains(u"00:00Z"_s));  // none is: the session's start
+        QVERIFY(
+            runs.first().last().contains(QStringLiteral("00:07Z"))); // the first time that is known
+        QVERIFY(
+            runs.last().last().contains(QStringLiteral("00:00Z"))); // none is: the session's start
     }
 
 private:
