@@ -3,6 +3,7 @@
 #include "base/childprocess.h"
 #include "output/ffmpegcommand.h"
 #include "output/filmfile.h"
+#include "output/sessionfiles.h"
 #include "roi/earlierfilm.h"
 
 #include <QEventLoop>
@@ -45,7 +46,7 @@ bool RoiEncoder::run(const QString &program, const QString &framesFolder, const 
     connect(&process, &QProcess::readyRead, this, &RoiEncoder::collectOutput);
     m_process = &process;
     process.start(program,
-                  FfmpegCommand::arguments(fps, QStringLiteral("frame_%06d.png"), crf, outputFile));
+                  FfmpegCommand::arguments(fps, SessionFiles::framePattern(), crf, outputFile));
     const bool succeeded = process.waitForStarted(startLimitMs) && waitForEnd(process);
     ChildProcess::killAndWait(process); // a slow start, a quitting program, a torn pipe
     process.disconnect(this);

@@ -3,6 +3,8 @@
 #include "base/jsonfile.h"
 #include "base/utctext.h"
 #include "output/manifestreader.h"
+#include "output/sessionfiles.h"
+#include "output/sessionkeys.h"
 
 #include <QDir>
 #include <QFile>
@@ -58,7 +60,7 @@ QVector<RoiSourceFrame> framesFromManifest(const QVector<ManifestFrame> &rows, c
 QVector<RoiSourceFrame> framesFromFolder(const QDir &folder)
 {
     const QStringList names =
-        folder.entryList({QStringLiteral("frame_*.png")}, QDir::Files, QDir::Name);
+        folder.entryList({SessionFiles::frameFilter()}, QDir::Files, QDir::Name);
     QVector<RoiSourceFrame> frames;
     frames.reserve(names.size());
     for (const QString &name : names)
@@ -73,9 +75,9 @@ QVector<RoiSource> sourcesFromJson(const QJsonArray &elements, const QDir &sessi
     for (const QJsonValue &element : elements) {
         const QJsonObject object = element.toObject();
         RoiSource source;
-        source.sourceId = object.value(QStringLiteral("sourceId")).toInt(-1);
-        source.nickname = object.value(QStringLiteral("nickname")).toString();
-        source.archiveName = object.value(QStringLiteral("archiveName")).toString();
+        source.sourceId = object.value(SessionKeys::sourceId).toInt(-1);
+        source.nickname = object.value(SessionKeys::nickname).toString();
+        source.archiveName = object.value(SessionKeys::archiveName).toString();
         if (source.sourceId < 0 || source.archiveName.isEmpty())
             continue;
         source.folder = QDir::cleanPath(session.absoluteFilePath(source.archiveName));
@@ -91,13 +93,12 @@ StoredSession sessionFromJson(const QJsonObject &descriptor, const QDir &directo
 {
     StoredSession session;
     session.directory = directory.absolutePath();
-    session.startUtc = UtcText::fromText(descriptor.value(QStringLiteral("startUtc")).toString());
-    session.videoFps = descriptor.value(QStringLiteral("videoFps")).toInt(session.videoFps);
-    session.videoCrf = descriptor.value(QStringLiteral("videoCrf")).toInt(session.videoCrf);
+    session.startUtc = UtcText::fromText(descriptor.value(SessionKeys::startUtc).toString());
+    session.videoFps = descriptor.value(SessionKeys::videoFps).toInt(session.videoFps);
+    session.videoCrf = descriptor.value(SessionKeys::videoCrf).toInt(session.videoCrf);
     session.sourceOverlay =
-        descriptor.value(QStringLiteral("sourceOverlay")).toBool(session.sourceOverlay);
-    session.scaleOverlay =
-        descriptor.value(QStringLiteral("scaleOverlay")).toBool(session.scaleOverlay);
+        descriptor.value(SessionKeys::sourceOverlay).toBool(session.sourceOverlay);
+    session.scaleOverlay = descriptor.value(SessionKeys::scaleOverlay).toBool(session.scaleOverlay);
     return session;
 }
 
@@ -143,7 +144,7 @@ std::optional<StoredSession> RoiSession::load(const QString &directory, QString 
         return std::nullopt;
     };
     const QDir session(QFileInfo(directory).absoluteFilePath());
-    const QString descriptorPath = session.filePath(QStringLiteral("session.json"));
+    const QString descriptorPath = session.filePath(SessionFiles::descriptor());
     if (!QFile(descriptorPath).open(QIODevice::ReadOnly))
         return fail(
             QStringLiteral("The selected directory does not contain a readable session.json."));
@@ -154,11 +155,10 @@ std::optional<StoredSession> RoiSession::load(const QString &directory, QString 
 
     // Without a manifest the folders themselves tell which frames there are.
     const ManifestFrames manifest =
-        ManifestReader::read(session.filePath(QStringLiteral("manifest.csv")))
-            .value_or(ManifestFrames());
+        ManifestReader::read(session.filePath(SessionFiles::manifest())).value_or(ManifestFrames());
     StoredSession loaded = sessionFromJson(*descriptor, session);
     loaded.sources =
-        sourcesFromJson(descriptor->value(QStringLiteral("sources")).toArray(), session, manifest);
+        sourcesFromJson(descriptor->value(SessionKeys::sources).toArray(), session, manifest);
     if (loaded.sources.isEmpty())
         return fail(QStringLiteral("No datasource folders were found in this session."));
     return loaded;

@@ -2,6 +2,7 @@
 
 #include "app/runtimeconfig.h"
 #include "base/utctext.h"
+#include "output/sessionfiles.h"
 #include "roi/roicanvas.h"
 #include "roi/roigeometry.h"
 #include "roi/roimessagebox.h"
@@ -95,7 +96,7 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
     showRoiList(-1);
     m_ui->browseButton->setFocus();
     const QDir initial(initialSessionDirectory);
-    if (!initialSessionDirectory.isEmpty() && initial.exists(QStringLiteral("session.json")))
+    if (!initialSessionDirectory.isEmpty() && initial.exists(SessionFiles::descriptor()))
         loadSession(initialSessionDirectory, &m_initialError);
 }
 

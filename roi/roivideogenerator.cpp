@@ -5,6 +5,7 @@
 #include "imaging/frameannotation.h"
 #include "imaging/metricscale.h"
 #include "imaging/pngwriter.h"
+#include "output/sessionfiles.h"
 #include "roi/roiframe.h"
 #include "roi/roigeometry.h"
 #include "roi/scalelookup.h"
@@ -68,7 +69,7 @@ struct RoiVideoGenerator::Job
     const QVector<RoiSourceFrame> &frames() const { return filmed.source.frames; }
     QString picturePath(int index) const
     {
-        return framesFolder + QStringLiteral("/frame_%1.png").arg(index, 6, 10, QLatin1Char('0'));
+        return framesFolder + QLatin1Char('/') + SessionFiles::frame(index);
     }
 };
 

@@ -1,5 +1,7 @@
 #include "ui/outputsearch.h"
 
+#include "output/sessionfiles.h"
+
 #include <QDateTime>
 #include <QDirIterator>
 
@@ -41,6 +43,6 @@ QString OutputSearch::videoStartFolder(const QString &root, const QString &lastF
 
 QString OutputSearch::newestSession(const QString &root)
 {
-    const QFileInfo file = newestFile(root, {QStringLiteral("session.json")});
+    const QFileInfo file = newestFile(root, {SessionFiles::descriptor()});
     return file.filePath().isEmpty() ? QString() : file.absolutePath();
 }
