@@ -6,21 +6,15 @@
 
 namespace {
 
-template<typename Colour>
-QImage drawn(const QSize &size, Colour colour)
+/// One pixel of red, one of black, and so on.
+QImage lines(bool across)
 {
-    QImage image(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, colour(x, y));
+    QImage image(512, 512, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, (across ? y : x) % 2 ? qRgb(254, 0, 0) : 0);
     }
     return image;
-}
-
-/// Every pixel of another value, so that one that moved is found.
-QImage gradient(const QSize &size)
-{
-    return drawn(size, [](int x, int y) { return qRgb(x, y, x ^ y); });
 }
 
 } // namespace
@@ -46,7 +40,7 @@ private slots:
 
     void turnsMoveWholePixels()
     {
-        const QImage upright = gradient({30, 20});
+        const QImage upright = TestSession::frame({30, 20});
         for (const int stored : {0, 90, -90, 180, 270, 450}) {
             const QImage turned = RoiFrame::turned(upright, stored);
             QCOMPARE(turned.size(), stored % 180 == 0 ? QSize(30, 20) : QSize(20, 30));
@@ -60,10 +54,7 @@ private slots:
     {
         // Squeezed across only: lines down the picture blend, lines across it stay as they are.
         for (const bool across : {false, true}) {
-            const QImage lines = drawn({512, 512}, [across](int x, int y) {
-                return (across ? y : x) % 2 ? qRgb(254, 0, 0) : 0;
-            });
-            const QImage narrow = ZoomSource(lines).picture(lines.rect(), QSize(64, 512));
+            const QImage narrow = ZoomSource(lines(across)).picture({0, 0, 512, 512}, {64, 512});
             QVERIFY(qAbs(qRed(narrow.pixel(31, 21)) - (across ? 254 : 127)) <= 2);
         }
     }

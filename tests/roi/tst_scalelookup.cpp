@@ -33,11 +33,6 @@ class TestScaleLookup : public QObject
 
 private slots:
     void initTestCase() { TestFolder::clearKeys(); }
-    void init()
-    {
-        m_curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
-        TestFolder::setKey(QStringLiteral("paths/curl"), m_curl);
-    }
 
     void line()
     {
@@ -55,14 +50,16 @@ private slots:
 
     void firstTheSessionThenOnceTheService()
     {
+        const QString curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
+        TestFolder::setKey(QStringLiteral("paths/curl"), curl);
         const RoiSource source =
             sourceWith({{{}, noon(), metadata(0, 4096)}, {{}, noon(), metadata(1500, 4096)}});
         QCOMPARE(ScaleLookup().ensure(source, noon()), metadata(1500, 4096));
-        QVERIFY(FakeProgram::runs(m_curl).isEmpty());
+        QVERIFY(FakeProgram::runs(curl).isEmpty());
 
         FakeProgram::Reply reply;
         reply.standardOutput = R"({"id":"7","date":"2024-05-01 12:00:07","rsun":1,"width":"4"})";
-        FakeProgram::setScript(m_curl, {reply});
+        FakeProgram::setScript(curl, {reply});
         ScaleLookup lookup;
         QSignalSpy status(&lookup, &ScaleLookup::statusChanged);
         const RoiSource bare = sourceWith({{{}, {}, {}}, {{}, noon().addSecs(7), {}}});
@@ -72,16 +69,12 @@ private slots:
         QCOMPARE(status.size(), 1);
         QCOMPARE(status.first().first().toString(),
                  QStringLiteral("Looking up scale metadata for AIA 171..."));
-        const auto runs = FakeProgram::argumentLists(m_curl);
+        const auto runs = FakeProgram::argumentLists(curl);
         QCOMPARE(runs.size(), 2);
+        QVERIFY(runs.first().last().contains(QLatin1String("00:07Z"))); // the first that is known
         QVERIFY(
-            runs.first().last().contains(QStringLiteral("00:07Z"))); // the first time that is known
-        QVERIFY(
-            runs.last().last().contains(QStringLiteral("00:00Z"))); // none is: the session's start
+            runs.last().last().contains(QLatin1String("00:00Z"))); // none is: the session's start
     }
-
-private:
-    QString m_curl;
 };
 
 QTEST_GUILESS_MAIN(TestScaleLookup)
