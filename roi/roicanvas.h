@@ -23,6 +23,7 @@ class RoiCanvas : public QObject
     Q_OBJECT
 
 public:
+    /// Puts its scene into @p view and takes the mouse of its viewport.
     explicit RoiCanvas(QGraphicsView *view, QObject *parent = nullptr);
 
     bool isDrawing() const { return m_drawing; }
@@ -36,7 +37,9 @@ public:
     /// Replaces the outlines; the one at @p current, if any, stands out.
     void showRegions(const QVector<QRect> &regions, int current);
 
+    /// Lets the next drag that begins inside the frame draw a rectangle where it would pan.
     void startDrawing();
+    /// Lets drags pan again; a rectangle that is being drawn is dropped without a signal.
     void cancelDrawing();
 
 public slots:

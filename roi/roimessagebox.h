@@ -4,6 +4,7 @@
 
 class QString;
 
+/// The boxes that the region tool shows over its dialog.
 namespace RoiMessageBox {
 
 /**

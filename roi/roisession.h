@@ -36,9 +36,10 @@ struct StoredSession
     bool sourceOverlay = true;
     bool scaleOverlay = true;
 
-    int sourcesWithFrames() const;
+    int sourcesWithFrames() const; ///< how many of them can be looked at and filmed
 };
 
+/// Stored sessions as they are found on disk, whoever wrote or edited them.
 namespace RoiSession {
 
 /**
