@@ -12,6 +12,7 @@ namespace {
 
 bool canMount = false;
 
+const char *const cannotMount = "this user may not mount a small disk";
 const char *const crash = "#!/bin/sh\nkill -SEGV $$\n";
 const char *const noInterpreter = "#!/no/such/shell\n";
 const char *const noX264 = "#!/bin/sh\necho \"Unknown encoder 'libx264'\"\nexit 1\n";
@@ -126,6 +127,7 @@ void TestMidrunFaults::somethingHappens_data()
     QTest::addColumn<QString>("statuses"); // none when the pictures themselves are gone
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("film");
+    QTest::addColumn<bool>("fillsTheDisk");
 
     const QString lookup = QStringLiteral("[state] SUVI");
     const QString load = QStringLiteral("curl: downloadImage");
@@ -135,10 +137,12 @@ void TestMidrunFaults::somethingHappens_data()
     const QString allOk = QStringLiteral("OK OK OK");
     const QString film = QStringLiteral("Video completed: SUVI");
     const QString noFilm = QStringLiteral("FFMPEG ERROR for SUVI");
-    const auto row = [](const char *name, const QString &when, int occurrence, const Event &happens,
-                        const QString &statuses, const char *line, const QString &filmLine) {
+    bool fillsTheDisk = false; // holds for the rows that follow
+    const auto row = [&fillsTheDisk](const char *name, const QString &when, int occurrence,
+                                     const Event &happens, const QString &statuses,
+                                     const char *line, const QString &filmLine) {
         QTest::newRow(name) << when << occurrence << happens << statuses
-                            << QString::fromLatin1(line) << filmLine;
+                            << QString::fromLatin1(line) << filmLine << fillsTheDisk;
     };
     row("no curl for the probe", QStringLiteral("[state] Analyzing"), 1, curlIs(""), allOk,
         "WARNING preflight SUVI: curl.exe not found: ", film);
@@ -170,8 +174,7 @@ void TestMidrunFaults::somethingHappens_data()
         "ERROR SUVI [downloadImage]: curl: (23)", noFilm);
     row("datasource folder gone", lookup, 2, removed(false), QString(),
         "ERROR SUVI [downloadImage]: curl: (23)", noFilm);
-    if (!canMount)
-        return;
+    fillsTheDisk = true;
     row("disk full for a download", lookup, 2, roomFor(0), loadError,
         "ERROR SUVI [downloadImage]: curl: (23)", film);
     row("disk full for an annotated copy", lookup, 2, roomFor(1.2), allOk,
@@ -192,7 +195,10 @@ void TestMidrunFaults::somethingHappens()
     QFETCH(QString, statuses);
     QFETCH(QString, line);
     QFETCH(QString, film);
+    QFETCH(bool, fillsTheDisk);
 
+    if (fillsTheDisk && !canMount)
+        QSKIP(cannotMount);
     Scene scene;
     if (canMount)
         TestFolder::setKey(QStringLiteral("paths/output"), scene.disk.emplace().path());
@@ -223,7 +229,7 @@ void TestMidrunFaults::somethingHappens()
 void TestMidrunFaults::outputRootThatCannotBeUsed()
 {
     if (!canMount)
-        return QTest::qSkip("this user may not mount a disk", __FILE__, __LINE__);
+        QSKIP(cannotMount);
     AcquisitionRoad road;
     SmallDisk disk;
     const auto refusalOf = [&road](const QString &root) {
@@ -261,7 +267,7 @@ void TestMidrunFaults::diskFullForTheLedger()
     QFETCH(int, relief);
 
     if (!canMount)
-        return QTest::qSkip("this user may not mount a disk", __FILE__, __LINE__);
+        QSKIP(cannotMount);
     Scene scene;
     TestFolder::setKey(QStringLiteral("paths/output"), scene.disk.emplace().path());
     scene.road.server.addFault(
