@@ -77,12 +77,17 @@ void TestSessionProcesses::killedAtARandomMoment()
         killed += over && session->exitStatus() == QProcess::CrashExit ? 1 : 0;
         return over;
     };
+    QEventLoop untilOneIsOver;
     while (killed < kills) {
         while (int(sessions.size()) < qMin(atOnce, kills - killed)) {
             sessions.push_back(startSession());
-            killLater(sessions.back().get(), random.bounded(longestLog), random.bounded(50));
+            QProcess *session = sessions.back().get();
+            QVERIFY(session->waitForStarted());
+            connect(session, qOverload<int, QProcess::ExitStatus>(&QProcess::finished),
+                    &untilOneIsOver, &QEventLoop::quit);
+            killLater(session, random.bounded(longestLog), random.bounded(50));
         }
-        QTest::qWait(10);
+        untilOneIsOver.exec();
         sessions.erase(std::remove_if(sessions.begin(), sessions.end(), isOver), sessions.end());
     }
 
