@@ -38,7 +38,7 @@ QString warning(int x, int y, int width, int height)
 
 } // namespace
 
-class tst_BlankBlock : public QObject
+class TestBlankBlock : public QObject
 {
     Q_OBJECT
 
@@ -117,5 +117,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_BlankBlock)
+QTEST_GUILESS_MAIN(TestBlankBlock)
 #include "tst_blankblock.moc"

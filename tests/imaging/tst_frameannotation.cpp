@@ -26,7 +26,7 @@ QRect paintedArea(QSize size, const QDateTime &time, const QString &label, doubl
 
 } // namespace
 
-class tst_FrameAnnotation : public QObject
+class TestFrameAnnotation : public QObject
 {
     Q_OBJECT
 
@@ -110,5 +110,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(tst_FrameAnnotation)
+QTEST_MAIN(TestFrameAnnotation)
 #include "tst_frameannotation.moc"

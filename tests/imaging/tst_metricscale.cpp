@@ -5,7 +5,7 @@
 
 #include <limits>
 
-class tst_MetricScale : public QObject
+class TestMetricScale : public QObject
 {
     Q_OBJECT
 
@@ -45,5 +45,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_MetricScale)
+QTEST_GUILESS_MAIN(TestMetricScale)
 #include "tst_metricscale.moc"

@@ -31,7 +31,7 @@ QImage sun(QSize size)
 
 } // namespace
 
-class tst_PngWriter : public QObject
+class TestPngWriter : public QObject
 {
     Q_OBJECT
 
@@ -97,5 +97,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_PngWriter)
+QTEST_GUILESS_MAIN(TestPngWriter)
 #include "tst_pngwriter.moc"
