@@ -35,7 +35,6 @@ QJsonObject toJson(const FakeProgram::Reply &reply)
         {QStringLiteral("stdout"), base64(reply.standardOutput)},
         {QStringLiteral("stderr"), base64(reply.standardError)},
         {QStringLiteral("files"), files},
-        {QStringLiteral("delayMs"), reply.delayMs},
         {QStringLiteral("hang"), reply.hang},
         {QStringLiteral("crash"), reply.crash},
     };
@@ -73,8 +72,7 @@ QVector<FakeProgram::Run> FakeProgram::runs(const QString &program)
     while (!journal.atEnd()) {
         const QJsonObject line = QJsonDocument::fromJson(journal.readLine()).object();
         runs.append({line.value(QLatin1String("arguments")).toVariant().toStringList(),
-                     line.value(QLatin1String("workingDirectory")).toString(),
-                     line.value(QLatin1String("processId")).toVariant().toLongLong()});
+                     line.value(QLatin1String("workingDirectory")).toString()});
     }
     return runs;
 }
@@ -86,9 +84,4 @@ QVector<QStringList> FakeProgram::argumentLists(const QString &program)
     for (const Run &run : all)
         lists.append(run.arguments);
     return lists;
-}
-
-void FakeProgram::clearJournal(const QString &program)
-{
-    QFile::remove(journalPath(program));
 }
