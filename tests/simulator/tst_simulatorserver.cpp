@@ -6,8 +6,6 @@
 #include <QElapsedTimer>
 #include <QTest>
 
-#include <thread>
-
 using namespace Simulator;
 
 namespace {
@@ -24,7 +22,6 @@ class TestSimulatorServer : public QObject
 
 private slots:
     void faultsConcernTheirRequestsOnly();
-    void stopEndsHangingClients();
 };
 
 void TestSimulatorServer::faultsConcernTheirRequestsOnly()
@@ -46,28 +43,6 @@ void TestSimulatorServer::faultsConcernTheirRequestsOnly()
     timer.start();
     QCOMPARE(client.Get(closestPath)->status, 200);
     QVERIFY(timer.elapsed() >= 30);
-}
-
-void TestSimulatorServer::stopEndsHangingClients()
-{
-    Server server(Archive::sample());
-    QVERIFY(server.start());
-    server.addFault({Operation::GetClosestImage, FaultKind::Hang});
-    bool answered = true;
-    std::thread hanging([&server, &answered] {
-        httplib::Client client("127.0.0.1", server.port());
-        answered = bool(client.Get(closestPath));
-    });
-    httplib::Client idle("127.0.0.1", server.port());
-    idle.set_keep_alive(true);
-    QVERIFY(idle.Get("/v2/getDataSources/"));
-    QTRY_COMPARE(server.requestCount(Operation::GetClosestImage), 1);
-    QElapsedTimer timer;
-    timer.start();
-    server.stop();
-    QVERIFY2(timer.elapsed() < 800, qPrintable(QString::number(timer.elapsed())));
-    hanging.join();
-    QVERIFY(!answered);
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorServer)
