@@ -15,10 +15,15 @@ bool isThere(const QString &path)
     return info.isFile() || info.isSymLink();
 }
 
+/// No longer than the film's own name, which may be as long as the system allows.
+QString besideName(const QString &film)
+{
+    return film.left(film.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".old");
+}
+
 } // namespace
 
-EarlierFilm::EarlierFilm(const QString &film)
-    : m_film(film), m_aside(film + QStringLiteral(".earlier"))
+EarlierFilm::EarlierFilm(const QString &film) : m_film(film), m_aside(besideName(film))
 {
     if (isThere(m_aside) && FilmFile::isCutOff(m_film)) // the program was killed while it encoded
         QFile::remove(m_film);

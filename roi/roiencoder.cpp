@@ -1,6 +1,7 @@
 #include "roi/roiencoder.h"
 
 #include "base/childprocess.h"
+#include "base/errortext.h"
 #include "output/ffmpegcommand.h"
 #include "output/filmfile.h"
 #include "output/sessionfiles.h"
@@ -19,11 +20,8 @@ constexpr int keptBytes = 16 * shownCharacters; // an encoder that talks for hou
 
 bool RoiEncoder::isPresent(const QString &program, QString *errorText)
 {
-    if (QFileInfo::exists(program))
-        return true;
-    if (errorText)
-        *errorText = QStringLiteral("ffmpeg not found: %1").arg(program);
-    return false;
+    return QFileInfo::exists(program) ||
+           ErrorText::fail(errorText, QStringLiteral("ffmpeg not found: %1").arg(program));
 }
 
 bool RoiEncoder::run(const QString &program, const QString &framesFolder, const QString &outputFile,
@@ -33,9 +31,8 @@ bool RoiEncoder::run(const QString &program, const QString &framesFolder, const 
         return false;
     EarlierFilm earlier(outputFile);
     if (!earlier.isOutOfTheWay()) {
-        if (errorText)
-            *errorText = QStringLiteral("Cannot set the earlier film aside: %1").arg(outputFile);
-        return false;
+        return ErrorText::fail(
+            errorText, QStringLiteral("Cannot set the earlier film aside: %1").arg(outputFile));
     }
 
     QProcess process;
@@ -55,9 +52,7 @@ bool RoiEncoder::run(const QString &program, const QString &framesFolder, const 
         earlier.supersede();
         return true;
     }
-    if (errorText)
-        *errorText = failureText(process);
-    return false;
+    return ErrorText::fail(errorText, failureText(process));
 }
 
 void RoiEncoder::cancel()

@@ -1,5 +1,6 @@
 #include "roi/roisession.h"
 
+#include "base/errortext.h"
 #include "base/jsonfile.h"
 #include "base/utctext.h"
 #include "output/manifestreader.h"
@@ -139,9 +140,7 @@ int StoredSession::sourcesWithFrames() const
 std::optional<StoredSession> RoiSession::load(const QString &directory, QString *errorText)
 {
     const auto fail = [errorText](const QString &text) {
-        if (errorText)
-            *errorText = text;
-        return std::nullopt;
+        return ErrorText::nothing(errorText, text);
     };
     const QDir session(QFileInfo(directory).absoluteFilePath());
     const QString descriptorPath = session.filePath(SessionFiles::descriptor());
@@ -167,11 +166,9 @@ std::optional<StoredSession> RoiSession::load(const QString &directory, QString 
 bool RoiSession::mayWriteTo(const RoiSource &source, const QString &sessionDirectory,
                             QString *errorText)
 {
-    if (liesBelow(source, sessionDirectory))
-        return true;
-    if (errorText)
-        *errorText = QStringLiteral("The folder \"%1\" of %2 does not lie inside the session "
-                                    "directory. Nothing is written there.")
-                         .arg(source.archiveName, source.nickname);
-    return false;
+    return liesBelow(source, sessionDirectory) ||
+           ErrorText::fail(errorText,
+                           QStringLiteral("The folder \"%1\" of %2 does not lie inside the session "
+                                          "directory. Nothing is written there.")
+                               .arg(source.archiveName, source.nickname));
 }

@@ -232,7 +232,7 @@ private slots:
     {
         const TestSession stored;
         const auto before = stored.contents();
-        const QByteArray aside = QByteArray(filmName) + ".earlier";
+        const QByteArray aside = QByteArray(filmName).replace(".mp4", ".old");
         stored.write(aside, "an earlier film");
         stored.write(filmName, QByteArray::fromHex("0000001066747970")); // half of the next
         FakeProgram::Reply silent; // ends well, yet leaves no film
