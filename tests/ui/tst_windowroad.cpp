@@ -15,6 +15,8 @@
 #include <QTreeWidget>
 #include <QtTest>
 
+#include <utility>
+
 using WindowFixture::BoxCloser;
 using WindowFixture::logText;
 using WindowFixture::part;
@@ -29,8 +31,8 @@ private slots:
     void init();
     void tickStartWatchStopRestart();
     void filmIsMadeAndTheWindowIdleAgain();
-    void closingEndsTheRun_data();
-    void closingEndsTheRun();
+    void actionsAtEveryStage_data();
+    void actionsAtEveryStage();
     void everythingIsRefusedOrSafeWhileRunning();
 
 private:
@@ -146,33 +148,57 @@ void TestWindowRoad::filmIsMadeAndTheWindowIdleAgain()
                                          "AIA_171_20240501_120000/AIA_171_20240501_120000.mp4")));
 }
 
-void TestWindowRoad::closingEndsTheRun_data()
+void TestWindowRoad::actionsAtEveryStage_data()
 {
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("stage");
-    QTest::newRow("probing") << QStringLiteral("GOES-R SUVI 195 ") << QStringLiteral("Analyzing");
-    QTest::newRow("downloading") << QStringLiteral("AIA 171 ") << QStringLiteral("AIA 171  ");
-    QTest::newRow("encoding") << QStringLiteral("AIA 171 ") << QStringLiteral("Encoding videos");
+    QTest::addColumn<bool>("closes");
+    const QString suvi = QStringLiteral("GOES-R SUVI 195 ");
+    const QString aia = QStringLiteral("AIA 171 ");
+    for (const bool closes : {true, false}) {
+        const auto row = [closes](const char *stage) -> QTestData & {
+            return QTest::addRow("%s, %s", stage, closes ? "close" : "stop");
+        };
+        row("probing") << suvi << QStringLiteral("Analyzing") << closes;
+        row("downloading") << aia << QStringLiteral("AIA 171  ") << closes;
+        row("encoding") << aia << QStringLiteral("Encoding videos") << closes;
+    }
 }
 
-void TestWindowRoad::closingEndsTheRun()
+void TestWindowRoad::actionsAtEveryStage()
 {
     QFETCH(QString, source);
     QFETCH(QString, stage);
+    QFETCH(bool, closes);
+    bool hasActed = false;
     {
         MainWindow window;
         prepareRun(window, source, 3);
+        m_server.clearJournal();
+        const auto act = [&] {
+            part<QAction>(window, "actionRefreshCatalog")->trigger();
+            if (closes)
+                window.close();
+            else
+                part<QAction>(window, "actionStopAcquisition")->trigger();
+        };
         connect(window.findChild<AcquisitionController *>(), &AcquisitionController::stateChanged,
-                &window, [&window, stage](const QString &text) {
-                    if (text.startsWith(stage))
-                        QTimer::singleShot(0, &window, &QWidget::close);
+                &window, [&](const QString &text) {
+                    if (text.startsWith(stage) && !std::exchange(hasActed, true))
+                        QTimer::singleShot(0, &window, act);
                 });
         WindowFixture::clickToolButton(window, "actionStartAcquisition");
-        QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), 20'000);
+        if (closes)
+            QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), 20'000);
+        else
+            QTRY_COMPARE_WITH_TIMEOUT(part<QLabel>(window, "stateLabel")->text(),
+                                      QStringLiteral("Canceled"), 20'000);
+        QCOMPARE(part<QAction>(window, "actionStartAcquisition")->isEnabled(), !closes);
     }
+    QCOMPARE(m_server.requestCount(Simulator::Operation::GetDataSources), 0);
     const QDir session(m_output->path() + QStringLiteral("/20240501_120000__20240501_120300"));
     QVERIFY(session.exists(QStringLiteral("manifest.csv")));
-    QVERIFY(!session.exists(QStringLiteral("session.json")));
+    QCOMPARE(session.exists(QStringLiteral("session.json")), !closes);
 }
 
 void TestWindowRoad::everythingIsRefusedOrSafeWhileRunning()
