@@ -21,6 +21,8 @@ bool isSkippedWithoutDisk()
 }
 
 const char *const crash = "#!/bin/sh\nkill -SEGV $$\n";
+const char *const noInterpreter = "#!/no/such/shell\n";
+const char *const noX264 = "#!/bin/sh\necho \"Unknown encoder 'libx264'\"\nexit 1\n";
 
 /// Puts a script in the place of a program, or nothing when it is empty; no script restores it.
 void replaceProgram(const QString &name, const std::optional<QByteArray> &script)
@@ -72,9 +74,12 @@ Event ffmpegIs(const QByteArray &script)
     return [script](Scene &) { replaceProgram(QStringLiteral("ffmpeg"), script); };
 }
 
-void sessionVanishes(Scene &scene)
+Event removed(bool wholeSession)
 {
-    QVERIFY(QDir(scene.session).removeRecursively());
+    return [wholeSession](Scene &scene) {
+        QVERIFY(
+            QDir(scene.session + (wholeSession ? QString() : scene.folder)).removeRecursively());
+    };
 }
 
 /// Room on the disk for so many pictures as the service sends them.
@@ -152,17 +157,29 @@ void TestMidrunFaults::somethingHappens_data()
         "ERROR SUVI [getClosestImage]: curl.exe not found: ", film);
     row("curl gone between check and start", load, 2, curlIs(""), loadError,
         "ERROR SUVI [downloadImage]: exec", film);
+    row("curl not executable", lookup, 2, curlIs("?"), lookupError,
+        "ERROR SUVI [getClosestImage]: exec", film);
+    row("curl without its interpreter", lookup, 2, curlIs(noInterpreter), lookupError,
+        "ERROR SUVI [getClosestImage]: exec", film);
     row("curl crashes", load, 2, curlIs(crash), loadError,
         "ERROR SUVI [downloadImage]: Process crashed", film);
     row("service down from the start", QStringLiteral("Session: "), 1, serviceStops,
         QStringLiteral("LOOKUP_ERROR LOOKUP_ERROR LOOKUP_ERROR"),
         "ERROR SUVI [getClosestImage]: curl: (7)", QStringLiteral("No accepted frames for SUVI"));
+    row("service down for a lookup", lookup, 2, serviceStops, lookupError,
+        "ERROR SUVI [getClosestImage]: curl: (7)", film);
     row("service down for a download", load, 2, serviceStops, loadError,
         "ERROR SUVI [downloadImage]: curl: (7)", film);
     row("no ffmpeg", encode, 1, ffmpegIs(""), allOk, "FFMPEG ERROR for SUVI: ", noFilm);
+    row("ffmpeg not executable", encode, 1, ffmpegIs("?"), allOk,
+        "FFMPEG ERROR for SUVI: ", noFilm);
+    row("ffmpeg without libx264", encode, 1, ffmpegIs(noX264), allOk, "Unknown encoder 'libx264'",
+        noFilm);
     row("ffmpeg crashes", encode, 1, ffmpegIs(crash), allOk,
         "FFMPEG ERROR for SUVI (exit code 11). Frames are preserved.", noFilm);
-    row("session folder gone", lookup, 3, sessionVanishes, QString(),
+    row("session folder gone", lookup, 3, removed(true), QString(),
+        "ERROR SUVI [downloadImage]: curl: (23)", noFilm);
+    row("datasource folder gone", lookup, 2, removed(false), QString(),
         "ERROR SUVI [downloadImage]: curl: (23)", noFilm);
     fillsTheDisk = true;
     row("disk full for a download", lookup, 2, roomFor(0), loadError,
@@ -172,6 +189,7 @@ void TestMidrunFaults::somethingHappens_data()
         QStringLiteral("VIDEO SKIPPED SUVI: 3 accepted frame(s) but only 2 timestamped"));
     row("disk with room for a plain copy", lookup, 2, roomFor(2.2), allOk,
         "WARNING SUVI: frame annotation failed (cannot save timestamped PNG). Original", film);
+    row("disk full for a film", encode, 1, roomFor(0), allOk, "No space left on device", noFilm);
     row("disk full within a film", encode, 1, roomFor(0.1), allOk, "No space left on device",
         noFilm);
 }

@@ -52,7 +52,10 @@ private slots:
         QCOMPARE(bar.lengthPx, 115);
         QCOMPARE(bar.label, QStringLiteral("200 000 km"));
         const auto scale = Layout::scaleBoxFor(1024, Layout::measuresFor(1024), 115, {80, 18});
-        QCOMPARE(scale.right - scale.left, QPoint(115, 0));    // as drawn
+        QCOMPARE(scale.box, QRect(1024 - 12 - 131, 12, 131, 18 + 4 + 5 + 8));
+        QCOMPARE(scale.label, QRect(889, 16, 115, 18));
+        QCOMPARE(scale.right, QPoint(1011 - 8, 46 - 2 - 4));
+        QCOMPARE(scale.left, QPoint(1003 - 115, 40));
         QCOMPARE(Layout::scaleBarFor(100, 0.095).lengthPx, 0); // 1 km would be 11 pixels
         for (const double unknown : {0.0, -1.0, qQNaN(), qInf()})
             QCOMPARE(Layout::scaleBarFor(1024, unknown).lengthPx, 0);

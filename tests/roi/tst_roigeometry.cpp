@@ -26,6 +26,8 @@ private slots:
         QCOMPARE(pixels({-0.5, -3, 0.25, 0.5}), QRect(0, 0, 256, 512));
         QCOMPARE(pixels({1e300, 7, 1e300, 1e9}), QRect(1022, 1022, 2, 2));
         QCOMPARE(pixels({nan, nan, nan, nan}), QRect(0, 0, 2, 2));
+        QCOMPARE(pixels({0, 0, 1, 1}, {101, 7}), QRect(0, 0, 100, 6));
+        QCOMPARE(pixels({0.6, 0, 1, 1}, {1, 1}), QRect(0, 0, 2, 2));
         QCOMPARE(pixels({0, 0, 1, 1}, {0, 5}), QRect());
     }
 
@@ -52,7 +54,8 @@ private slots:
 
     void introduction()
     {
-        QCOMPARE(RoiGeometry::introFrameCount(0.5, 1), 2); // one would not be a movement
+        QCOMPARE(RoiGeometry::introFrameCount(0.5, 1), 2);   // one would not be a movement
+        QCOMPARE(RoiGeometry::introFrameCount(2.5, 25), 63); // 62.5: half rounds up
         const QSize frame(1024, 512);
         const QRectF region(100, 50, 64, 32);
         QCOMPARE(RoiGeometry::zoomView(region, frame, 0, 5), QRectF(0, 0, 1024, 512));

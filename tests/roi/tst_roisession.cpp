@@ -17,11 +17,14 @@ private slots:
         stored.editDescriptor(R"("videoCrf": 0)", R"("videoCrf": "eighteen",
                               "sourceOverlay": false, "scaleOverlay": 0)");
         const auto session = RoiSession::load(stored.path());
+        QCOMPARE(session->directory, stored.path());
         QCOMPARE(session->videoFps, 5);
         QCOMPARE(session->videoCrf, 18);
         QVERIFY(!session->sourceOverlay && session->scaleOverlay); // a number is no answer
         QCOMPARE(session->sources.size(), 2);
         const RoiSource &source = session->sources.first();
+        QCOMPARE(source.sourceId, 10);
+        QCOMPARE(source.nickname, QStringLiteral("AIA 171"));
         QCOMPARE(source.frames.size(), 3);
         QCOMPARE(source.frames.at(2).file, stored.filePath("AIA_171/frame_2.png"));
         QCOMPARE(source.frames.at(2).actualUtc, QDateTime({2024, 5, 1}, {12, 2}, Qt::UTC));
@@ -56,20 +59,33 @@ private slots:
     void damagedFiles()
     {
         const TestSession stored;
+        const QByteArray manifest = stored.read("manifest.csv");
+        for (int length = 0; length < manifest.size(); ++length) {
+            stored.write("manifest.csv", manifest.left(length));
+            QCOMPARE(RoiSession::load(stored.path())->sourcesWithFrames(), 2); // by folder scan
+        }
         const auto failure = [&stored](const QByteArray &descriptor) {
             stored.write("session.json", descriptor);
             QString errorText;
-            RoiSession::load(stored.path(), &errorText);
-            return errorText;
+            return RoiSession::load(stored.path(), &errorText) ? QStringLiteral("loaded")
+                                                               : errorText;
         };
+        const QByteArray whole = stored.read("session.json").trimmed();
+        for (int length = 0; length < whole.size(); ++length)
+            QVERIFY(
+                failure(whole.left(length)).startsWith(QStringLiteral("Invalid session.json: ")));
         QCOMPARE(failure("{"), QStringLiteral("Invalid session.json: unterminated object"));
         QVERIFY(failure("[1]").startsWith(QStringLiteral("Invalid session.json: ")));
-        QCOMPARE(failure(R"({"sources":[1,"x",null,{},{"sourceId":1,"archiveName":""},
-                                        {"sourceId":-1,"archiveName":"a"}]})"),
-                 QStringLiteral("No datasource folders were found in this session."));
+        for (const char *empty :
+             {"{}", R"({"sources":[1,"x",null,{},{"sourceId":1,"archiveName":""},
+                                   {"sourceId":-1,"archiveName":"a"}]})"})
+            QCOMPARE(failure(empty),
+                     QStringLiteral("No datasource folders were found in this session."));
         QString errorText;
         QVERIFY(!RoiSession::load(stored.filePath("HMI"), &errorText));
-        QVERIFY(errorText.endsWith(QLatin1String("does not contain a readable session.json.")));
+        QCOMPARE(
+            errorText,
+            QStringLiteral("The selected directory does not contain a readable session.json."));
     }
 
     void writableFolders_data()

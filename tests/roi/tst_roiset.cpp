@@ -28,6 +28,10 @@ private slots:
         const QVector<Roi> loaded = RoiSet::load(session.path());
         QCOMPARE(loaded.size(), 2);
         QCOMPARE(loaded.at(1).name, QStringLiteral("a/b\n<i>%1"));
+        for (int length = 0; length < text.size() - 2; ++length) { // a file cut off
+            session.write("rois.json", text.left(length));
+            QVERIFY2(RoiSet::load(session.path()).isEmpty(), text.left(length).constData());
+        }
     }
 
     void oddElements()
@@ -42,6 +46,10 @@ private slots:
         QCOMPARE(rois.at(0).rect, QRectF(0.3, 0, 0.2, 0.1)); // drawn to the left
         QCOMPARE(rois.at(1).name, QStringLiteral("ROI 2"));  // counts what was kept
         QVERIFY(rois.at(1).enabled && rois.at(1).rotation == 0);
+        for (const char *other : {R"({"rois":{"width":1}})", "[]", "{}}"}) {
+            session.write("rois.json", other);
+            QVERIFY(RoiSet::load(session.path()).isEmpty());
+        }
     }
 
     void linkOutOfTheSessionIsReplaced()

@@ -44,31 +44,43 @@ class TestSimulatorArchive : public QObject
     Q_OBJECT
 
 private slots:
+    void framesAreResampled_data();
     void framesAreResampled();
     void windowsWithoutFramesSayWhy();
     void stepsEndAtTheCap();
     void clocksThatSkipAnHourSkipNoPicture();
 };
 
+void TestSimulatorArchive::framesAreResampled_data()
+{
+    QTest::addColumn<int>("archiveSpacing");
+    QTest::addColumn<int>("cadence");
+    QTest::addColumn<qint64>("smallest");
+    QTest::addColumn<qint64>("median");
+    QTest::addColumn<qint64>("largest");
+
+    QTest::newRow("denser than asked: multiples around it") << 45 << 60 << 45LL << 45LL << 90LL;
+    QTest::newRow("denser, a little more is asked") << 45 << 68 << 45LL << 90LL << 90LL;
+    QTest::newRow("the archive's own spacing") << 45 << 45 << 45LL << 45LL << 45LL;
+    QTest::newRow("sparser than asked: every image once") << 240 << 60 << 240LL << 240LL << 240LL;
+}
+
 void TestSimulatorArchive::framesAreResampled()
 {
+    QFETCH(int, archiveSpacing);
+    QFETCH(int, cadence);
+    const Archive archive({every(archiveSpacing, "2024-05-01 00:00:00", "2024-05-02 00:00:00")});
     const qint64 start = at("2024-05-01 03:00:01");
     const qint64 end = at("2024-05-01 05:00:00");
-    // Smallest, median and largest spacing of what is sent.
-    const auto spacingsFor = [start, end](int archiveSpacing, int cadence) {
-        const Archive archive(
-            {every(archiveSpacing, "2024-05-01 00:00:00", "2024-05-02 00:00:00")});
-        const JpxFrames frames = jpxFrames(archive, 19, start, end, cadence);
-        if (frames.unixTimes.constFirst() != archive.atOrAfter(19, start)->unixTime ||
-            frames.unixTimes.constLast() != archive.atOrBefore(19, end)->unixTime)
-            return QVector<qint64>();
-        const QVector<qint64> spacings = sortedSpacings(frames.unixTimes);
-        return QVector<qint64>{spacings.first(), spacings.at(spacings.size() / 2), spacings.last()};
-    };
-    QCOMPARE(spacingsFor(45, 60), (QVector<qint64>{45, 45, 90})); // multiples around it
-    QCOMPARE(spacingsFor(45, 68), (QVector<qint64>{45, 90, 90}));
-    QCOMPARE(spacingsFor(45, 45), (QVector<qint64>{45, 45, 45}));
-    QCOMPARE(spacingsFor(240, 60), (QVector<qint64>{240, 240, 240})); // every image once
+    const JpxFrames frames = jpxFrames(archive, 19, start, end, cadence);
+
+    QCOMPARE(frames.error, QString());
+    QCOMPARE(frames.unixTimes.constFirst(), archive.atOrAfter(19, start)->unixTime);
+    QCOMPARE(frames.unixTimes.constLast(), archive.atOrBefore(19, end)->unixTime);
+    const QVector<qint64> spacings = sortedSpacings(frames.unixTimes);
+    QTEST(spacings.constFirst(), "smallest");
+    QTEST(spacings.at(spacings.size() / 2), "median");
+    QTEST(spacings.constLast(), "largest");
 }
 
 void TestSimulatorArchive::windowsWithoutFramesSayWhy()

@@ -35,6 +35,7 @@ QJsonObject toJson(const FakeProgram::Reply &reply)
         {QStringLiteral("stdout"), base64(reply.standardOutput)},
         {QStringLiteral("stderr"), base64(reply.standardError)},
         {QStringLiteral("files"), files},
+        {QStringLiteral("delayMs"), reply.delayMs},
         {QStringLiteral("hang"), reply.hang},
         {QStringLiteral("crash"), reply.crash},
     };
@@ -72,7 +73,8 @@ QVector<FakeProgram::Run> FakeProgram::runs(const QString &program)
     while (!journal.atEnd()) {
         const QJsonObject line = QJsonDocument::fromJson(journal.readLine()).object();
         runs.append({line.value(QLatin1String("arguments")).toVariant().toStringList(),
-                     line.value(QLatin1String("workingDirectory")).toString()});
+                     line.value(QLatin1String("workingDirectory")).toString(),
+                     line.value(QLatin1String("processId")).toVariant().toLongLong()});
     }
     return runs;
 }
@@ -84,4 +86,9 @@ QVector<QStringList> FakeProgram::argumentLists(const QString &program)
     for (const Run &run : all)
         lists.append(run.arguments);
     return lists;
+}
+
+void FakeProgram::clearJournal(const QString &program)
+{
+    QFile::remove(journalPath(program));
 }

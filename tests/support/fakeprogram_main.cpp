@@ -36,6 +36,7 @@ int enterJournal(const QString &path, const QStringList &arguments)
     const QJsonObject run{
         {QStringLiteral("arguments"), QJsonArray::fromStringList(arguments)},
         {QStringLiteral("workingDirectory"), QDir::currentPath()},
+        {QStringLiteral("processId"), static_cast<qint64>(getpid())},
     };
     journal.write(QJsonDocument(run).toJson(QJsonDocument::Compact) + '\n');
     return earlierRuns;
@@ -102,6 +103,8 @@ int main(int argc, char *argv[])
     print(stderr, bytes(reply.value(QLatin1String("stderr"))));
     writeFiles(reply.value(QLatin1String("files")).toObject(), arguments);
 
+    const int delayMs = reply.value(QLatin1String("delayMs")).toInt();
+    std::this_thread::sleep_for(std::chrono::milliseconds(delayMs));
     if (reply.value(QLatin1String("hang")).toBool())
         std::this_thread::sleep_for(hangLimit);
     if (reply.value(QLatin1String("crash")).toBool())
