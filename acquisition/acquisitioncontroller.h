@@ -1,12 +1,12 @@
 #pragma once
 
 #include "acquisition/acquisitionplan.h"
-#include "acquisition/acquisitionsettings.h"
+#include "acquisition/encodequeue.h"
 #include "acquisition/framelookup.h"
 #include "acquisition/probequeue.h"
 #include "acquisition/sessiontally.h"
-#include "output/encodequeue.h"
 #include "output/manifestwriter.h"
+#include "session/acquisitionsettings.h"
 
 #include <QObject>
 #include <QProcess>

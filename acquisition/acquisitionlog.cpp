@@ -1,13 +1,13 @@
 #include "acquisition/acquisitionlog.h"
 
-#include "acquisition/acquisitionsettings.h"
 #include "acquisition/cadenceanalysis.h"
-#include "acquisition/framerequest.h"
 #include "acquisition/framerules.h"
 #include "acquisition/probequeue.h"
 #include "acquisition/sessiontally.h"
 #include "acquisition/sourcetiming.h"
 #include "base/utctext.h"
+#include "session/acquisitionsettings.h"
+#include "session/framerequest.h"
 
 #include <QDir>
 #include <QStringList>

@@ -1,6 +1,6 @@
 #include "acquisition/acquisitionplan.h"
 
-#include "acquisition/acquisitionsettings.h"
+#include "session/acquisitionsettings.h"
 
 #include <algorithm>
 #include <limits>

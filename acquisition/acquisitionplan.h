@@ -1,7 +1,7 @@
 #pragma once
 
-#include "acquisition/datasource.h"
-#include "acquisition/framerequest.h"
+#include "session/datasource.h"
+#include "session/framerequest.h"
 
 #include <QVector>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "acquisition/framerequest.h"
 #include "output/manifestrow.h"
+#include "session/framerequest.h"
 
 #include <QDateTime>
 #include <QJsonObject>

@@ -1,11 +1,11 @@
 #include "acquisition/sessionlayout.h"
 
 #include "acquisition/acquisitionlog.h"
-#include "acquisition/acquisitionsettings.h"
 #include "base/errortext.h"
 #include "base/filenames.h"
 #include "base/utctext.h"
 #include "output/sessionfiles.h"
+#include "session/acquisitionsettings.h"
 
 #include <QDateTime>
 #include <QDir>

@@ -1,10 +1,10 @@
 #include "acquisition/sessionopening.h"
 
 #include "acquisition/acquisitionlog.h"
-#include "acquisition/acquisitionsettings.h"
 #include "acquisition/probequeue.h"
 #include "acquisition/sourcetiming.h"
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
+#include "session/acquisitionsettings.h"
 
 #include <QFileInfo>
 

@@ -1,9 +1,9 @@
 #include "acquisition/sessiontally.h"
 
-#include "acquisition/acquisitionsettings.h"
 #include "acquisition/sourcetiming.h"
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 #include "output/sessiondescriptor.h"
+#include "session/acquisitionsettings.h"
 
 namespace {
 

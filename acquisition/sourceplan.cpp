@@ -1,8 +1,8 @@
 #include "acquisition/sourceplan.h"
 
 #include "acquisition/acquisitionlog.h"
-#include "acquisition/acquisitionsettings.h"
 #include "acquisition/sessiontally.h"
+#include "session/acquisitionsettings.h"
 
 namespace {
 

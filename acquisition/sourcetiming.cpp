@@ -1,8 +1,8 @@
 #include "acquisition/sourcetiming.h"
 
-#include "acquisition/acquisitionsettings.h"
-#include "acquisition/framerequest.h"
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
+#include "session/acquisitionsettings.h"
+#include "session/framerequest.h"
 
 namespace {
 

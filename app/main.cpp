@@ -1,5 +1,5 @@
 #include "app/applicationlook.h"
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 #include "ui/mainwindow.h"
 
 #include <QApplication>

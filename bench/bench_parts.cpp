@@ -4,8 +4,7 @@
 // step timed on its own. Prints one line of JSON, all times in ms per frame. With --qt-writer the
 // annotated copy goes through Qt's own PNG writer.
 
-#include "acquisition/framedecoder.h"
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 #include "bench/benchrun.h"
 #include "bench/measures.h"
 #include "client/curlcommand.h"
@@ -13,6 +12,7 @@
 #include "client/helioviewerresponses.h"
 #include "imaging/blankblock.h"
 #include "imaging/frameannotation.h"
+#include "imaging/framedecoder.h"
 #include "imaging/metricscale.h"
 #include "imaging/pngwriter.h"
 

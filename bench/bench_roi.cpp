@@ -5,7 +5,7 @@
 // one line of JSON, all times in ms per frame. With --qt-writer the parts write their pictures with
 // alpha through Qt's own PNG writer. The film stays in the session, its name is "bench".
 
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 #include "bench/measures.h"
 #include "imaging/frameannotation.h"
 #include "imaging/metricscale.h"

@@ -7,8 +7,8 @@
 // way.
 
 #include "app/applicationlook.h"
-#include "app/runtimeconfig.h"
 #include "base/jsonfile.h"
+#include "base/runtimeconfig.h"
 #include "bench/measures.h"
 #include "ui/catalogtree.h"
 #include "ui/logview.h"

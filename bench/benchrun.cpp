@@ -1,6 +1,6 @@
 #include "bench/benchrun.h"
 
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 
 #include <QDir>
 #include <QSettings>

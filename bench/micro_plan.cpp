@@ -1,8 +1,8 @@
 // clazy:excludeall=non-pod-global-static (that is how Google Benchmark registers a function)
 #include "acquisition/acquisitionplan.h"
-#include "acquisition/acquisitionsettings.h"
 #include "acquisition/sessiontally.h"
 #include "acquisition/sourceplan.h"
+#include "session/acquisitionsettings.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 #include "client/curlcommand.h"
 
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 
 #include <QFileInfo>
 

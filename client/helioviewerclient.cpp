@@ -1,7 +1,7 @@
 #include "client/helioviewerclient.h"
 
-#include "app/runtimeconfig.h"
 #include "base/childprocess.h"
+#include "base/runtimeconfig.h"
 #include "client/curlcommand.h"
 #include "client/helioviewerrequests.h"
 #include "client/helioviewerresponses.h"

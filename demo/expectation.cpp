@@ -1,7 +1,7 @@
 #include "demo/expectation.h"
 
-#include "acquisition/acquisitionsettings.h"
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
+#include "session/acquisitionsettings.h"
 #include "simulator/archive.h"
 
 #include <algorithm>

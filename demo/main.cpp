@@ -1,7 +1,7 @@
 // One whole acquisition in the terminal, against the sample archive of this machine.
 
 #include "acquisition/acquisitioncontroller.h"
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 #include "demo/sessionaudit.h"
 #include "demo/terminal.h"
 #include "demo/texttable.h"

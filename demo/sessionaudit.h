@@ -1,8 +1,8 @@
 #pragma once
 
-#include "acquisition/acquisitionsettings.h"
 #include "demo/expectation.h"
 #include "demo/filmprobe.h"
+#include "session/acquisitionsettings.h"
 
 #include <QHash>
 #include <QString>

@@ -1,6 +1,6 @@
 #include "demo/terminal.h"
 
-#include "ui/loglineclass.h"
+#include "base/loglineclass.h"
 
 #include <cstdio>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "acquisition/framerequest.h"
+#include "session/framerequest.h"
 
 #include <QDateTime>
 #include <QJsonObject>

@@ -1,6 +1,6 @@
 #include "roi/roivideodialog.h"
 
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 #include "base/utctext.h"
 #include "output/sessionfiles.h"
 #include "roi/roicanvas.h"

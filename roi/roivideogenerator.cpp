@@ -1,7 +1,7 @@
 #include "roi/roivideogenerator.h"
 
-#include "app/runtimeconfig.h"
 #include "base/filenames.h"
+#include "base/runtimeconfig.h"
 #include "imaging/frameannotation.h"
 #include "imaging/metricscale.h"
 #include "imaging/pngwriter.h"

@@ -1,7 +1,7 @@
 #include "ui/catalogcache.h"
 
-#include "app/runtimeconfig.h"
 #include "base/jsonfile.h"
+#include "base/runtimeconfig.h"
 
 std::optional<QJsonObject> CatalogCache::load()
 {

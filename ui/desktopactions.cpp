@@ -1,6 +1,6 @@
 #include "ui/desktopactions.h"
 
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>

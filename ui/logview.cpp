@@ -1,6 +1,6 @@
 #include "ui/logview.h"
 
-#include "ui/loglineclass.h"
+#include "base/loglineclass.h"
 
 #include <QDockWidget>
 #include <QLocale>

@@ -1,7 +1,7 @@
 #include "ui/mainwindow.h"
 
 #include "acquisition/acquisitioncontroller.h"
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 #include "base/utctext.h"
 #include "client/helioviewerclient.h"
 #include "roi/roivideodialog.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "acquisition/acquisitionsettings.h"
+#include "session/acquisitionsettings.h"
 #include "ui/catalogtree.h"
 #include "ui/sourcedetails.h"
 

@@ -1,6 +1,6 @@
 #include "ui/uisettings.h"
 
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 #include "ui_mainwindow.h"
 
 #include <QMetaProperty>

@@ -1,6 +1,6 @@
-#include "acquisition/acquisitionsettings.h"
 #include "acquisition/sessiontally.h"
 #include "acquisition/sourceplan.h"
+#include "session/acquisitionsettings.h"
 
 #include <QtTest>
 

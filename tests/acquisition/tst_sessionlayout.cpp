@@ -1,5 +1,5 @@
-#include "acquisition/acquisitionsettings.h"
 #include "acquisition/sessionlayout.h"
+#include "session/acquisitionsettings.h"
 
 #include <QDir>
 #include <QTemporaryDir>

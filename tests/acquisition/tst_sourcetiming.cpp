@@ -1,6 +1,6 @@
-#include "acquisition/acquisitionsettings.h"
-#include "acquisition/framerequest.h"
 #include "acquisition/sourcetiming.h"
+#include "session/acquisitionsettings.h"
+#include "session/framerequest.h"
 #include "tests/support/testfolder.h"
 
 #include <QtTest>

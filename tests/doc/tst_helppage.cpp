@@ -1,4 +1,4 @@
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 
 #include <QDirIterator>
 #include <QFile>
@@ -36,7 +36,7 @@ QString withoutMarkup(const QString &html)
 QStringList programTexts()
 {
     QStringList texts;
-    for (const char *room : {"app", "client", "acquisition", "imaging", "output", "roi", "ui"}) {
+    for (const char *room : {"base", "client", "acquisition", "imaging", "output", "roi", "ui"}) {
         const QString folder = QLatin1String(room) + QLatin1Char('/');
         QDirIterator files(QStringLiteral(ORVIK_SOURCE_FOLDER "/") + folder,
                            {QStringLiteral("*.cpp"), QStringLiteral("*.ui")}, QDir::Files);

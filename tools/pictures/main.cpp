@@ -1,5 +1,5 @@
 #include "app/applicationlook.h"
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 #include "simulator/archive.h"
 #include "simulator/server.h"
 #include "tools/pictures/album.h"

@@ -1,6 +1,6 @@
 #include "tools/pictures/windowpictures.h"
 
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 #include "simulator/fault.h"
 #include "simulator/server.h"
 #include "tools/pictures/album.h"

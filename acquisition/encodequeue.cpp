@@ -1,4 +1,4 @@
-#include "output/encodequeue.h"
+#include "acquisition/encodequeue.h"
 
 void EncodeQueue::append(const DataSource &source)
 {

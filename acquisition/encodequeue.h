@@ -1,6 +1,6 @@
 #pragma once
 
-#include "acquisition/datasource.h"
+#include "session/datasource.h"
 
 #include <QVector>
 

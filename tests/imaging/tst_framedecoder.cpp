@@ -1,4 +1,4 @@
-#include "acquisition/framedecoder.h"
+#include "imaging/framedecoder.h"
 
 #include <QFile>
 #include <QImage>

@@ -1,4 +1,4 @@
-#include "ui/loglineclass.h"
+#include "base/loglineclass.h"
 
 namespace {
 

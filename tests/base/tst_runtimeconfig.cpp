@@ -1,4 +1,4 @@
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 
 #include "tests/support/testfolder.h"
 

@@ -1,4 +1,4 @@
-#include "app/runtimeconfig.h"
+#include "base/runtimeconfig.h"
 
 #include <QCoreApplication>
 #include <QDir>
