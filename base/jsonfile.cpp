@@ -1,11 +1,19 @@
 #include "base/jsonfile.h"
 
 #include "base/errortext.h"
+#include "base/regularfile.h"
 
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
+
+namespace {
+
+/// Far beyond what the program writes, but not what would fill the memory.
+constexpr qint64 maxBytes = 64 << 20;
+
+} // namespace
 
 JsonFile::SaveResult JsonFile::save(const QString &path, const QJsonObject &object)
 {
@@ -21,11 +29,11 @@ JsonFile::SaveResult JsonFile::save(const QString &path, const QJsonObject &obje
 
 std::optional<QJsonObject> JsonFile::load(const QString &path, QString *errorText)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return ErrorText::nothing(errorText, file.errorString());
+    const std::optional<QByteArray> json = RegularFile::read(path, maxBytes, errorText);
+    if (!json)
+        return std::nullopt;
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    const QJsonDocument document = QJsonDocument::fromJson(*json, &error);
     if (!document.isObject())
         return ErrorText::nothing(errorText, error.errorString());
     return document.object();

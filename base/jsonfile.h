@@ -18,8 +18,8 @@ SaveResult save(const QString &path, const QJsonObject &object);
 /**
  * Reads the object in @p path.
  *
- * @return nothing when the file cannot be opened, does not parse or holds no object; then
- *         @p errorText, which may be null, is the system's or the parser's reason
+ * @return nothing when the file cannot be opened, is no regular file, has more than 64 MB, does
+ *         not parse or holds no object; then @p errorText, which may be null, says why
  */
 std::optional<QJsonObject> load(const QString &path, QString *errorText = nullptr);
 

@@ -1,12 +1,46 @@
 #include "imaging/framedecoder.h"
 
+#include "base/regularfile.h"
+
+#include <QFile>
 #include <QImage>
 #include <QImageReader>
-#include <QString>
+#include <QPixelFormat>
+
+namespace {
+
+constexpr int maxSidePx = 16384;
+constexpr qint64 maxPixels = 100'000'000;
+constexpr qint64 maxBytes = 500'000'000;
+constexpr int decodedBytesPerPixel = 4;
+
+/// Bytes for each pixel until it has its final form; another one is converted beside it.
+int neededBytesPerPixel(QImage::Format stored)
+{
+    const int storedBytes = (QImage::toPixelFormat(stored).bitsPerPixel() + 7) / 8;
+    return storedBytes == decodedBytesPerPixel ? storedBytes : storedBytes + decodedBytesPerPixel;
+}
+
+bool isWithinLimits(const QImageReader &reader)
+{
+    const QSize size = reader.size();
+    const qint64 pixels = qint64(size.width()) * size.height();
+    return !size.isEmpty() && size.width() <= maxSidePx && size.height() <= maxSidePx &&
+           pixels <= maxPixels && pixels * neededBytesPerPixel(reader.imageFormat()) <= maxBytes;
+}
+
+} // namespace
 
 QImage FrameDecoder::decode(const QString &file)
 {
-    QImageReader reader(file);
-    reader.setDecideFormatFromContent(true);
-    return reader.read().convertToFormat(QImage::Format_ARGB32);
+    QFile device(file);
+    if (!RegularFile::open(device))
+        return {};
+    QImageReader reader(&device, "png");
+    reader.setAutoDetectImageFormat(false);
+    if (!isWithinLimits(reader))
+        return {};
+    QImage image = reader.read();
+    const bool alpha = image.hasAlphaChannel();
+    return std::move(image).convertToFormat(alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
 }

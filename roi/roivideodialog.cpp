@@ -2,6 +2,7 @@
 
 #include "base/runtimeconfig.h"
 #include "base/utctext.h"
+#include "imaging/framedecoder.h"
 #include "output/sessionfiles.h"
 #include "roi/roicanvas.h"
 #include "roi/roigeometry.h"
@@ -175,7 +176,7 @@ void RoiVideoDialog::showFrame(int index)
         setStatus(text);
     } else {
         const RoiSourceFrame &frame = frames.at(index);
-        const QPixmap picture(frame.file);
+        const QPixmap picture = QPixmap::fromImage(FrameDecoder::decode(frame.file));
         if (picture.isNull()) {
             const QString text = cannotDecodeText(frame);
             m_canvas->showMessage(text);

@@ -3,6 +3,7 @@
 #include "base/filenames.h"
 #include "base/runtimeconfig.h"
 #include "imaging/frameannotation.h"
+#include "imaging/framedecoder.h"
 #include "imaging/metricscale.h"
 #include "imaging/pngwriter.h"
 #include "output/sessionfiles.h"
@@ -137,7 +138,7 @@ bool RoiVideoGenerator::filmRoi(const Job &job)
 bool RoiVideoGenerator::writeIntro(const Job &job)
 {
     const RoiSourceFrame &first = job.frames().first();
-    const QImage decoded(first.file);
+    const QImage decoded = FrameDecoder::decode(first.file);
     if (decoded.isNull())
         return fail(tr("Cannot decode first frame for zoom intro:\n%1")
                         .arg(QDir::toNativeSeparators(first.file)));
@@ -170,7 +171,7 @@ bool RoiVideoGenerator::writeSequence(const Job &job)
         emit labelChanged(tr("%1 - %2\nframe %3 / %4")
                               .arg(job.nickname(), job.roi().name, QString::number(index + 1),
                                    QString::number(job.frames().size())));
-        const QImage decoded(frame.file);
+        const QImage decoded = FrameDecoder::decode(frame.file);
         if (decoded.isNull())
             return fail(tr("Cannot decode frame:\n%1").arg(QDir::toNativeSeparators(frame.file)));
         const QRect pixels = RoiGeometry::pixelRect(job.roi().rect, decoded.size());

@@ -1,5 +1,7 @@
 #include "ui/previewpane.h"
 
+#include "imaging/framedecoder.h"
+
 #include <QEvent>
 #include <QImage>
 #include <QLabel>
@@ -17,8 +19,7 @@ PreviewPane::PreviewPane(QLabel *label, QObject *parent) : QObject(parent), m_la
 
 bool PreviewPane::showFile(const QString &imageFile)
 {
-    // Not QPixmap(file): it would keep every small frame in the pixmap cache.
-    QPixmap frame = QPixmap::fromImage(QImage(imageFile));
+    QPixmap frame = QPixmap::fromImage(FrameDecoder::decode(imageFile));
     if (frame.isNull())
         return false;
     m_frame = frame;
