@@ -13,6 +13,30 @@
 
 #include <utility>
 
+namespace {
+
+constexpr qint64 maxAnswerBytes = 64 << 20; // the catalog, the largest of all, has a quarter MB
+constexpr qint64 maxDownloadBytes = 1 << 30;
+constexpr int downloadWatchMs = 500;
+
+/// 0 when there is no such file.
+qint64 sizeOf(const QString &file)
+{
+    return QFileInfo(file).size();
+}
+
+QString oversizedAnswer()
+{
+    return QStringLiteral("The answer is larger than 64 MB. Check network/apiBase.");
+}
+
+QString oversizedDownload()
+{
+    return QStringLiteral("The download is larger than 1 GB. Check network/apiBase.");
+}
+
+} // namespace
+
 HelioviewerClient::HelioviewerClient(QObject *parent)
     : QObject(parent), m_process(new QProcess(this))
 {
@@ -21,6 +45,10 @@ HelioviewerClient::HelioviewerClient(QObject *parent)
     connect(m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             &HelioviewerClient::onFinished);
     connect(m_process, &QProcess::errorOccurred, this, &HelioviewerClient::onProcessError);
+    connect(m_process, &QProcess::readyReadStandardOutput, this,
+            &HelioviewerClient::endOversizedAnswer);
+    m_downloadWatch.setInterval(downloadWatchMs);
+    connect(&m_downloadWatch, &QTimer::timeout, this, &HelioviewerClient::endOversizedDownload);
 }
 
 HelioviewerClient::~HelioviewerClient()
@@ -86,6 +114,7 @@ void HelioviewerClient::cancel()
     if (m_canceling)
         return; // a listener cancels again what is being cancelled
     const QScopedValueRollback<bool> canceling(m_canceling, true);
+    m_downloadWatch.stop();
     ChildProcess::killAndWait(*m_process);
     reportProcessError();
     removePartialDownload();
@@ -95,9 +124,14 @@ void HelioviewerClient::cancel()
 
 void HelioviewerClient::onFinished(int exitCode, QProcess::ExitStatus exitStatus)
 {
+    m_downloadWatch.stop();
     readOutput();
     if (m_operation == Operation::None || m_errorReported)
         return; // cancelled, or a crash that onProcessError has noted
+    if (!m_endReason.isEmpty()) {
+        fail(std::exchange(m_endReason, {}));
+        return;
+    }
 
     if (exitStatus == QProcess::NormalExit) {
         if (exitCode == 0) {
@@ -117,7 +151,7 @@ void HelioviewerClient::onProcessError(QProcess::ProcessError error)
 {
     Q_UNUSED(error)
     readOutput();
-    if (m_operation == Operation::None || m_errorReported)
+    if (m_operation == Operation::None || m_errorReported || !m_endReason.isEmpty())
         return;
     m_errorReported = true;
     const QString message = errorOutput();
@@ -163,6 +197,7 @@ void HelioviewerClient::start(Operation operation, const Request &request,
     m_stdoutBuffer.clear();
     m_stderrBuffer.clear();
     m_errorReported = false;
+    m_endReason.clear();
     m_insecureRetried = false;
     m_lastArguments = arguments;
     m_request = request;
@@ -173,14 +208,18 @@ void HelioviewerClient::start(Operation operation, const Request &request,
 /// Starts the child, unless a listener of the log line before it has cancelled the request.
 void HelioviewerClient::launch(const QString &program, const QStringList &arguments)
 {
-    if (m_operation != Operation::None && m_process->state() == QProcess::NotRunning)
-        m_process->start(program, arguments, QIODevice::ReadWrite);
+    if (m_operation == Operation::None || m_process->state() != QProcess::NotRunning)
+        return;
+    m_process->start(program, arguments, QIODevice::ReadWrite);
+    if (m_operation == Operation::DownloadImage)
+        m_downloadWatch.start();
 }
 
 /// True when the request was restarted without certificate check; it is then still in flight.
 bool HelioviewerClient::retryInsecurely(int exitCode)
 {
-    if (exitCode != CurlCommand::certificateFailureExitCode || m_insecureRetried ||
+    // While cancel() waits for a child that has ended already, nobody would stop its successor.
+    if (exitCode != CurlCommand::certificateFailureExitCode || m_insecureRetried || m_canceling ||
         !RuntimeConfig::allowInsecureFallback())
         return false;
 
@@ -201,6 +240,34 @@ void HelioviewerClient::readOutput()
 {
     m_stdoutBuffer += m_process->readAllStandardOutput();
     m_stderrBuffer += m_process->readAllStandardError();
+}
+
+/// Takes what curl prints as it comes: QProcess would keep all of it until curl ends.
+void HelioviewerClient::endOversizedAnswer()
+{
+    if (!m_endReason.isEmpty()) {
+        m_process->readAllStandardOutput(); // still in the pipe when the child was killed
+        return;
+    }
+    readOutput();
+    if (m_stdoutBuffer.size() <= maxAnswerBytes)
+        return;
+    m_stdoutBuffer = QByteArray();
+    endRequest(oversizedAnswer());
+}
+
+void HelioviewerClient::endOversizedDownload()
+{
+    if (sizeOf(m_request.outputFile) > maxDownloadBytes)
+        endRequest(oversizedDownload());
+}
+
+/// Kills the child; the request ends with @p reason once it is gone.
+void HelioviewerClient::endRequest(const QString &reason)
+{
+    m_downloadWatch.stop();
+    m_endReason = reason;
+    m_process->kill();
 }
 
 QString HelioviewerClient::errorOutput() const
@@ -225,6 +292,7 @@ void HelioviewerClient::reportProcessError()
 /// Ends the request in flight. Nothing may follow the signal: a listener may start the next one.
 void HelioviewerClient::fail(const QString &message)
 {
+    m_downloadWatch.stop();
     removePartialDownload();
     emit requestError(operationName(std::exchange(m_operation, Operation::None)), message);
 }
@@ -270,13 +338,14 @@ void HelioviewerClient::answerClosestImage(const Request &request, const QJsonOb
 
 void HelioviewerClient::answerDownload(const Request &request)
 {
-    const QFileInfo file(request.outputFile);
-    if (file.exists() && file.size() > 0) {
+    const qint64 bytes = sizeOf(request.outputFile);
+    if (bytes > 0 && bytes <= maxDownloadBytes) {
         emit renderedImageDownloaded(request.sourceId, request.requestedUtc, request.actualUtc,
                                      request.imageId, request.outputFile);
         return;
     }
     QFile::remove(request.outputFile);
     emit requestError(operationName(Operation::DownloadImage),
-                      QStringLiteral("Downloaded file is missing or empty."));
+                      bytes > 0 ? oversizedDownload()
+                                : QStringLiteral("Downloaded file is missing or empty."));
 }

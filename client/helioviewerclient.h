@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QProcess>
 #include <QStringList>
+#include <QTimer>
 #include <QVector>
 
 /**
@@ -15,8 +16,9 @@
  * A request made while another is in flight is refused with an error and not queued. From a slot
  * of the result or of the error the next request may be made at once, except during cancel().
  *
- * A download that does not end in renderedImageDownloaded leaves no file behind. Destroying a busy
- * client kills its request without any signal.
+ * A download that does not end in renderedImageDownloaded leaves no file behind. An answer of more
+ * than 64 MB, or a download of more than 1 GB, ends in requestError as soon as it has grown so far.
+ * Destroying a busy client kills its request without any signal.
  */
 class HelioviewerClient : public QObject
 {
@@ -97,6 +99,9 @@ private:
     void launch(const QString &program, const QStringList &arguments);
     bool retryInsecurely(int exitCode);
     void readOutput();
+    void endOversizedAnswer();
+    void endOversizedDownload();
+    void endRequest(const QString &reason);
     QString errorOutput() const;
     void removePartialDownload() const;
     void reportProcessError();
@@ -116,5 +121,7 @@ private:
     QStringList m_lastArguments;
     Request m_request;
     QString m_processError; // what m_errorReported noted, until it is told
+    QString m_endReason;    // why this request was killed from here, until its child has ended
+    QTimer m_downloadWatch; // runs during a download
     bool m_canceling = false;
 };

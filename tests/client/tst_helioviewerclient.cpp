@@ -109,6 +109,41 @@ private slots:
         QCOMPARE(FakeProgram::runs(m_curl).size(), 1);
     }
 
+    void endlessAnswerIsEnded_data()
+    {
+        QTest::addColumn<QByteArray>("curl");
+        QTest::addColumn<QString>("operation");
+        QTest::addColumn<QString>("message");
+
+        QTest::newRow("catalog") << QByteArray("exec yes '{'") << QStringLiteral("getDataSources")
+                                 << QStringLiteral("The answer is larger than 64 MB. Check "
+                                                   "network/apiBase.");
+        QTest::newRow("picture") << QByteArray("truncate -s 1025M \"${11}\"; exec sleep 120")
+                                 << QStringLiteral("downloadImage")
+                                 << QStringLiteral("The download is larger than 1 GB. Check "
+                                                   "network/apiBase.");
+    }
+
+    void endlessAnswerIsEnded()
+    {
+        QFETCH(QByteArray, curl);
+        QFETCH(QString, operation);
+        QFETCH(QString, message);
+
+        TestFolder::setKey(QStringLiteral("paths/curl"),
+                           TestFolder::writeScript(QStringLiteral("endless-curl"), curl));
+        HelioviewerClient client;
+        QSignalSpy errors(&client, &HelioviewerClient::requestError);
+        if (operation == QLatin1String("downloadImage"))
+            client.downloadImage(1, 10, noon(), noon(), m_png, 64);
+        else
+            client.getDataSources();
+        QVERIFY(errors.wait(20'000));
+        QCOMPARE(errors, (QList<QList<QVariant>>{error(operation, message)}));
+        QVERIFY(!client.isBusy());
+        QVERIFY(!QFile::exists(m_png));
+    }
+
 private:
     QString m_curl;
     QString m_png;

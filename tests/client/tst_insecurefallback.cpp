@@ -3,6 +3,7 @@
 #include "tests/support/fakeprogram.h"
 #include "tests/support/testfolder.h"
 
+#include <QThread>
 #include <QtTest>
 
 namespace {
@@ -19,6 +20,13 @@ FakeProgram::Reply badCertificate()
     reply.exitCode = 60;
     reply.standardError = "curl: (60) self-signed certificate\n";
     return reply;
+}
+
+/// A child that nobody has waited for yet is a zombie: "Z" behind its name.
+bool hasEnded(qint64 processId)
+{
+    QFile status(QStringLiteral("/proc/%1/stat").arg(processId));
+    return status.open(QIODevice::ReadOnly) && status.readAll().contains(") Z ");
 }
 
 } // namespace
@@ -48,6 +56,20 @@ private slots:
                  QStringLiteral("curl: (60) self-signed certificate"));
         QCOMPARE(FakeProgram::runs(m_curl).size(), 1);
         QVERIFY(!FakeProgram::argumentLists(m_curl).constFirst().contains(insecure()));
+    }
+
+    void notWhileCanceling()
+    {
+        FakeProgram::setScript(m_curl, {badCertificate(), {}});
+        HelioviewerClient client;
+        QSignalSpy errors(&client, &HelioviewerClient::requestError);
+        client.getDataSources();
+        while (!hasEnded(FakeProgram::runs(m_curl).value(0).processId))
+            QThread::msleep(1); // without events: the client must not notice its end before
+        client.cancel();
+        QCOMPARE(errors.size(), 1);
+        QVERIFY(!client.isBusy());
+        QCOMPARE(FakeProgram::runs(m_curl).size(), 1);
     }
 
     void switchedOnceForAllClients()

@@ -36,6 +36,16 @@ void TestFolder::clearKeys()
     QFile::remove(iniPath());
 }
 
+QString TestFolder::writeScript(const QString &name, const QByteArray &commands)
+{
+    QFile script(path(name));
+    if (!script.open(QIODevice::WriteOnly) ||
+        script.write("#!/bin/bash\n" + commands + '\n') < commands.size() ||
+        !script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
+        qFatal("cannot write %s", qPrintable(script.fileName()));
+    return script.fileName();
+}
+
 TestFolder::OutputRoot::OutputRoot()
 {
     if (!m_folder.isValid())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QTemporaryDir>
 
@@ -15,6 +16,9 @@ QString path(const QString &relativePath);
 void setKey(const QString &key, const QVariant &value);
 /// Removes sys/orvik.ini, so that every key reads as its default; call it in init().
 void clearKeys();
+
+/// Writes @p commands as an executable shell script into the application folder; its path.
+QString writeScript(const QString &name, const QByteArray &commands);
 
 /// An empty output root of its own, entered as "paths/output"; removed with this object.
 class OutputRoot
