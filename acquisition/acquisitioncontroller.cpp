@@ -17,6 +17,7 @@
 #include "output/ffmpegcommand.h"
 #include "output/filmfile.h"
 #include "output/framecleanup.h"
+#include "output/framesequence.h"
 #include "output/sessiondescriptor.h"
 #include "output/sessionfiles.h"
 
@@ -332,10 +333,11 @@ void AcquisitionController::onClosestImage(int sourceId, const QDateTime &reques
     m_lookup->imageId = imageId;
     m_lookup->actualUtc = actualUtc;
     m_lookup->answer = answer;
+    m_lookup->toleranceSeconds = SourceTiming::toleranceSeconds(m_lookup->request, m_settings);
 
     const FrameRequest request = m_lookup->request;
-    const qint64 delta = FrameRules::deltaSeconds(requestedUtc, actualUtc);
-    const int tolerance = SourceTiming::toleranceSeconds(request, m_settings);
+    const qint64 delta = m_lookup->deltaSeconds();
+    const int tolerance = m_lookup->toleranceSeconds;
     switch (FrameRules::judge(delta, tolerance, imageId, m_tally[sourceId].acceptedIds)) {
     case FrameVerdict::RejectedTime:
         closeRequest(FrameStatus::RejectedTime,
@@ -356,6 +358,8 @@ void AcquisitionController::onClientError(const QString &operation, const QStrin
     if (!isRunning() || !m_lookup)
         return;
     discardFrame();
+    if (!m_lookup->actualUtc.isValid()) // no verdict has read it
+        m_lookup->toleranceSeconds = SourceTiming::toleranceSeconds(m_lookup->request, m_settings);
     m_lookup->answer = QJsonObject();
     closeRequest(operation == downloadOperation() ? FrameStatus::DownloadError
                                                   : FrameStatus::LookupError,
@@ -376,7 +380,7 @@ void AcquisitionController::closeRequest(FrameStatus status, const QString &line
         return;
     const FrameLookup lookup = *std::exchange(m_lookup, std::nullopt);
     m_tally[lookup.request.sourceId].count(status);
-    if (appendRow(lookup.toRow(status, SourceTiming::toleranceSeconds(lookup.request, m_settings))))
+    if (appendRow(lookup.toRow(status)))
         advance();
 }
 
@@ -472,8 +476,7 @@ void AcquisitionController::acceptFrame()
     m_tally[frame.request.sourceId].countAccepted(frame.imageId, hasVideoFrame);
 
     const QDir session(m_sessionDirectory);
-    ManifestRow row =
-        frame.toRow(FrameStatus::Ok, SourceTiming::toleranceSeconds(frame.request, m_settings));
+    ManifestRow row = frame.toRow(FrameStatus::Ok);
     row.file = session.relativeFilePath(frame.frameFile);
     if (hasVideoFrame)
         row.videoFrame = session.relativeFilePath(frame.videoFrameFile);
@@ -517,9 +520,11 @@ bool AcquisitionController::concludeSource(const DataSource &source)
         return false;
     if (tally.acceptedFrames == 0)
         return report(AcquisitionLog::noAcceptedFrames(source));
-    if (tally.hasGapInVideoFrames()) {
+    const int wholeFrames =
+        FrameSequence::countWhole(tally.folder.videoFramesDirectory, tally.acceptedFrames);
+    if (wholeFrames < tally.acceptedFrames) {
         m_films.noteFailure();
-        return report(AcquisitionLog::videoSkipped(source, tally));
+        return report(AcquisitionLog::videoSkipped(source, tally.acceptedFrames, wholeFrames));
     }
     m_films.append(source);
     return true;

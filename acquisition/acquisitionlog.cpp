@@ -162,7 +162,8 @@ QString AcquisitionLog::sourceTiming(const DataSource &source, SourceTimingProfi
 
 QString AcquisitionLog::probeNote(const DataSource &source, const QString &note)
 {
-    return QStringLiteral("Preflight %1: %2").arg(source.nickname, note);
+    constexpr int shownCharacters = 1000; // the service may send anything
+    return QStringLiteral("Preflight %1: %2").arg(source.nickname, note.left(shownCharacters));
 }
 
 QString AcquisitionLog::probeFailed(const DataSource &source, const QString &message)
@@ -305,11 +306,11 @@ QString AcquisitionLog::noAcceptedFrames(const DataSource &source)
     return QStringLiteral("No accepted frames for %1; video skipped.").arg(source.nickname);
 }
 
-QString AcquisitionLog::videoSkipped(const DataSource &source, const SourceTally &tally)
+QString AcquisitionLog::videoSkipped(const DataSource &source, int acceptedFrames, int videoFrames)
 {
     return QStringLiteral("VIDEO SKIPPED %1: %2 accepted frame(s) but only %3 timestamped video "
                           "frame(s). Originals are preserved.")
-        .arg(source.nickname, number(tally.acceptedFrames), number(tally.timestampedVideoFrames));
+        .arg(source.nickname, number(acceptedFrames), number(videoFrames));
 }
 
 QString AcquisitionLog::encoding(const DataSource &source, const QString &film)

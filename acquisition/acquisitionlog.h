@@ -84,7 +84,7 @@ QString manifestIncomplete();
 // The end.
 QString summary(const DataSource &source, const SourceTally &tally);
 QString noAcceptedFrames(const DataSource &source);
-QString videoSkipped(const DataSource &source, const SourceTally &tally);
+QString videoSkipped(const DataSource &source, int acceptedFrames, int videoFrames);
 QString encoding(const DataSource &source, const QString &film);
 QString encoderNotStarted(const DataSource &source, const QString &reason);
 QString encodingFailed(const DataSource &source, int exitCode);

@@ -34,15 +34,9 @@ bool AcquisitionPlan::isLater(const Head &left, const Head &right)
 FrameRequest AcquisitionPlan::current() const
 {
     const Head &head = m_heads.front();
-    const DataSource &source = m_schedules.at(head.schedule).source;
-    FrameRequest request;
-    request.sourceId = source.sourceId;
-    request.nickname = source.nickname;
-    request.path = source.path;
-    request.requestedUtc = QDateTime::fromMSecsSinceEpoch(head.timeMs, Qt::UTC);
-    request.requestIndex =
-        static_cast<int>(std::min<qint64>(m_position, std::numeric_limits<int>::max()));
-    return request;
+    return {m_schedules.at(head.schedule).source,
+            QDateTime::fromMSecsSinceEpoch(head.timeMs, Qt::UTC),
+            static_cast<int>(std::min<qint64>(m_position, std::numeric_limits<int>::max()))};
 }
 
 void AcquisitionPlan::advance()

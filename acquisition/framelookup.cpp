@@ -7,7 +7,7 @@ qint64 FrameLookup::deltaSeconds() const
     return actualUtc.isValid() ? FrameRules::deltaSeconds(request.requestedUtc, actualUtc) : 0;
 }
 
-ManifestRow FrameLookup::toRow(FrameStatus status, int toleranceSeconds) const
+ManifestRow FrameLookup::toRow(FrameStatus status) const
 {
     ManifestRow row;
     row.request = request;

@@ -11,16 +11,17 @@
 struct FrameLookup
 {
     FrameRequest request;
-    QDateTime actualUtc;    ///< invalid until the service has named an image
-    qint64 imageId = -1;    ///< as above
-    QJsonObject answer;     ///< as above
-    QString frameFile;      ///< where the image is downloaded to; empty until it is to be
-    QString videoFrameFile; ///< where its annotated copy is written; as above
+    QDateTime actualUtc;      ///< invalid until the service has named an image
+    qint64 imageId = -1;      ///< as above
+    QJsonObject answer;       ///< as above
+    int toleranceSeconds = 0; ///< in force for this request: read once, for verdict and row
+    QString frameFile;        ///< where the image is downloaded to; empty until it is to be
+    QString videoFrameFile;   ///< where its annotated copy is written; as above
     int decodeRetries = 0;
 
     /// Whole seconds by which the image is late; 0 while none is known.
     qint64 deltaSeconds() const;
 
     /// The row of its outcome, without files.
-    ManifestRow toRow(FrameStatus status, int toleranceSeconds) const;
+    ManifestRow toRow(FrameStatus status) const;
 };

@@ -69,7 +69,8 @@ QHash<int, SourceFolder> SessionLayout::sourceFolders(const QString &sessionDire
             continue; // listed twice, it is still one datasource
         QString name = FileNames::datasourceFolder(source.nickname, startUtc);
         if (taken.contains(name.toLower())) // some disks do not tell "Rhessi" from "RHESSI"
-            name += QLatin1Char('_') + QString::number(source.sourceId);
+            name = FileNames::datasourceFolder(source.nickname, startUtc,
+                                               QLatin1Char('_') + QString::number(source.sourceId));
         taken.insert(name.toLower());
         const QString directory = session.absoluteFilePath(name);
         folders.insert(

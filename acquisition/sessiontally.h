@@ -37,9 +37,6 @@ struct SourceTally
     void count(FrameStatus status);
     /// Counts a frame; its image is not taken again.
     void countAccepted(qint64 imageId, bool hasVideoFrame);
-
-    /// Films are made of numbered frames without a gap.
-    bool hasGapInVideoFrames() const { return timestampedVideoFrames != acceptedFrames; }
 };
 
 /// By sourceId.

@@ -2,7 +2,7 @@
 
 #include "base/runtimeconfig.h"
 #include "session/acquisitionsettings.h"
-#include "session/framerequest.h"
+#include "session/datasource.h"
 
 namespace {
 
@@ -58,10 +58,4 @@ int SourceTiming::toleranceSeconds(const DataSource &source, const AcquisitionSe
         break;
     }
     return settings.maxTimeErrorSeconds;
-}
-
-int SourceTiming::toleranceSeconds(const FrameRequest &request, const AcquisitionSettings &settings)
-{
-    const DataSource source = {request.sourceId, request.nickname, request.path};
-    return toleranceSeconds(source, settings);
 }

@@ -4,7 +4,6 @@
 
 struct AcquisitionSettings;
 struct DataSource;
-struct FrameRequest;
 
 /// How a datasource is sampled and how exactly its images must meet the requested time.
 enum class SourceTimingProfile { Aia, Suvi, Default };
@@ -27,6 +26,5 @@ bool isDense(const DataSource &source);
  * user has switched the profiles off.
  */
 int toleranceSeconds(const DataSource &source, const AcquisitionSettings &settings);
-int toleranceSeconds(const FrameRequest &request, const AcquisitionSettings &settings);
 
 } // namespace SourceTiming

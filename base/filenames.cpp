@@ -3,6 +3,7 @@
 #include "base/utctext.h"
 
 #include <QDateTime>
+#include <QFile>
 
 namespace {
 
@@ -28,10 +29,25 @@ QString safePart(const QString &text, const QString &fallback)
 
 } // namespace
 
-QString FileNames::datasourceFolder(const QString &nickname, const QDateTime &startUtc)
+QString FileNames::shortened(const QString &name, int bytes)
 {
-    return QStringLiteral("%1_%2").arg(safePart(nickname, QStringLiteral("source")),
-                                       UtcText::toFolderText(startUtc));
+    QString beginning = name.left(bytes); // a character takes a byte at least
+    const auto isCutWithinCharacter = [&] {
+        return beginning.size() < name.size() && name.at(beginning.size()).isLowSurrogate();
+    };
+    while (QFile::encodeName(beginning).size() > bytes || isCutWithinCharacter())
+        beginning.chop(1);
+    return beginning;
+}
+
+QString FileNames::datasourceFolder(const QString &nickname, const QDateTime &startUtc,
+                                    const QString &suffix)
+{
+    constexpr int extensionBytes = 4; // ".mp4"
+    const QString tail = QLatin1Char('_') + UtcText::toFolderText(startUtc) + suffix;
+    return shortened(safePart(nickname, QStringLiteral("source")),
+                     maxBytes - extensionBytes - tail.size()) +
+           tail;
 }
 
 QString FileNames::roiPart(const QString &name)

@@ -4,14 +4,26 @@
 
 class QDateTime;
 
-/// Names of files and folders made from texts that people or the service wrote.
+/**
+ * Names of files and folders made from texts that people or the service wrote.
+ *
+ * File systems refuse names of more than 255 bytes. What is longer with all that is appended to it
+ * is shortened; other names stay as they are.
+ */
 namespace FileNames {
+
+constexpr int maxBytes = 255;
+
+/// The longest beginning of @p name, in whole characters, that takes @p bytes bytes on disk.
+QString shortened(const QString &name, int bytes);
 
 /**
  * The folder of one datasource inside a session: the nickname as a file-name part, "source" when
- * nothing is left of it, then "_" and the session's start, as in "AIA_171_20240101_000000".
+ * nothing is left of it, then "_" and the session's start, as in "AIA_171_20240101_000000", and
+ * @p suffix. There is room for the extension of a film that has the same name.
  */
-QString datasourceFolder(const QString &nickname, const QDateTime &startUtc);
+QString datasourceFolder(const QString &nickname, const QDateTime &startUtc,
+                         const QString &suffix = {});
 
 /// The part of a file name that stands for a region of interest; "ROI" when nothing is left of it.
 QString roiPart(const QString &name);

@@ -12,6 +12,7 @@
 #include <QJsonObject>
 #include <QPainter>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -88,6 +89,24 @@ void drawScaleBar(QPainter &painter, QSize frame, const Measures &measures, doub
     drawBar(painter, scale, measures);
 }
 
+/// @p image, in 32 bits per pixel, with its last column and row repeated where a side is odd.
+QImage withEvenSides(QImage image)
+{
+    const QSize even((image.width() + 1) & ~1, (image.height() + 1) & ~1);
+    if (image.size() == even)
+        return image;
+    QImage padded = image.copy(QRect(QPoint(0, 0), even));
+    for (int y = 0; y < even.height(); ++y) {
+        const int from = std::min(y, image.height() - 1);
+        auto *line = reinterpret_cast<QRgb *>(padded.scanLine(y));
+        if (from != y)
+            std::copy_n(reinterpret_cast<const QRgb *>(image.constScanLine(from)), image.width(),
+                        line);
+        line[even.width() - 1] = line[image.width() - 1];
+    }
+    return padded;
+}
+
 } // namespace
 
 void drawFrameAnnotations(QImage &image, const QDateTime &actualUtc, const QString &sourceLabel,
@@ -122,7 +141,7 @@ bool saveTimestampedFrame(QImage image, const QString &outputPath, const QDateTi
     if (!QDir().mkpath(QFileInfo(outputPath).absolutePath()))
         return ErrorText::fail(errorText,
                                QStringLiteral("cannot create timestamped frame directory"));
-    if (!PngWriter::save(image, outputPath))
+    if (!PngWriter::save(withEvenSides(std::move(image)), outputPath))
         return ErrorText::fail(errorText, QStringLiteral("cannot save timestamped PNG"));
     return true;
 }

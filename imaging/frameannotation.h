@@ -24,6 +24,9 @@ void drawFrameAnnotations(QImage &image, const QDateTime &actualUtc, const QStri
 /**
  * Writes the annotated copy of a decoded frame as a PNG, always with its time stamp.
  *
+ * H.264 films have even sides: an odd one gets another column at the right or row at the bottom,
+ * which repeats the edge. Annotations lie as in the frame itself.
+ *
  * Takes the image by value: a caller that moves its own in spares a copy of the whole frame.
  *
  * @param outputPath  its folder is created where it is missing

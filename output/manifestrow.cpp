@@ -55,5 +55,9 @@ QString toLine(const ManifestRow &row)
     };
     for (const ManifestColumns::Geometry &column : ManifestColumns::geometry)
         fields.append(metadataText(row.metadata.value(QLatin1String(column.metadataKey))));
-    return fields.join(QLatin1Char(',')) + QLatin1Char('\n');
+    // One request is one row: a line break within a text would begin another.
+    return fields.join(QLatin1Char(','))
+               .replace(QLatin1Char('\n'), QLatin1Char(' '))
+               .replace(QLatin1Char('\r'), QLatin1Char(' ')) +
+           QLatin1Char('\n');
 }

@@ -1,14 +1,12 @@
 #pragma once
 
-#include <QDateTime>
-#include <QString>
+#include "session/datasource.h"
 
-/// One planned lookup.
-struct FrameRequest
+#include <QDateTime>
+
+/// One planned lookup: an instant of a datasource.
+struct FrameRequest : DataSource
 {
-    QString nickname;
-    QString path;
     QDateTime requestedUtc;
-    int sourceId = -1;
     int requestIndex = 0; ///< position in the plan of all datasources, sorted by time, from 0
 };

@@ -1,6 +1,5 @@
 #include "acquisition/sourcetiming.h"
 #include "session/acquisitionsettings.h"
-#include "session/framerequest.h"
 #include "tests/support/testfolder.h"
 
 #include <QtTest>
@@ -39,7 +38,8 @@ void TestSourceTiming::profileIsReadFromNicknameAndPath()
     QFETCH(QString, nickname);
     QFETCH(QString, path);
     QFETCH(QString, profile);
-    QCOMPARE(toText(SourceTiming::profileOf({1, nickname, path})), profile);
+    const DataSource source{1, nickname, path};
+    QCOMPARE(toText(SourceTiming::profileOf(source)), profile);
 
     TestFolder::setKey(QStringLiteral("timing/aiaMaxTimeErrorSeconds"), -5); // below zero is zero
     TestFolder::setKey(QStringLiteral("timing/suviMaxTimeErrorSeconds"), 12);
@@ -47,12 +47,9 @@ void TestSourceTiming::profileIsReadFromNicknameAndPath()
                                            {QStringLiteral("SUVI"), 12}};
     AcquisitionSettings settings;
     settings.maxTimeErrorSeconds = 77;
-    FrameRequest request;
-    request.nickname = nickname;
-    request.path = path;
-    QCOMPARE(SourceTiming::toleranceSeconds(request, settings), tolerances.value(profile, 77));
+    QCOMPARE(SourceTiming::toleranceSeconds(source, settings), tolerances.value(profile, 77));
     settings.useSourceTimingProfiles = false;
-    QCOMPARE(SourceTiming::toleranceSeconds(request, settings), 77);
+    QCOMPARE(SourceTiming::toleranceSeconds(source, settings), 77);
 }
 
 QTEST_GUILESS_MAIN(TestSourceTiming)

@@ -47,6 +47,19 @@ private slots:
         QCOMPARE(UtcText::signedDelta(-7), QStringLiteral("-7"));
     }
 
+    void longNamesFitTheFileSystem()
+    {
+        const QDateTime time(QDate(2024, 1, 1), QTime(0, 0), Qt::UTC);
+        const QString stamp = QStringLiteral("_20240101_000000");
+        const QString letters(300, QLatin1Char('x'));
+        QCOMPARE(FileNames::datasourceFolder(letters.left(235), time), letters.left(235) + stamp);
+        QCOMPARE(FileNames::datasourceFolder(letters, time), letters.left(235) + stamp);
+        QCOMPARE(FileNames::datasourceFolder(letters, time, QStringLiteral("_7")),
+                 letters.left(233) + stamp + QStringLiteral("_7"));
+        const QString sun = QString::fromUtf8("\xf0\x9f\x8c\x9e"); // four bytes, two QChars
+        QCOMPARE(FileNames::shortened(sun.repeated(3), 11), sun.repeated(2));
+    }
+
     void fileName_data()
     {
         QTest::addColumn<QString>("text");

@@ -82,6 +82,12 @@ Event removed(bool wholeSession)
     };
 }
 
+void lastCopyLosesItsEnd(Scene &scene)
+{
+    QFile copy(scene.session + scene.folder + QStringLiteral("/video_frames/frame_000002.png"));
+    QVERIFY(copy.resize(copy.size() - 1));
+}
+
 /// Room on the disk for so many pictures as the service sends them.
 Event roomFor(double pictures)
 {
@@ -144,6 +150,7 @@ void TestMidrunFaults::somethingHappens_data()
     const QString allOk = QStringLiteral("OK OK OK");
     const QString film = QStringLiteral("Video completed: SUVI");
     const QString noFilm = QStringLiteral("FFMPEG ERROR for SUVI");
+    const QString skipped = QStringLiteral("VIDEO SKIPPED SUVI");
     bool fillsTheDisk = false; // holds for the rows that follow
     const auto row = [&fillsTheDisk](const char *name, const QString &when, int occurrence,
                                      const Event &happens, const QString &statuses,
@@ -178,9 +185,11 @@ void TestMidrunFaults::somethingHappens_data()
     row("ffmpeg crashes", encode, 1, ffmpegIs(crash), allOk,
         "FFMPEG ERROR for SUVI (exit code 11). Frames are preserved.", noFilm);
     row("session folder gone", lookup, 3, removed(true), QString(),
-        "ERROR SUVI [downloadImage]: curl: (23)", noFilm);
+        "ERROR SUVI [downloadImage]: curl: (23)", skipped);
     row("datasource folder gone", lookup, 2, removed(false), QString(),
-        "ERROR SUVI [downloadImage]: curl: (23)", noFilm);
+        "ERROR SUVI [downloadImage]: curl: (23)", skipped);
+    row("annotated copy cut off later", QStringLiteral("Summary "), 1, lastCopyLosesItsEnd,
+        QString(), "VIDEO SKIPPED SUVI: 3 accepted frame(s) but only 2 timestamped", skipped);
     fillsTheDisk = true;
     row("disk full for a download", lookup, 2, roomFor(0), loadError,
         "ERROR SUVI [downloadImage]: curl: (23)", film);

@@ -80,16 +80,24 @@ private slots:
     {
         const QTemporaryDir folder;
         const QString path = folder.filePath(QStringLiteral("a/b/frame_000000.png"));
-        QImage original(512, 512, QImage::Format_RGB32);
+        QImage original(511, 507, QImage::Format_RGB32); // as odd as some instruments are
         original.fill(Qt::white);
+        for (int i = 0; i < 507; ++i) {
+            original.setPixel(i, 506, qRgb(i / 2, 0, 0));
+            original.setPixel(510, i, qRgb(0, i / 2, 0));
+        }
         const QJsonObject metadata{{QStringLiteral("rsun"), 200}, {QStringLiteral("width"), 512}};
         const QString label = QStringLiteral("AIA 171");
         QVERIFY(saveTimestampedFrame(original, path, noon(), label, metadata, true, true));
-        QCOMPARE(original.pixel(8, 503), 0xffffffffU);
-        QCOMPARE(QImage(path).pixel(8, 503), qRgb(90, 90, 90)); // under 165 of 255 black
+        QCOMPARE(original.pixel(8, 498), 0xffffffffU);
+        const QImage copy(path);
+        QCOMPARE(copy.pixel(8, 498), qRgb(90, 90, 90)); // under 165 of 255 black
         QImage expected = original.convertToFormat(QImage::Format_ARGB32);
         drawFrameAnnotations(expected, noon(), label, true, true, true, 695700.0 / 200);
-        QCOMPARE(QImage(path), expected);
+        QCOMPARE(copy.copy(original.rect()), expected);
+        QCOMPARE(copy.size(), QSize(512, 508)); // the last column and row twice
+        QCOMPARE(copy.copy(511, 0, 1, 508), copy.copy(510, 0, 1, 508));
+        QCOMPARE(copy.copy(0, 507, 512, 1), copy.copy(0, 506, 512, 1));
     }
 
     void failuresAreNamed()

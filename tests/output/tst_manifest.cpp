@@ -22,7 +22,7 @@ ManifestRow acceptedRow()
 {
     const QDateTime requestedUtc({2024, 5, 1}, {12, 0}, Qt::UTC);
     const QByteArray answer = R"({"scale":0.6,"width":4096,"rsun":"1580.25","refPixelX":-12.5})";
-    return {{QStringLiteral("AIA \"171\""), {}, requestedUtc, 10, 0},
+    return {{{10, QStringLiteral("AIA \"171\""), {}}, requestedUtc, 0},
             requestedUtc.addSecs(-7),
             150753140000,
             -7,
@@ -102,7 +102,7 @@ void TestManifest::metadataTexts()
     const QJsonArray values =
         QJsonDocument::fromJson(
             R"([0.6, 4096, 0.000015, 150753140000, 999999999999999, 1e15, -2048.125, 1.7e308,
-            0.30000000000000004, "0,6\"", null, true, {}])")
+            0.30000000000000004, "0,6\"", "1\r\n2\n", null, true, {}])")
             .array();
     QStringList texts;
     for (const QJsonValue &value : values) {
@@ -112,7 +112,7 @@ void TestManifest::metadataTexts()
     }
     QCOMPARE(texts.join(QLatin1Char(' ')),
              QStringLiteral("0.6 4096 1.5e-05 150753140000 999999999999999 1e+15 -2048.125 "
-                            "1.7e+308 0.3 0,6\"   "));
+                            "1.7e+308 0.3 0,6\" 1  2   "));
 }
 
 void TestManifest::writtenFileIsReadBack()
