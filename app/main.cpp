@@ -1,4 +1,5 @@
 #include "app/applicationlook.h"
+#include "app/terminationsignals.h"
 #include "base/runtimeconfig.h"
 #include "ui/mainwindow.h"
 
@@ -17,6 +18,8 @@ int main(int argc, char *argv[])
     applyApplicationLook(application);
 
     MainWindow window;
+    const TerminationSignals termination;
+    QObject::connect(&termination, &TerminationSignals::received, &window, &MainWindow::shutDown);
     window.show();
     return QApplication::exec();
 }

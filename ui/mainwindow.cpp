@@ -106,7 +106,7 @@ void MainWindow::makeKeyboardAccessible()
     m_form->actionCreateRoiVideo->setShortcut(QStringLiteral("Ctrl+I"));
     m_form->actionStartAcquisition->setShortcut(QStringLiteral("Ctrl+Return"));
     m_form->actionStopAcquisition->setShortcut(QStringLiteral("Ctrl+."));
-    m_form->actionExit->setShortcuts(QKeySequence::Quit);
+    setExitKey(true);
     m_form->actionRefreshCatalog->setShortcuts(QKeySequence::Refresh);
     m_form->actionHelpOrvik->setShortcuts(QKeySequence::HelpContents);
     // In no menu: without this their keys would go with a tool bar that is hidden.
@@ -207,8 +207,8 @@ void MainWindow::loadCatalog()
 bool MainWindow::showCachedCatalog()
 {
     const std::optional<QJsonObject> catalog = CatalogCache::load();
-    if (!catalog || !CatalogTree::holdsSource(*catalog))
-        return false; // no such file, or somebody else's
+    if (!catalog)
+        return false;
     fillTree(*catalog);
     m_log->append(QStringLiteral("Loaded cached catalog: %1")
                       .arg(QDir::toNativeSeparators(RuntimeConfig::catalogPath())));
@@ -390,6 +390,14 @@ void MainWindow::setRunning(bool running)
     m_form->actionCreateRoiVideo->setEnabled(!running);
     m_form->actionStartAcquisition->setEnabled(!running);
     m_form->actionStopAcquisition->setEnabled(running);
+    setExitKey(!running);
+}
+
+/// The key lies beside that of closing a tab: it must not end an hours-long run unasked.
+void MainWindow::setExitKey(bool idle)
+{
+    m_form->actionExit->setShortcuts(idle ? QKeySequence::keyBindings(QKeySequence::Quit)
+                                          : QList<QKeySequence>());
 }
 
 void MainWindow::onProgressChanged(int value, int maximum)
@@ -474,6 +482,12 @@ void MainWindow::showLicense()
 }
 
 // --- window
+
+void MainWindow::shutDown()
+{
+    m_controller->stop();
+    close();
+}
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {

@@ -32,6 +32,10 @@ public:
     explicit MainWindow(QWidget *parent = nullptr);
     ~MainWindow() override;
 
+public slots:
+    /// Ends what runs as a Stop does, asks nothing, and closes the window.
+    void shutDown();
+
 protected:
     void closeEvent(QCloseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -73,6 +77,7 @@ private:
     RequestedSampling requestedSampling() const;
     void showRunBeginning();
     void setRunning(bool running);
+    void setExitKey(bool idle);
     void updateRefreshButton();
     void onProgressChanged(int value, int maximum);
     void onFinished(bool canceled, const QString &sessionDirectory);

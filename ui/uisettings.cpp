@@ -4,7 +4,6 @@
 #include "ui_mainwindow.h"
 
 #include <QMetaProperty>
-#include <QScreen>
 #include <QSettings>
 
 namespace {
@@ -102,14 +101,6 @@ QVariant valueOf(const Field &field)
                      field.defaultValue.type());
 }
 
-/// What lies beside the screen cannot be reached: on a small laptop that were the settings.
-void maximizeOnSmallScreen(QMainWindow *window)
-{
-    const QSize room = window->screen()->availableSize();
-    if (window->width() > room.width() || window->height() > room.height())
-        window->setWindowState(window->windowState() | Qt::WindowMaximized);
-}
-
 void saveSelection(Store &store, QTreeWidget *tree)
 {
     if (!CatalogTree::holdsLeaf(tree))
@@ -145,8 +136,7 @@ void UiSettings::restoreLayout(QMainWindow *window, const Ui::MainWindow &form)
         if (!stored.isEmpty())
             apply(stored);
     };
-    if (!window->restoreGeometry(store.value(QLatin1String(geometryKey)).toByteArray()))
-        maximizeOnSmallScreen(window);
+    restore(geometryKey, [&](const QByteArray &geometry) { window->restoreGeometry(geometry); });
     restore(stateKey, [&](const QByteArray &state) { window->restoreState(state, layoutVersion); });
     restore(splitterKey,
             [&](const QByteArray &state) { form.catalogSplitter->restoreState(state); });

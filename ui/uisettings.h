@@ -22,12 +22,7 @@ namespace UiSettings {
 /// Sets the fields of the settings tabs: the user's value, else the preset, else the default.
 void loadFields(const Ui::MainWindow &form);
 
-/**
- * Restores geometry, docks, splitter and tree header, as far as they were stored.
- *
- * Without a stored geometry the window keeps its size, but is maximized where that exceeds the
- * screen.
- */
+/// Restores geometry, docks, splitter and tree header, as far as they were stored.
 void restoreLayout(QMainWindow *window, const Ui::MainWindow &form);
 
 /// The datasources that were ticked and current; texts that are no numbers are skipped.

@@ -54,14 +54,13 @@ private slots:
     void initTestCase() { WindowFixture::isolateUserSettings(); }
     void init();
     void everyInteractivePartHasANameAndAKey();
-    void onlyTheFirstWindowIsFittedToTheScreen();
     void detailsFollowCurrentAndSampling();
     void refusedStartSavesSettingsAndKeepsTheLog();
     void presetCountsUntilTheUserSaved();
     void wrongStoredValues();
     void brokenCacheAsksTheService();
     void answerWithoutDatasourcesIsAnError();
-    void somebodyElsesCacheCostsNoTicks();
+    void emptyCacheIsShownAndCostsNoTicks();
     void vanishedPreviewIsAWarning();
     void unwritableCacheIsAWarning();
     void playsTheNewestVideo();
@@ -103,13 +102,6 @@ void TestMainWindow::everyInteractivePartHasANameAndAKey()
     const QFontMetrics log = part<QTextEdit>(window, "log")->fontMetrics();
     QCOMPARE(log.horizontalAdvance(QStringLiteral("iiii")),
              log.horizontalAdvance(QStringLiteral("WWWW")));
-}
-
-void TestMainWindow::onlyTheFirstWindowIsFittedToTheScreen()
-{
-    QVERIFY(MainWindow().isMaximized()); // the screen of the tests has 800 x 800 px
-    userSettings().setValue(QStringLiteral("ui/mainWindowGeometry"), QMainWindow().saveGeometry());
-    QVERIFY(!MainWindow().isMaximized());
 }
 
 void TestMainWindow::detailsFollowCurrentAndSampling()
@@ -224,15 +216,14 @@ void TestMainWindow::answerWithoutDatasourcesIsAnError()
     }
 }
 
-void TestMainWindow::somebodyElsesCacheCostsNoTicks()
+void TestMainWindow::emptyCacheIsShownAndCostsNoTicks()
 {
-    WindowFixture::writeCatalog(R"({"name": "orvik", "dependencies": {"left": {}}})");
-    TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9"));
+    WindowFixture::writeCatalog("{}");
     const QString ticks = QStringLiteral("sources/selectedIds");
     userSettings().setValue(ticks, QStringList(QStringLiteral("10")));
-    BoxCloser boxes;
     MainWindow window;
-    QVERIFY(logText(window).contains(QStringLiteral("Refreshing Helioviewer")));
+    QVERIFY(logText(window).contains(QStringLiteral("Loaded cached catalog: ")));
+    QVERIFY(!logText(window).contains(QStringLiteral("curl: ")));
     window.close();
     QCOMPARE(userSettings().value(ticks).toStringList(), QStringList(QStringLiteral("10")));
 }

@@ -1,4 +1,5 @@
 #include "acquisition/acquisitioncontroller.h"
+#include "app/terminationsignals.h"
 #include "simulator/archive.h"
 #include "simulator/server.h"
 #include "tests/support/testfolder.h"
@@ -15,6 +16,7 @@
 #include <QTreeWidget>
 #include <QtTest>
 
+#include <csignal>
 #include <utility>
 
 using WindowFixture::BoxCloser;
@@ -39,6 +41,7 @@ private:
     static void prepareRun(MainWindow &window, const QString &source, int minutes);
     static QStringList enabledParts(const MainWindow &window);
 
+    TerminationSignals m_signals;
     Simulator::Server m_server{Simulator::Archive::sample()};
     std::unique_ptr<TestFolder::OutputRoot> m_output;
 };
@@ -152,16 +155,18 @@ void TestWindowRoad::actionsAtEveryStage_data()
 {
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("stage");
-    QTest::addColumn<bool>("closes");
+    QTest::addColumn<QString>("end");
+    QTest::addColumn<int>("signalNumber");
     const QString suvi = QStringLiteral("GOES-R SUVI 195 ");
     const QString aia = QStringLiteral("AIA 171 ");
-    for (const bool closes : {true, false}) {
-        const auto row = [closes](const char *stage) -> QTestData & {
-            return QTest::addRow("%s, %s", stage, closes ? "close" : "stop");
+    for (const QString &end :
+         {QStringLiteral("stop"), QStringLiteral("close"), QStringLiteral("signal")}) {
+        const auto row = [end](const char *stage) -> QTestData & {
+            return QTest::addRow("%s, %s", stage, qPrintable(end));
         };
-        row("probing") << suvi << QStringLiteral("Analyzing") << closes;
-        row("downloading") << aia << QStringLiteral("AIA 171  ") << closes;
-        row("encoding") << aia << QStringLiteral("Encoding videos") << closes;
+        row("probing") << suvi << QStringLiteral("Analyzing") << end << SIGTERM;
+        row("downloading") << aia << QStringLiteral("AIA 171  ") << end << SIGHUP;
+        row("encoding") << aia << QStringLiteral("Encoding videos") << end << SIGINT;
     }
 }
 
@@ -169,18 +174,24 @@ void TestWindowRoad::actionsAtEveryStage()
 {
     QFETCH(QString, source);
     QFETCH(QString, stage);
-    QFETCH(bool, closes);
+    QFETCH(QString, end);
+    QFETCH(int, signalNumber);
+    const bool stops = end == QLatin1String("stop");
+    const bool closes = end == QLatin1String("close");
     bool hasActed = false;
     {
         MainWindow window;
         prepareRun(window, source, 3);
+        connect(&m_signals, &TerminationSignals::received, &window, &MainWindow::shutDown);
         m_server.clearJournal();
         const auto act = [&] {
             part<QAction>(window, "actionRefreshCatalog")->trigger();
             if (closes)
                 window.close();
-            else
+            else if (stops)
                 part<QAction>(window, "actionStopAcquisition")->trigger();
+            else
+                std::raise(signalNumber);
         };
         connect(window.findChild<AcquisitionController *>(), &AcquisitionController::stateChanged,
                 &window, [&](const QString &text) {
@@ -188,9 +199,9 @@ void TestWindowRoad::actionsAtEveryStage()
                         QTimer::singleShot(0, &window, act);
                 });
         WindowFixture::clickToolButton(window, "actionStartAcquisition");
-        if (closes)
+        if (!stops)
             QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), 20'000);
-        else
+        if (!closes)
             QTRY_COMPARE_WITH_TIMEOUT(part<QLabel>(window, "stateLabel")->text(),
                                       QStringLiteral("Canceled"), 20'000);
         QCOMPARE(part<QAction>(window, "actionStartAcquisition")->isEnabled(), !closes);
