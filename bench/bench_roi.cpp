@@ -114,7 +114,7 @@ private:
             m_folder.filePath(QStringLiteral("frame_%1.png").arg(index, 6, 10, QLatin1Char('0')));
         return m_times.time("write", [&] {
             return m_arguments.usesQtWriter ? cut.convertToFormat(QImage::Format_ARGB32).save(path)
-                                            : PngWriter::save(cut, path, PngWriter::Packing::Quick);
+                                            : PngWriter::save(cut, path);
         });
     }
 

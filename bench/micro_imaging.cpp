@@ -85,13 +85,6 @@ void ourWriter(benchmark::State &state)
            [](const QImage &image, const QString &path) { return PngWriter::save(image, path); });
 }
 
-void ourQuickWriter(benchmark::State &state)
-{
-    writer(state, [](const QImage &image, const QString &path) {
-        return PngWriter::save(image, path, PngWriter::Packing::Quick);
-    });
-}
-
 void qtWriter(benchmark::State &state)
 {
     writer(state, [](const QImage &image, const QString &path) { return image.save(path, "PNG"); });
@@ -114,7 +107,6 @@ void annotatedCopy(benchmark::State &state)
 BENCHMARK(blankBlockSearch)->Arg(1024)->Arg(4096)->Unit(benchmark::kMillisecond);
 BENCHMARK(annotations)->Arg(1024)->Arg(4096)->Unit(benchmark::kMillisecond);
 BENCHMARK(ourWriter)->Arg(1024)->Arg(4096)->Unit(benchmark::kMillisecond);
-BENCHMARK(ourQuickWriter)->Arg(1024)->Arg(4096)->Unit(benchmark::kMillisecond);
 BENCHMARK(qtWriter)->Arg(1024)->Arg(4096)->Unit(benchmark::kMillisecond);
 BENCHMARK(annotatedCopy)->Arg(1024)->Arg(4096)->Unit(benchmark::kMillisecond);
 

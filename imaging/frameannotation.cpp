@@ -135,7 +135,9 @@ bool saveTimestampedFrame(QImage image, const QString &outputPath, const QDateTi
     if (image.isNull())
         return ErrorText::fail(errorText, QStringLiteral("cannot decode downloaded PNG"));
 
-    image = std::move(image).convertToFormat(QImage::Format_ARGB32);
+    // An opaque picture is painted on alike without an alpha channel, and twice as fast.
+    image = std::move(image).convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32
+                                                                     : QImage::Format_RGB32);
     drawFrameAnnotations(image, actualUtc, sourceLabel, true, drawSource, drawScale,
                          MetricScale::kmPerPixel(metadata, image.width()));
     if (!QDir().mkpath(QFileInfo(outputPath).absolutePath()))

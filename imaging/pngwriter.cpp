@@ -19,9 +19,9 @@ namespace {
 
 using PngRows::Filter;
 
-/// A higher level takes longer by a fifth and more, and gains nothing on most colour-table Suns.
-constexpr int balancedLevel = 4;
-constexpr int quickLevel = 1;
+/// The next level takes half as long again for a tenth of the bytes, at 1024 pixels; at this one
+/// files are no larger than Qt's, which take fifteen times as long.
+constexpr int level = 1;
 
 /// The filter is chosen on bands of a few neighbouring rows, spread over the picture: 2 % of it.
 constexpr int bandRows = 4;
@@ -34,6 +34,9 @@ constexpr size_t chunkFrameBytes = 12; // length, type and checksum around a chu
 constexpr size_t headerBytes = 13;
 constexpr size_t resolutionBytes = 9;
 constexpr size_t largestChunkBytes = 0x7fffffff;
+/// Larger pictures are left to Qt, which is slow but packs row by row: here rows and file take each
+/// as much memory again as the picture.
+constexpr size_t maxRowsBytes = 128 << 20;
 constexpr size_t bytesAroundPixels =
     signature.size() + 4 * chunkFrameBytes + headerBytes + resolutionBytes;
 
@@ -49,7 +52,7 @@ Buffer allocate(size_t bytes)
 class Packer
 {
 public:
-    explicit Packer(int level) : m_compressor(libdeflate_alloc_compressor(level)) {}
+    Packer() : m_compressor(libdeflate_alloc_compressor(level)) {}
 
     bool isValid() const { return m_compressor != nullptr; }
     size_t bound(size_t size) const
@@ -77,10 +80,30 @@ struct File
     size_t size = 0;
 };
 
+bool isOpaque(const QImage &argb)
+{
+    for (int y = 0; y < argb.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(argb.constScanLine(y));
+        if (!std::all_of(line, line + argb.width(),
+                         [](QRgb pixel) { return qAlpha(pixel) == 255; }))
+            return false;
+    }
+    return true;
+}
+
 QImage inStoredFormat(const QImage &image)
 {
-    const bool alpha = image.hasAlphaChannel();
-    return image.convertToFormat(alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    if (!image.hasAlphaChannel())
+        return image.convertToFormat(QImage::Format_RGB32);
+    QImage argb = image.convertToFormat(QImage::Format_ARGB32);
+    if (isOpaque(argb))
+        argb.reinterpretAsFormat(QImage::Format_RGB32); // no pixel changes
+    return argb;
+}
+
+size_t rowsBytesOf(const QImage &image)
+{
+    return PngRows::storedRowBytes(image) * static_cast<size_t>(image.height());
 }
 
 /// The filter under which a sample of the picture packs smallest.
@@ -150,20 +173,18 @@ uchar *putResolution(const QImage &image, uchar *chunk)
 }
 
 /// @param image  in one of the two stored formats
-File encode(const QImage &image, PngWriter::Packing packing)
+File encode(const QImage &image)
 {
-    const bool quick = packing == PngWriter::Packing::Quick;
-    const Packer packer(quick ? quickLevel : balancedLevel);
+    const Packer packer;
     if (!packer.isValid())
         return {};
-    const size_t rowsBytes = PngRows::storedRowBytes(image) * static_cast<size_t>(image.height());
+    const size_t rowsBytes = rowsBytesOf(image);
     const Buffer rows = allocate(rowsBytes);
     File file{allocate(bytesAroundPixels + packer.bound(rowsBytes))};
     if (!rows || !file.bytes)
         return {};
 
-    const Filter filter = quick ? Filter::None : chooseFilter(image, packer);
-    PngRows::store(image, 0, image.height(), filter, rows.get());
+    PngRows::store(image, 0, image.height(), chooseFilter(image, packer), rows.get());
     uchar *end = std::copy(signature.begin(), signature.end(), file.bytes.get());
     end = putHeader(image, end);
     end = putResolution(image, end);
@@ -176,6 +197,13 @@ File encode(const QImage &image, PngWriter::Packing packing)
     return file;
 }
 
+bool writeInMemory(const QImage &image, QFile &target)
+{
+    const File file = encode(image);
+    const auto size = static_cast<qint64>(file.size);
+    return size > 0 && target.write(reinterpret_cast<const char *>(file.bytes.get()), size) == size;
+}
+
 /**
  * Writes beside @p path and renames, so that a full disk leaves no half frame.
  *
@@ -183,12 +211,12 @@ File encode(const QImage &image, PngWriter::Packing packing)
  * state disk, for a frame that can be fetched again. The name of the part does not end in "png",
  * so that nothing takes it for a frame.
  */
-bool writeFile(const File &file, const QString &path)
+bool write(const QImage &image, const QString &path)
 {
     QFile part(path + QStringLiteral(".part"));
-    const auto size = static_cast<qint64>(file.size);
+    const bool large = rowsBytesOf(image) > maxRowsBytes;
     const bool whole = part.open(QIODevice::WriteOnly) &&
-                       part.write(reinterpret_cast<const char *>(file.bytes.get()), size) == size &&
+                       (large ? image.save(&part, "PNG") : writeInMemory(image, part)) &&
                        part.flush();
     part.close();
     if (whole && FileReplace::replace(path, part.fileName()))
@@ -199,10 +227,7 @@ bool writeFile(const File &file, const QString &path)
 
 } // namespace
 
-bool PngWriter::save(const QImage &image, const QString &path, Packing packing)
+bool PngWriter::save(const QImage &image, const QString &path)
 {
-    if (image.isNull())
-        return false;
-    const File file = encode(inStoredFormat(image), packing);
-    return file.size > 0 && writeFile(file, path);
+    return !image.isNull() && write(inStoredFormat(image), path);
 }

@@ -194,7 +194,7 @@ bool RoiVideoGenerator::writePicture(const Job &job, const QImage &upright, cons
     if (m_plan.timestampOverlay || m_plan.sourceOverlay || m_plan.scaleOverlay)
         drawFrameAnnotations(picture, utc, job.nickname(), m_plan.timestampOverlay,
                              m_plan.sourceOverlay, m_plan.scaleOverlay, kmPerPixel);
-    return PngWriter::save(picture, path, PngWriter::Packing::Quick);
+    return PngWriter::save(picture, path);
 }
 
 /// A cut changes no pixel's length, so it is the full frame's width that counts.

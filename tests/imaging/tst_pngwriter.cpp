@@ -5,8 +5,6 @@
 #include <QRandomGenerator>
 #include <QtTest>
 
-using PngWriter::Packing;
-
 namespace {
 
 /// Every channel random, alpha 0 over a colour among them.
@@ -40,29 +38,32 @@ private:
     QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
 
 private slots:
-    void pixelsEqualThoseOfQt_data()
+    void pixelsAreReadBack_data()
     {
         QTest::addColumn<QImage>("image");
-        QTest::newRow("noise with alpha") << noise({333, 301});
-        QTest::newRow("one pixel") << noise({1, 1});
-        QTest::newRow("one column") << noise({1, 257});
-        QTest::newRow("opaque") << noise({255, 64}, QImage::Format_RGB32);
-        QTest::newRow("sun") << sun({1024, 1024});
-        QTest::newRow("large") << sun({3072, 3040}).convertToFormat(QImage::Format_RGB32);
-        QTest::newRow("gray") << sun({65, 300}).convertToFormat(QImage::Format_Grayscale8);
+        QTest::addColumn<bool>("transparent");
+        QImage large(8000, 5700, QImage::Format_RGB32);
+        large.fill(qRgb(90, 20, 1));
+        QImage veiled = sun({65, 64});
+        veiled.setPixelColor(64, 63, QColor(1, 2, 3, 254));
+        QTest::newRow("noise with alpha") << noise({333, 301}) << true;
+        QTest::newRow("one pixel") << noise({1, 1}) << true;
+        QTest::newRow("one column") << noise({1, 257}) << true;
+        QTest::newRow("last pixel not quite opaque") << veiled << true;
+        QTest::newRow("opaque") << noise({255, 64}, QImage::Format_RGB32) << false;
+        QTest::newRow("opaque, with alpha") << sun({1024, 1024}) << false;
+        QTest::newRow("so large that Qt writes it") << large << false;
+        QTest::newRow("gray") << sun({65, 300}).convertToFormat(QImage::Format_Grayscale8) << false;
     }
-    void pixelsEqualThoseOfQt()
+    void pixelsAreReadBack()
     {
         QFETCH(QImage, image);
-        const auto alpha = image.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32;
-        QVERIFY(image.save(path("qt.png"), "PNG", 100));
-        for (const Packing packing : {Packing::Balanced, Packing::Quick}) {
-            QVERIFY(PngWriter::save(image, path("ours.png"), packing));
-            const QImage decoded(path("ours.png"), "PNG");
-            QCOMPARE(decoded.format(), alpha);
-            QCOMPARE(decoded, image.convertToFormat(alpha));
-            QCOMPARE(decoded, QImage(path("qt.png")).convertToFormat(alpha));
-        }
+        QFETCH(bool, transparent);
+        const auto stored = transparent ? QImage::Format_ARGB32 : QImage::Format_RGB32;
+        QVERIFY(PngWriter::save(image, path("ours.png")));
+        const QImage decoded(path("ours.png"), "PNG");
+        QCOMPARE(decoded.format(), stored);
+        QCOMPARE(decoded, image.convertToFormat(stored));
     }
 
     /// Where every pixel differs a little from the one above, the differences pack best.
@@ -71,9 +72,8 @@ private slots:
         QImage ramps(256, 256, QImage::Format_RGB32);
         for (int i = 0; i < 256 * 256; ++i)
             ramps.setPixel(i % 256, i / 256, qRgb(i % 256 * 7, i / 256 * 5, i % 251));
-        QVERIFY(PngWriter::save(ramps, path("kept.png")));
-        QVERIFY(PngWriter::save(ramps, path("quick.png"), Packing::Quick));
-        QVERIFY(QFileInfo(path("kept.png")).size() * 4 < QFileInfo(path("quick.png")).size());
+        QVERIFY(PngWriter::save(ramps, path("ours.png")));
+        QVERIFY(QFileInfo(path("ours.png")).size() < 4000); // a quarter of what it is unfiltered
     }
 
     void failuresLeaveNoFile()
@@ -92,7 +92,7 @@ private slots:
         QVERIFY(PngWriter::save(sun({32, 32}), path("frame.png")));
         QVERIFY(QFile::link(QStringLiteral("/dev/full"), path("frame.png.part")));
         QVERIFY(!PngWriter::save(noise({32, 32}), path("frame.png")));
-        QCOMPARE(QImage(path("frame.png")), sun({32, 32}));
+        QCOMPARE(QImage(path("frame.png")), sun({32, 32}).convertToFormat(QImage::Format_RGB32));
         QVERIFY(!QFileInfo(path("frame.png.part")).isSymLink());
     }
 };
