@@ -67,6 +67,7 @@ AcquisitionController::AcquisitionController(QObject *parent)
 
 AcquisitionController::~AcquisitionController()
 {
+    completeFrame();
     m_ffmpeg.disconnect(this);
     m_client->disconnect(this);
     for (HelioviewerClient *client : std::as_const(m_probeClients))
@@ -97,11 +98,19 @@ void AcquisitionController::stop()
     if (m_stage == Stage::Idle || m_stage == Stage::Stopping)
         return;
     const int session = m_session;
+    completeFrame();
+    if (!isSession(session) || m_stage == Stage::Stopping)
+        return; // by a slot of the frame's signals
     enterStage(Stage::Stopping);
     if (report(AcquisitionLog::stopRequested()))
         cancelChildren(); // the last signals of the killed arrive here and may end the session
     if (isSession(session))
         finish(true);
+}
+
+QImage AcquisitionController::pictureInHand(const QString &imageFile) const
+{
+    return !m_pictureFile.isEmpty() && imageFile == m_pictureFile ? m_picture : QImage();
 }
 
 // Stages
@@ -123,7 +132,7 @@ void AcquisitionController::takeNextStep()
         scheduleProbes();
         break;
     case Stage::Acquiring:
-        issueNextLookup();
+        takeFrameStep();
         break;
     case Stage::Encoding:
         encodeNext();
@@ -144,6 +153,7 @@ void AcquisitionController::resetSession(const AcquisitionSettings &settings)
     m_tally.clear();
     m_probes = ProbeQueue();
     m_plan = AcquisitionPlan();
+    m_frameStep = FrameStep::Lookup;
     m_films = EncodeQueue();
 }
 
@@ -425,13 +435,15 @@ void AcquisitionController::onImageDownloaded(int sourceId, const QDateTime &req
 {
     if (!isCurrent(sourceId, requestedUtc))
         return;
-    QImage image = FrameDecoder::decode(file);
-    if (image.isNull()) {
+    m_pictureFile.clear();
+    m_picture = QImage(); // that of the frame before: two need not be held at once
+    m_picture = FrameDecoder::decode(file);
+    if (m_picture.isNull()) {
         downloadAgain();
         return;
     }
-    if (warnOfBlankBlock(image) && writeVideoFrame(std::move(image)))
-        acceptFrame();
+    m_frameStep = FrameStep::Annotate;
+    m_nextStep.start();
 }
 
 void AcquisitionController::downloadAgain()
@@ -448,31 +460,64 @@ void AcquisitionController::downloadAgain()
         startDownload();
 }
 
-bool AcquisitionController::warnOfBlankBlock(const QImage &image)
+void AcquisitionController::takeFrameStep()
 {
-    const QString warning = detectBlankRendererBlock(image, m_lookup->answer);
-    return warning.isEmpty() || report(AcquisitionLog::blankBlock(m_lookup->request, warning));
+    switch (m_frameStep) {
+    case FrameStep::Lookup:
+        issueNextLookup();
+        break;
+    case FrameStep::Annotate:
+        annotateFrame();
+        break;
+    case FrameStep::Write:
+        writeFrame();
+        break;
+    }
 }
 
-/// Writes the annotated copy, or a plain one when that fails; films need a file for every number.
-bool AcquisitionController::writeVideoFrame(QImage image)
+void AcquisitionController::annotateFrame()
+{
+    m_frameStep = FrameStep::Write;
+    const FrameLookup &frame = *m_lookup;
+    const QString warning = detectBlankRendererBlock(m_picture, frame.answer);
+    m_picture = timestampedCopy(std::move(m_picture), frame.actualUtc, frame.request.nickname,
+                                frame.answer, m_settings.sourceOverlay, m_settings.scaleOverlay);
+    if (warning.isEmpty() || report(AcquisitionLog::blankBlock(frame.request, warning)))
+        m_nextStep.start();
+}
+
+void AcquisitionController::writeFrame()
+{
+    m_frameStep = FrameStep::Lookup;
+    QString reason;
+    bool hasVideoFrame = saveTimestampedCopy(m_picture, m_lookup->videoFrameFile, &reason);
+    if (hasVideoFrame)
+        m_pictureFile = m_lookup->videoFrameFile;
+    else if (!replaceVideoFrame(reason, &hasVideoFrame))
+        return;
+    acceptFrame(hasVideoFrame);
+}
+
+/// Copies the frame as it is in place of its annotated copy; films need a file for every number.
+bool AcquisitionController::replaceVideoFrame(const QString &reason, bool *hasVideoFrame)
 {
     const FrameLookup &frame = *m_lookup;
-    QString reason;
-    if (saveTimestampedFrame(std::move(image), frame.videoFrameFile, frame.actualUtc,
-                             frame.request.nickname, frame.answer, m_settings.sourceOverlay,
-                             m_settings.scaleOverlay, &reason))
-        return true;
     QFile::remove(frame.videoFrameFile);
-    const bool copied = QFile::copy(frame.frameFile, frame.videoFrameFile);
-    return report(copied ? AcquisitionLog::annotationFailed(frame.request, reason)
-                         : AcquisitionLog::videoFrameFailed(frame.request, reason));
+    *hasVideoFrame = QFile::copy(frame.frameFile, frame.videoFrameFile);
+    return report(*hasVideoFrame ? AcquisitionLog::annotationFailed(frame.request, reason)
+                                 : AcquisitionLog::videoFrameFailed(frame.request, reason));
 }
 
-void AcquisitionController::acceptFrame()
+/// Takes the steps that a decoded frame still has to go: what is downloaded is not to be lost.
+void AcquisitionController::completeFrame()
+{
+    while (m_stage == Stage::Acquiring && m_frameStep != FrameStep::Lookup)
+        takeFrameStep();
+}
+
+void AcquisitionController::acceptFrame(bool hasVideoFrame)
 {
     const FrameLookup frame = *std::exchange(m_lookup, std::nullopt);
-    const bool hasVideoFrame = QFileInfo::exists(frame.videoFrameFile);
     m_tally[frame.request.sourceId].countAccepted(frame.imageId, hasVideoFrame);
 
     const QDir session(m_sessionDirectory);

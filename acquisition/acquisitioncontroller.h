@@ -8,6 +8,7 @@
 #include "output/manifestwriter.h"
 #include "session/acquisitionsettings.h"
 
+#include <QImage>
 #include <QObject>
 #include <QProcess>
 #include <QTimer>
@@ -15,7 +16,6 @@
 #include <optional>
 
 class HelioviewerClient;
-class QImage;
 
 /**
  * Runs one acquisition at a time, from settings to finished films.
@@ -24,14 +24,16 @@ class QImage;
  * probes, the lookups and the downloads, ffmpeg for the films. Each step that follows another is
  * taken from the event loop and never from inside the slot of the step before: a request that
  * fails at once must not call itself, a QProcess cannot be started again from its own
- * errorOccurred, and a frame's memory is to be free before the next child is forked. The one
- * exception is a download, which starts in the slot that brought its lookup, or a picture that
- * does not decode: there the client is idle again and may be asked, no picture is held, and one
- * that fails at once only closes its request, from which the next is a step of its own.
+ * errorOccurred, and windows answer between the steps: to decode a frame, to search and annotate
+ * it, and to write its copy take a step each. The one exception is a download, which starts in the
+ * slot that brought its lookup, or a picture that does not decode: there the client is idle again
+ * and may be asked, and one that fails at once only closes its request, from which the next is a
+ * step of its own.
  *
  * Slots connected to the signals may call stop() at any time, and start() as soon as isRunning()
- * tells false. Destruction ends a session without a word: children are killed, the manifest stays,
- * no descriptor is written.
+ * tells false. A stop, and destruction, first complete a frame that is downloaded and decoded.
+ * Destruction otherwise ends a session without a word: children are killed, the manifest stays, no
+ * descriptor is written.
  */
 class AcquisitionController : public QObject
 {
@@ -51,6 +53,10 @@ public:
     bool start(const AcquisitionSettings &settings, QString *errorText = nullptr);
     /// Ends the running session as canceled before it returns; all files written so far stay.
     void stop();
+
+    /// The picture in @p imageFile, when it is that of the last previewReady and the next frame is
+    /// not decoded yet; else null, and the file is to be read.
+    QImage pictureInHand(const QString &imageFile) const;
 
 signals:
     /// A line for the log.
@@ -92,8 +98,16 @@ private:
         Stopping,  ///< stop was requested, children are being killed
     };
 
+    /// What comes next while Acquiring.
+    enum class FrameStep {
+        Lookup,   ///< the next request of the plan
+        Annotate, ///< the picture in hand is decoded
+        Write,    ///< the picture in hand is the annotated copy
+    };
+
     void enterStage(Stage stage);
     void takeNextStep();
+    void takeFrameStep();
 
     // Steps that send signals on their way give false when a slot has ended the session over one.
 
@@ -117,9 +131,11 @@ private:
     void acceptForDownload();
     void startDownload();
     void downloadAgain();
-    bool warnOfBlankBlock(const QImage &image);
-    bool writeVideoFrame(QImage image);
-    void acceptFrame();
+    void annotateFrame();
+    void writeFrame();
+    bool replaceVideoFrame(const QString &reason, bool *hasVideoFrame);
+    void acceptFrame(bool hasVideoFrame);
+    void completeFrame();
     void closeRequest(FrameStatus status, const QString &line);
     bool appendRow(const ManifestRow &row);
     void advance();
@@ -161,6 +177,9 @@ private:
     AcquisitionPlan m_plan;
     HelioviewerClient *m_client;         // child of this object; lookups and downloads
     std::optional<FrameLookup> m_lookup; // the request in flight
+    FrameStep m_frameStep = FrameStep::Lookup;
+    QImage m_picture;      // of the request in flight, then of the last accepted frame
+    QString m_pictureFile; // that shows m_picture; empty until there is one
 
     EncodeQueue m_films;
     QProcess m_ffmpeg;

@@ -51,10 +51,10 @@ public:
                          });
         QObject::connect(
             &controller, &AcquisitionController::previewReady, &m_preview,
-            [this, &watch](const QString &, const QString &imageFile) {
-                QTimer::singleShot(0, &m_preview, [this, &watch, imageFile] {
+            [this, &controller, &watch](const QString &, const QString &imageFile) {
+                QTimer::singleShot(0, &m_preview, [this, &controller, &watch, imageFile] {
                     watch.enterWindow();
-                    m_preview.showFile(imageFile);
+                    m_preview.showFrame(controller.pictureInHand(imageFile));
                     watch.leaveWindow();
                 });
             },

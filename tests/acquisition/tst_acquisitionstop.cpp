@@ -1,3 +1,4 @@
+#include "client/helioviewerclient.h"
 #include "tests/acquisition/acquisitionroad.h"
 #include "tests/support/fakeprogram.h"
 
@@ -54,6 +55,8 @@ private slots:
     void childInFlightIsKilled();
     void destructionLeavesNoChildAndNoDescriptor_data() { childInFlightIsKilled_data(); }
     void destructionLeavesNoChildAndNoDescriptor();
+    void decodedFrameIsCompleted_data();
+    void decodedFrameIsCompleted();
     void stopFromInsideASlot_data();
     void stopFromInsideASlot();
 };
@@ -120,6 +123,50 @@ void TestAcquisitionStop::destructionLeavesNoChildAndNoDescriptor()
     while (files.hasNext())
         others += files.next().endsWith(QLatin1String("manifest.csv")) ? 0 : 1;
     QCOMPARE(others, frameFiles); // whole frames stay, half ones and a descriptor do not
+}
+
+void TestAcquisitionStop::decodedFrameIsCompleted_data()
+{
+    QTest::addColumn<bool>("annotated");
+    QTest::addColumn<bool>("destroys");
+
+    QTest::newRow("stop before its annotation") << false << false;
+    QTest::newRow("stop before it is written") << true << false;
+    QTest::newRow("destruction before its annotation") << false << true;
+    QTest::newRow("destruction before it is written") << true << true;
+}
+
+void TestAcquisitionStop::decodedFrameIsCompleted()
+{
+    QFETCH(bool, annotated);
+    QFETCH(bool, destroys);
+
+    AcquisitionRoad road;
+    const QDir session(road.output.path() + QStringLiteral("/20240501_000000__20240501_001000"));
+    QFile manifest(session.filePath(QStringLiteral("manifest.csv")));
+    bool ended = false;
+    const auto end = [&] {
+        ended = true;
+        QVERIFY(manifest.open(QIODevice::ReadOnly) && manifest.readAll().count('\n') == 1);
+        if (destroys)
+            road.controller.reset();
+        else
+            road.controller->stop();
+    };
+    connect(road.controller->findChild<HelioviewerClient *>(),
+            &HelioviewerClient::renderedImageDownloaded, this, [&] {
+                if (annotated) // timers of the same length end in the order of their starts
+                    QTimer::singleShot(0, this, end);
+                else
+                    QMetaObject::invokeMethod(this, end, Qt::QueuedConnection);
+            });
+    QVERIFY(road.controller->start(AcquisitionRoad::settings(600, {AcquisitionRoad::aia()})));
+    QTRY_VERIFY(ended);
+    QVERIFY(manifest.readAll().contains(",OK,"));
+    QVERIFY(!QImage(session.filePath(QStringLiteral("AIA_171_20240501_000000/video_frames/"
+                                                    "frame_000000.png")))
+                 .isNull());
+    QCOMPARE(session.exists(QStringLiteral("session.json")), !destroys);
 }
 
 void TestAcquisitionStop::stopFromInsideASlot_data()
