@@ -11,6 +11,7 @@
 #include "base/jsonfile.h"
 #include "base/runtimeconfig.h"
 #include "client/helioviewerclient.h"
+#include "client/operationnames.h"
 #include "imaging/blankblock.h"
 #include "imaging/frameannotation.h"
 #include "imaging/framedecoder.h"
@@ -30,12 +31,6 @@
 #include <utility>
 
 namespace {
-
-const QString &downloadOperation()
-{
-    static const QString name = QStringLiteral("downloadImage");
-    return name;
-}
 
 int clampedToInt(qint64 value)
 {
@@ -115,8 +110,26 @@ QImage AcquisitionController::pictureInHand(const QString &imageFile) const
 
 // Stages
 
+bool AcquisitionController::mayFollow(Stage stage, Stage next)
+{
+    switch (stage) {
+    case Stage::Idle:
+        return next == Stage::Preflight;
+    case Stage::Preflight:
+        return next == Stage::Acquiring || next == Stage::Stopping;
+    case Stage::Acquiring:
+        return next == Stage::Encoding || next == Stage::Stopping || next == Stage::Idle;
+    case Stage::Encoding:
+        return next == Stage::Stopping || next == Stage::Idle;
+    case Stage::Stopping:
+        return next == Stage::Idle;
+    }
+    return false;
+}
+
 void AcquisitionController::enterStage(Stage stage)
 {
+    Q_ASSERT(mayFollow(m_stage, stage));
     m_nextStep.stop();
     if (m_stage == Stage::Idle || stage == Stage::Idle)
         ++m_session;
@@ -174,11 +187,10 @@ bool AcquisitionController::createSessionFiles(QString *errorText)
 /// Decides which datasources are sampled directly and which are probed first.
 void AcquisitionController::classifySources()
 {
-    m_probes = ProbeQueue(SessionOpening::probeWindows(m_settings));
-    for (const DataSource &source : std::as_const(m_settings.sources))
-        m_tally[source.sourceId].mode = SourceTiming::isDense(source)
-                                            ? PreflightMode::DirectDenseSource
-                                            : PreflightMode::QuickProbe;
+    const QVector<ProbeWindow> windows = SessionOpening::probeWindows(m_settings);
+    for (const ProbeWindow &window : windows)
+        m_tally[window.source.sourceId].mode = PreflightMode::QuickProbe;
+    m_probes = ProbeQueue(windows);
 }
 
 bool AcquisitionController::announceSession()
@@ -255,7 +267,7 @@ void AcquisitionController::onFrameIndex(int sourceId, const QDateTime &startUtc
 
 void AcquisitionController::onPreflightError(const QString &operation, const QString &message)
 {
-    if (operation != QLatin1String("getJPX"))
+    if (operation != OperationNames::getJpx())
         return;
     if (const std::optional<ProbeWindow> window = releaseProbe())
         fallBack(window->source, AcquisitionLog::probeFailed(window->source, message));
@@ -371,8 +383,8 @@ void AcquisitionController::onClientError(const QString &operation, const QStrin
     if (!m_lookup->actualUtc.isValid()) // no verdict has read it
         m_lookup->toleranceSeconds = SourceTiming::toleranceSeconds(m_lookup->request, m_settings);
     m_lookup->answer = QJsonObject();
-    closeRequest(operation == downloadOperation() ? FrameStatus::DownloadError
-                                                  : FrameStatus::LookupError,
+    closeRequest(operation == OperationNames::downloadImage() ? FrameStatus::DownloadError
+                                                              : FrameStatus::LookupError,
                  AcquisitionLog::requestFailed(m_lookup->request, operation, message));
 }
 

@@ -105,6 +105,7 @@ private:
         Write,    ///< the picture in hand is the annotated copy
     };
 
+    static bool mayFollow(Stage stage, Stage next);
     void enterStage(Stage stage);
     void takeNextStep();
     void takeFrameStep();

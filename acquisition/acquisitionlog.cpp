@@ -157,7 +157,7 @@ QString AcquisitionLog::sourceTiming(const DataSource &source, SourceTimingProfi
                                      int toleranceSeconds)
 {
     return QStringLiteral("Timing %1: profile=%2, tolerance=%3 s")
-        .arg(source.nickname, toText(profile), number(toleranceSeconds));
+        .arg(source.nickname, SourceTiming::toText(profile), number(toleranceSeconds));
 }
 
 QString AcquisitionLog::probeNote(const DataSource &source, const QString &note)

@@ -13,13 +13,13 @@ SessionSourceRecord sourceRecord(const DataSource &source, const SourceTally &ta
     SessionSourceRecord record;
     record.source = source;
     record.archiveName = tally.folder.name;
-    record.timingProfile = toText(SourceTiming::profileOf(source));
+    record.timingProfile = SourceTiming::toText(SourceTiming::profileOf(source));
     record.maxTimeErrorSeconds = toleranceSeconds;
     record.acceptedFrames = tally.acceptedFrames;
     record.timestampedVideoFrames = tally.timestampedVideoFrames;
     record.duplicateRequests = tally.duplicateRequests;
     record.rejectedTimeRequests = tally.rejectedTimeRequests;
-    record.preflightMode = toText(tally.mode);
+    record.preflightMode = tally.mode;
     record.preflightUniqueFrames = qMax(tally.cadence.uniqueFrames, 0);
     record.medianSeconds = tally.cadence.medianSeconds;
     record.minSeconds = tally.cadence.minSeconds;
@@ -28,19 +28,6 @@ SessionSourceRecord sourceRecord(const DataSource &source, const SourceTally &ta
 }
 
 } // namespace
-
-QString toText(PreflightMode mode)
-{
-    switch (mode) {
-    case PreflightMode::DirectDenseSource:
-        return QStringLiteral("direct-dense-source");
-    case PreflightMode::QuickProbe:
-        return QStringLiteral("quick-probe");
-    case PreflightMode::Fallback:
-        break;
-    }
-    return QStringLiteral("fallback");
-}
 
 void SourceTally::count(FrameStatus status)
 {
