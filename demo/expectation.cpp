@@ -2,7 +2,7 @@
 
 #include "acquisition/acquisitionsettings.h"
 #include "app/runtimeconfig.h"
-#include "simulator/archive.h"
+#include "simulator/archive/archive.h"
 
 #include <algorithm>
 #include <set>

@@ -1,7 +1,7 @@
-#include "simulator/archive.h"
-#include "simulator/endpoints.h"
-#include "simulator/faultyanswers.h"
-#include "simulator/picturestore.h"
+#include "simulator/archive/archive.h"
+#include "simulator/service/endpoints.h"
+#include "simulator/service/faultyanswers.h"
+#include "simulator/service/picturestore.h"
 
 #include <QTest>
 #include <QUrlQuery>

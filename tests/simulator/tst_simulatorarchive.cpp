@@ -1,6 +1,6 @@
-#include "simulator/archive.h"
-#include "simulator/jpxframes.h"
-#include "simulator/servicetime.h"
+#include "simulator/archive/archive.h"
+#include "simulator/archive/servicetime.h"
+#include "simulator/service/jpxframes.h"
 
 #include <QScopeGuard>
 #include <QTest>

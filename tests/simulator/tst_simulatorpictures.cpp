@@ -1,7 +1,7 @@
 #include "imaging/blankblock.h"
-#include "simulator/archive.h"
-#include "simulator/imagegeometry.h"
-#include "simulator/picturestore.h"
+#include "simulator/archive/archive.h"
+#include "simulator/archive/imagegeometry.h"
+#include "simulator/service/picturestore.h"
 
 #include <QImage>
 #include <QJsonObject>
