@@ -13,12 +13,12 @@ std::vector<Cadence> cadencesOf(const QVector<ArchiveSource> &sources)
     return {sources.begin(), sources.end()};
 }
 
-std::vector<qint64> firstNumbersOf(const std::vector<Cadence> &cadences)
+std::vector<qint64> firstIdsOf(const std::vector<Cadence> &cadences)
 {
-    std::vector<qint64> numbers{0};
+    std::vector<qint64> ids{1};
     for (const Cadence &cadence : cadences)
-        numbers.push_back(numbers.back() + cadence.slotCount());
-    return numbers;
+        ids.push_back(ids.back() + cadence.slotCount());
+    return ids;
 }
 
 } // namespace
@@ -26,8 +26,7 @@ std::vector<qint64> firstNumbersOf(const std::vector<Cadence> &cadences)
 Archive::Archive(QVector<ArchiveSource> sources)
     : m_sources(std::move(sources))
     , m_cadences(cadencesOf(m_sources))
-    , m_firstNumbers(firstNumbersOf(m_cadences))
-    , m_ids(m_firstNumbers.back())
+    , m_firstIds(firstIdsOf(m_cadences))
 {}
 
 Archive::~Archive() = default;
@@ -78,21 +77,19 @@ std::optional<ArchiveImage> Archive::atOrBefore(int sourceId, qint64 unixTime) c
 
 qint64 Archive::idOf(const ArchiveImage &image) const
 {
-    return m_ids.idOf(m_firstNumbers[size_t(image.sourceIndex)] + image.slot);
+    return m_firstIds[size_t(image.sourceIndex)] + image.slot;
 }
 
 std::optional<ArchiveImage> Archive::imageOf(qint64 id) const
 {
-    const std::optional<qint64> number = m_ids.numberOf(id);
-    if (!number)
+    if (id < m_firstIds.front() || id >= m_firstIds.back())
         return std::nullopt;
-    const auto after = std::upper_bound(m_firstNumbers.begin(), m_firstNumbers.end(), *number);
-    const int index = int(std::prev(after) - m_firstNumbers.begin());
-    const Cadence &cadence = m_cadences[size_t(index)];
-    const qint64 slot = *number - m_firstNumbers[size_t(index)];
-    if (!cadence.isPresent(slot))
+    const auto after = std::upper_bound(m_firstIds.begin(), m_firstIds.end(), id);
+    const auto index = size_t(std::prev(after) - m_firstIds.begin());
+    const qint64 slot = id - m_firstIds[index];
+    if (!m_cadences[index].isPresent(slot))
         return std::nullopt;
-    return ArchiveImage{index, slot, cadence.timeOf(slot)};
+    return ArchiveImage{int(index), slot, m_cadences[index].timeOf(slot)};
 }
 
 } // namespace Simulator

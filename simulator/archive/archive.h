@@ -1,10 +1,6 @@
 #pragma once
 
-#include "simulator/archive/imageids.h"
-
-#include <QSize>
 #include <QString>
-#include <QStringList>
 #include <QVector>
 
 #include <memory>
@@ -17,34 +13,11 @@ namespace Simulator {
 
 class Cadence;
 
-/// When a datasource takes pictures.
+/// When a datasource takes pictures: every spacing seconds, each moved by up to the jitter.
 enum class CadenceLaw {
-    Regular,  ///< every spacing seconds
-    Jittered, ///< as Regular, each moved by up to jitterSeconds
-    Gaps,     ///< as Jittered, with single pictures and whole stretches missing
-    Bursts,   ///< runs of pictures with long pauses between
-};
-
-/// Whose distance from the Sun sets the size of the disk.
-enum class Orbit {
-    Fixed,       ///< always the radius given
-    Earth,       ///< the radius given is the one at 1 au
-    SunEarthL1,  ///< as Earth, one per cent closer to the Sun
-    SolarOrbiter ///< as Earth, on an orbit between 0.29 and 0.95 au
-};
-
-/// How pictures of one datasource differ in size and place.
-enum class Framing {
-    Whole,    ///< all alike
-    Binned,   ///< the whole field at a full, half, quarter or eighth of the native size
-    SubField, ///< parts of the Sun: the reference pixel moves from picture to picture
-};
-
-/// From a time on, another spacing holds.
-struct CadenceChange
-{
-    QString from; ///< "2022-01-01 00:00:00"
-    int spacingSeconds = 0;
+    Steady,
+    Gaps,  ///< single pictures and whole stretches of hours are missing
+    Bursts ///< runs of pictures with long pauses between
 };
 
 /// What the service knows of one datasource.
@@ -55,25 +28,18 @@ struct ArchiveSource
     int sourceId = 0;
     int widthPx = 4096; ///< native
     int heightPx = 4096;
-    double rsunPx = 1600.0; ///< solar radius in native pixels
-    double refPixelX = 2048.5;
+    double rsunPx = 1600.0;    ///< solar radius in native pixels, at 1 au
+    double refPixelX = 2048.5; ///< of the disk's centre, first pixel 1; may lie outside
     double refPixelY = 2048.5; ///< counted from the bottom edge
     QString start;             ///< "2010-06-02 00:05:36"; null without any image
     QString end;
-    CadenceLaw law = CadenceLaw::Regular;
+    CadenceLaw law = CadenceLaw::Steady;
     int spacingSeconds = 36;
     int jitterSeconds = 0;
-
-    QVector<CadenceChange> changes; ///< in ascending order
-    int oddShiftSeconds = 0;        ///< every second picture is taken that much later
-    int dayStartHour = 0;           ///< UTC hours of observation; equal when it never stops
-    int dayEndHour = 0;
-    Orbit orbit = Orbit::Fixed;
-    Framing framing = Framing::Whole;
+    bool staysWithEarth = false; ///< nearer to the Sun in January than in July
+    double rollDegrees = 0.0;    ///< of the telescope; 0 where the images' headers tell none
     int layeringOrder = 1;
-    QStringList levelLabels;     ///< names of the levels of the path; empty for the usual ones
-    int groupedSourceId = -1;    ///< a group has no pictures of its own but shows those of this one
-    bool alphaWhereDark = false; ///< black pixels are transparent
+    int groupedSourceId = -1; ///< a group has no pictures of its own but shows those of this one
 };
 
 /// One picture of the archive.
@@ -87,7 +53,7 @@ struct ArchiveImage
 /**
  * All datasources of a service.
  *
- * Which pictures exist is computed, not stored: an archive of 15 years takes no memory.
+ * Which pictures exist is computed, not stored: an archive of 30 years takes no memory.
  */
 class Archive
 {
@@ -111,7 +77,7 @@ public:
     std::optional<ArchiveImage> atOrAfter(int sourceId, qint64 unixTime) const;
     std::optional<ArchiveImage> atOrBefore(int sourceId, qint64 unixTime) const;
 
-    /// Ids are positive and not in the order of time.
+    /// Ids are positive; those of one datasource follow those of another.
     qint64 idOf(const ArchiveImage &image) const;
     std::optional<ArchiveImage> imageOf(qint64 id) const;
 
@@ -120,9 +86,8 @@ private:
     std::optional<ArchiveImage> search(int sourceId, qint64 unixTime, Search how) const;
 
     QVector<ArchiveSource> m_sources;
-    std::vector<Cadence> m_cadences;    // one per source
-    std::vector<qint64> m_firstNumbers; // of each source's slots, and the number after all
-    ImageIds m_ids;
+    std::vector<Cadence> m_cadences; // one per source
+    std::vector<qint64> m_firstIds;  // of each source's slots, and the id after all
 };
 
 } // namespace Simulator

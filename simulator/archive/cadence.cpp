@@ -27,62 +27,27 @@ bool isWithin(qint64 unixTime, qint64 cycle, quint64 seed, double shortest, doub
 } // namespace
 
 Cadence::Cadence(const ArchiveSource &source)
-    : m_seed(hashOf(0x5a17, quint64(source.sourceId)))
-    , m_jitterSeconds(source.law == CadenceLaw::Regular ? 0 : source.jitterSeconds)
-    , m_oddShiftSeconds(source.oddShiftSeconds)
-    , m_dayStartHour(source.dayStartHour)
-    , m_dayEndHour(source.dayEndHour)
-    , m_hasBursts(source.law == CadenceLaw::Bursts)
-    , m_hasGaps(source.law == CadenceLaw::Gaps)
+    : m_law(source.law)
+    , m_spacing(std::max(source.spacingSeconds, 1))
+    , m_jitterSeconds(source.jitterSeconds)
+    , m_seed(hashOf(0x5a17, quint64(source.sourceId)))
 {
     const std::optional<qint64> start = parseArchiveTime(source.start);
     const std::optional<qint64> end = parseArchiveTime(source.end);
     if (!start || !end || *end < *start)
         return;
-    addEpoch(*start, source.spacingSeconds);
-    for (const CadenceChange &change : source.changes) {
-        const std::optional<qint64> from = parseArchiveTime(change.from);
-        if (from && *from > *start && *from < *end)
-            addEpoch(*from, change.spacingSeconds);
-    }
-    countSlots(*end);
-}
-
-void Cadence::addEpoch(qint64 from, int spacingSeconds)
-{
-    Epoch epoch{from, 0, std::max(spacingSeconds, 1)};
-    if (!m_epochs.empty()) {
-        const Epoch &last = m_epochs.back();
-        epoch.firstSlot = last.firstSlot + std::max<qint64>((from - last.from) / last.spacing, 1);
-    }
-    m_epochs.push_back(epoch);
-}
-
-void Cadence::countSlots(qint64 end)
-{
-    const Epoch &last = m_epochs.back();
-    m_slotCount = last.firstSlot + (end - last.from) / last.spacing + 2;
-    while (m_slotCount > 1 && timeOf(m_slotCount - 1) > end)
+    m_start = *start;
+    m_slotCount = (*end - *start) / m_spacing + 2;
+    while (m_slotCount > 1 && timeOf(m_slotCount - 1) > *end)
         --m_slotCount;
-}
-
-const Cadence::Epoch &Cadence::epochOf(qint64 slot) const
-{
-    const auto after =
-        std::upper_bound(m_epochs.begin(), m_epochs.end(), slot,
-                         [](qint64 value, const Epoch &epoch) { return value < epoch.firstSlot; });
-    return *std::prev(after);
 }
 
 qint64 Cadence::timeOf(qint64 slot) const
 {
-    const Epoch &epoch = epochOf(slot);
-    const qint64 time = epoch.from + (slot - epoch.firstSlot) * epoch.spacing;
-    if (slot == epoch.firstSlot)
-        return time; // the catalog's start is a picture's very time
-    const qint64 shift = (slot - epoch.firstSlot) % 2 == 1 ? m_oddShiftSeconds : 0;
+    if (slot == 0)
+        return m_start; // the catalog's start is a picture's very time
     const double jitter = (2.0 * chance(m_seed, quint64(slot)) - 1.0) * m_jitterSeconds;
-    return time + shift + qRound(jitter);
+    return m_start + slot * m_spacing + qRound(jitter);
 }
 
 bool Cadence::isPresent(qint64 slot) const
@@ -91,9 +56,15 @@ bool Cadence::isPresent(qint64 slot) const
         return false;
     if (slot == 0 || slot == m_slotCount - 1)
         return true; // the catalog names them as start and end
-    const qint64 time = timeOf(slot);
-    return isObservingHour(time) && !(m_hasGaps && isInGap(slot, time)) &&
-           !(m_hasBursts && !isInBurst(time));
+    switch (m_law) {
+    case CadenceLaw::Steady:
+        return true;
+    case CadenceLaw::Gaps:
+        return !isInGap(slot, timeOf(slot));
+    case CadenceLaw::Bursts:
+        return isInBurst(timeOf(slot));
+    }
+    return false;
 }
 
 bool Cadence::isInBurst(qint64 unixTime) const
@@ -108,23 +79,9 @@ bool Cadence::isInGap(qint64 slot, qint64 unixTime) const
            isWithin(unixTime, gapCycle, m_seed + 4, 0.01, 0.08);
 }
 
-bool Cadence::isObservingHour(qint64 unixTime) const
-{
-    const int hour = int(unixTime / secondsPerHour % 24);
-    if (m_dayStartHour <= m_dayEndHour)
-        return m_dayStartHour == m_dayEndHour || (hour >= m_dayStartHour && hour < m_dayEndHour);
-    return hour >= m_dayStartHour || hour < m_dayEndHour; // the day there spans midnight here
-}
-
 qint64 Cadence::slotNear(qint64 unixTime) const
 {
-    const auto after =
-        std::upper_bound(m_epochs.begin() + 1, m_epochs.end(), unixTime,
-                         [](qint64 value, const Epoch &epoch) { return value < epoch.from; });
-    const Epoch &epoch = *std::prev(after);
-    const qint64 behind = after == m_epochs.end() ? m_slotCount : after->firstSlot;
-    return std::clamp(epoch.firstSlot + (unixTime - epoch.from) / epoch.spacing, qint64(0),
-                      behind - 1);
+    return std::clamp((unixTime - m_start) / m_spacing, qint64(0), m_slotCount - 1);
 }
 
 std::optional<qint64> Cadence::slotAtOrAfter(qint64 unixTime) const

@@ -3,11 +3,11 @@
 #include <QtGlobal>
 
 #include <optional>
-#include <vector>
 
 namespace Simulator {
 
 struct ArchiveSource;
+enum class CadenceLaw;
 
 /**
  * The times at which one datasource has pictures, as a function of the picture's number.
@@ -32,30 +32,16 @@ public:
     std::optional<qint64> nearestSlot(qint64 unixTime) const;
 
 private:
-    struct Epoch
-    {
-        qint64 from = 0;
-        qint64 firstSlot = 0;
-        qint64 spacing = 1;
-    };
-
-    void addEpoch(qint64 from, int spacingSeconds);
-    void countSlots(qint64 end);
-    const Epoch &epochOf(qint64 slot) const;
     qint64 slotNear(qint64 unixTime) const;
     bool isInBurst(qint64 unixTime) const;
     bool isInGap(qint64 slot, qint64 unixTime) const;
-    bool isObservingHour(qint64 unixTime) const;
 
-    std::vector<Epoch> m_epochs;
-    qint64 m_slotCount = 0;
-    quint64 m_seed;
+    CadenceLaw m_law;
+    qint64 m_start = 0;
+    qint64 m_spacing;
     int m_jitterSeconds;
-    int m_oddShiftSeconds;
-    int m_dayStartHour;
-    int m_dayEndHour;
-    bool m_hasBursts;
-    bool m_hasGaps;
+    quint64 m_seed;
+    qint64 m_slotCount = 0;
 };
 
 } // namespace Simulator

@@ -12,8 +12,9 @@ std::optional<qint64> parseArchiveTime(const QString &text)
     // missing.
     const QDate date = QDate::fromString(text.left(10), QStringLiteral("yyyy-MM-dd"));
     const QTime timeOfDay = QTime::fromString(text.mid(10), QStringLiteral(" HH:mm:ss"));
-    const QDateTime time(date, timeOfDay, Qt::UTC);
-    return time.isValid() ? std::optional<qint64>(time.toSecsSinceEpoch()) : std::nullopt;
+    if (!date.isValid() || !timeOfDay.isValid())
+        return std::nullopt;
+    return QDateTime(date, timeOfDay, Qt::UTC).toSecsSinceEpoch();
 }
 
 QString archiveTimeText(qint64 unixTime)

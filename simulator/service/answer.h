@@ -1,23 +1,25 @@
 #pragma once
 
 #include <QByteArray>
-#include <QPair>
 #include <QString>
-#include <QVector>
+
+class QJsonObject;
 
 namespace Simulator {
 
-/// What the service sends: status line, headers of its own, body.
+/// What the service sends.
 struct Answer
 {
     int status = 200;
-    QByteArray contentType = QByteArrayLiteral("application/json");
+    QByteArray contentType;
     QByteArray body;
-    QVector<QPair<QByteArray, QByteArray>> headers;
 };
 
-/// 200 unless told otherwise, "application/json".
-Answer jsonAnswer(const QByteArray &body);
+/// "Service Unavailable"
+QByteArray reasonOf(int status);
+
+/// On one line and in the service's spelling, "/" as "\/".
+Answer jsonAnswer(const QJsonObject &object, int status = 200);
 /// 400: a web page that holds the text after "Error:".
 Answer pageOfError(const QString &text, int status = 400);
 /// 500: {"error":TEXT,"errno":N}

@@ -1,11 +1,17 @@
 #pragma once
 
+#include <QObject>
+
 #include <limits>
+#include <optional>
 
 namespace Simulator {
 
+Q_NAMESPACE
+
 /// The four requests that Orvik makes.
 enum class Operation { GetDataSources, GetJPX, GetClosestImage, DownloadImage };
+Q_ENUM_NS(Operation)
 
 /// What can be wrong with an answer.
 enum class FaultKind {
@@ -31,6 +37,7 @@ enum class FaultKind {
     LeadingNewline,   ///< the true answer after an empty line
     NoRsun,           ///< a closest image of an older server, without "rsun"
 };
+Q_ENUM_NS(FaultKind)
 
 /// Applies to requests first .. first + count - 1 of one operation, counted from 1.
 struct Fault
@@ -41,5 +48,9 @@ struct Fault
     int first = 1;
     int count = std::numeric_limits<int>::max();
 };
+
+/// "GetClosestImage:Status:503:2:1": a fault's members in order, of which the last three may be
+/// left out. None when it is no such text.
+std::optional<Fault> faultFromText(const QString &text);
 
 } // namespace Simulator

@@ -2,22 +2,33 @@
 
 #include "simulator/service/fault.h"
 
+#include <QMutex>
 #include <QVector>
+
+#include <array>
 
 namespace Simulator {
 
-/// Which faults befall which request.
+/**
+ * Counts requests and knows which faults befall which.
+ *
+ * May be used from several threads.
+ */
 class FaultPlan
 {
 public:
-    void add(const Fault &fault) { m_faults.append(fault); }
-    void clear() { m_faults.clear(); }
+    void add(const Fault &fault);
+    void clear();
 
-    /// The faults of the @p number th request of an operation, counted from 1, as added.
-    QVector<Fault> of(Operation operation, int number) const;
+    /// Counts one more request of an operation; gives the faults that befall it, as added.
+    QVector<Fault> next(Operation operation);
+    int count(Operation operation) const;
+    void clearCounts();
 
 private:
+    mutable QMutex m_mutex;
     QVector<Fault> m_faults;
+    std::array<int, 4> m_counts{}; // by operation
 };
 
 /// The first fault of a kind, or null; @p faults must outlive the result.

@@ -1,89 +1,55 @@
 #include "simulator/service/httpservice.h"
 
 #include "simulator/service/faultyanswers.h"
-#include "simulator/service/listener.h"
+
+#include <QFile>
+#include <QSslSocket>
+#include <QTimer>
+#include <QUrl>
+#include <QUrlQuery>
+
+#include <sys/socket.h>
 
 namespace Simulator {
 
 namespace {
 
-constexpr int withoutLimit = -1;
-
-struct Endpoint
+/// None for a path that is no request of ours.
+std::optional<Operation> operationAt(const QString &path)
 {
-    const char *path;
-    Operation operation;
-};
-
-constexpr Endpoint endpoints[] = {
-    {"/v2/getDataSources/", Operation::GetDataSources},
-    {"/v2/getJPX/", Operation::GetJPX},
-    {"/v2/getClosestImage/", Operation::GetClosestImage},
-    {"/v2/downloadImage/", Operation::DownloadImage},
-};
-
-const Endpoint *endpointOf(const std::string &path)
-{
-    for (const Endpoint &endpoint : endpoints)
-        if (path == endpoint.path)
-            return &endpoint;
-    return nullptr;
+    static const QStringList endpoints = {
+        QStringLiteral("/v2/getDataSources/"), QStringLiteral("/v2/getJPX/"),
+        QStringLiteral("/v2/getClosestImage/"), QStringLiteral("/v2/downloadImage/")};
+    const int index = endpoints.indexOf(path);
+    return index < 0 ? std::nullopt : std::optional<Operation>(Operation(index));
 }
 
-/// What follows the "?", as it came.
-QByteArray rawQuery(const httplib::Request &request)
+QByteArray headOf(const Answer &answer)
 {
-    const size_t mark = request.target.find('?');
-    return mark == std::string::npos ? QByteArray()
-                                     : QByteArray::fromStdString(request.target.substr(mark + 1));
+    QByteArray head = "HTTP/1.1 " + QByteArray::number(answer.status) + ' ' +
+                      reasonOf(answer.status) + "\r\nContent-Type: " + answer.contentType +
+                      "\r\nContent-Length: " + QByteArray::number(answer.body.size());
+    if (answer.status == 429)
+        head += "\r\nRetry-After: 1";
+    return head + "\r\nConnection: close\r\n\r\n";
 }
 
-Query queryOf(const httplib::Request &request)
+/// Once what is underway has gone out.
+void sendAndClose(QTcpSocket *socket, const QByteArray &bytes)
 {
-    Query query;
-    for (const auto &parameter : request.params)
-        query.insert(QString::fromStdString(parameter.first),
-                     QString::fromStdString(parameter.second));
-    return query;
+    socket->write(bytes);
+    socket->disconnectFromHost();
 }
 
-void send(const Answer &answer, httplib::Response &response)
+/// The peer learns that the rest is lost.
+void sendAndReset(QTcpSocket *socket, const QByteArray &bytes)
 {
-    response.status = answer.status;
-    for (const auto &header : answer.headers)
-        response.set_header(header.first.toStdString(), header.second.toStdString());
-    response.set_content(answer.body.constData(), size_t(answer.body.size()),
-                         answer.contentType.toStdString());
+    socket->write(bytes);
+    socket->flush();
+    const linger atOnce{1, 0}; // closing then resets the connection
+    setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    socket->abort();
 }
-
-/// Declares the whole body, sends half of it and breaks the connection.
-void sendHalf(const Answer &answer, httplib::Response &response, bool reset)
-{
-    send(answer, response);
-    response.body.clear();
-    response.headers.erase("Content-Type"); // the provider names it again
-    const QByteArray half = answer.body.left(answer.body.size() / 2);
-    response.set_content_provider(size_t(answer.body.size()), answer.contentType.toStdString(),
-                                  [half, reset](size_t, size_t, httplib::DataSink &sink) {
-                                      sink.write(half.constData(), size_t(half.size()));
-                                      Connection::current()->breakOff(reset);
-                                      return false;
-                                  });
-}
-
-/// Ends the request's entry when it has been served.
-class InFlight
-{
-public:
-    explicit InFlight(Journal &journal) : m_journal(journal) {}
-    ~InFlight() { m_journal.end(); }
-
-    InFlight(const InFlight &) = delete;
-    InFlight &operator=(const InFlight &) = delete;
-
-private:
-    Journal &m_journal;
-};
 
 } // namespace
 
@@ -91,41 +57,80 @@ HttpService::HttpService(std::shared_ptr<const Archive> archive)
     : m_archive(std::move(archive)), m_pictures(m_archive)
 {}
 
-void HttpService::serve(const httplib::Request &request, httplib::Response &response)
+void HttpService::encrypt(const QString &certificateFile, const QString &keyFile)
 {
-    const Endpoint *endpoint = endpointOf(request.path);
-    if (!endpoint) {
-        const bool isAction = request.path.rfind("/v2/", 0) == 0;
-        send(isAction ? pageOfError(QStringLiteral("Unknown action: %1")
-                                        .arg(QString::fromStdString(request.path.substr(4))))
-                      : answerWithStatus(404),
-             response);
-        return;
-    }
-    const InFlight inFlight(m_journal);
-    const QVector<Fault> faults = m_journal.begin(endpoint->operation, rawQuery(request));
-    serveFaulty(endpoint->operation, request, faults, response);
+    m_certificate = QSslCertificate::fromPath(certificateFile).value(0);
+    QFile file(keyFile);
+    if (file.open(QIODevice::ReadOnly))
+        m_key = QSslKey(&file, QSsl::Ec);
 }
 
-void HttpService::serveFaulty(Operation operation, const httplib::Request &request,
-                              const QVector<Fault> &faults, httplib::Response &response)
+int HttpService::listenOn(int port)
 {
-    Connection *connection = Connection::current();
-    if (const Fault *delay = findFault(faults, FaultKind::Delay))
-        connection->waitUntilClosed(delay->value);
-    if (findFault(faults, FaultKind::Hang))
-        connection->waitUntilClosed(withoutLimit);
-    if (findFault(faults, FaultKind::Hang) || findFault(faults, FaultKind::Refuse)) {
-        connection->breakOff(false);
+    return listen(QHostAddress::LocalHost, quint16(port)) ? serverPort() : 0;
+}
+
+void HttpService::breakOff()
+{
+    close();
+    qDeleteAll(findChildren<QTcpSocket *>());
+}
+
+void HttpService::incomingConnection(qintptr descriptor)
+{
+    auto *encrypted = m_certificate.isNull() ? nullptr : new QSslSocket(this);
+    QTcpSocket *socket = encrypted ? encrypted : new QTcpSocket(this);
+    socket->setSocketDescriptor(descriptor);
+    connect(socket, &QTcpSocket::readyRead, this, [this, socket] { readRequest(socket); });
+    connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    if (!encrypted)
+        return;
+    encrypted->setLocalCertificate(m_certificate);
+    encrypted->setPrivateKey(m_key);
+    encrypted->startServerEncryption();
+}
+
+void HttpService::readRequest(QTcpSocket *socket)
+{
+    if (!socket->peek(socket->bytesAvailable()).contains("\r\n\r\n"))
+        return; // the rest is on its way
+    const QList<QByteArray> words = socket->readLine().split(' ');
+    socket->readAll(); // no header changes an answer
+    const QUrl target = QUrl::fromEncoded(words.value(1));
+    const std::optional<Operation> operation = operationAt(target.path());
+    if (words.at(0) != "GET" || !operation) {
+        const Answer answer = pageOfError(QStringLiteral("Invalid action specified."));
+        sendAndClose(socket, headOf(answer) + answer.body);
         return;
     }
-    const Answer answer = answerOf(operation, *m_archive, m_pictures, queryOf(request), faults);
-    if (const Fault *fault = findFault(faults, FaultKind::ResetInBody))
-        sendHalf(answer, response, fault->value == 0);
+    serve(socket, *operation, QUrlQuery(target), m_faults.next(*operation));
+}
+
+void HttpService::serve(QTcpSocket *socket, Operation operation, const QUrlQuery &query,
+                        const QVector<Fault> &faults)
+{
+    if (findFault(faults, FaultKind::Hang))
+        return; // until the peer has waited long enough
+    const Fault *delay = findFault(faults, FaultKind::Delay);
+    if (findFault(faults, FaultKind::Refuse))
+        socket->disconnectFromHost();
+    else if (delay)
+        QTimer::singleShot(delay->value, socket, [=] { send(socket, operation, query, faults); });
     else
-        send(answer, response);
-    if (answer.status >= 301 && answer.status <= 308)
-        response.set_header("Location", request.target); // comes round to where it was
+        send(socket, operation, query, faults);
+}
+
+void HttpService::send(QTcpSocket *socket, Operation operation, const QUrlQuery &query,
+                       const QVector<Fault> &faults)
+{
+    const Answer answer = answerOf(operation, *m_archive, m_pictures, query, faults);
+    const Fault *broken = findFault(faults, FaultKind::ResetInBody);
+    if (!broken)
+        sendAndClose(socket, headOf(answer) + answer.body);
+    else if (broken->value == 0)
+        sendAndReset(socket, headOf(answer) + answer.body.left(answer.body.size() / 2));
+    else
+        sendAndClose(socket, headOf(answer) + answer.body.left(answer.body.size() / 2));
 }
 
 } // namespace Simulator

@@ -2,7 +2,7 @@
 
 #include <QByteArray>
 #include <QCache>
-#include <QMutex>
+#include <QPair>
 
 #include <memory>
 
@@ -10,32 +10,21 @@ namespace Simulator {
 
 class Archive;
 struct ArchiveImage;
-struct IndexedPicture;
 
-/**
- * Renders images of the archive and keeps the most recently used ones.
- *
- * May be used from several threads.
- */
+/// Renders images of the archive and keeps the most recently used ones.
 class PictureStore
 {
 public:
     explicit PictureStore(std::shared_ptr<const Archive> archive);
 
-    /// How much the kept pictures may take together.
-    void setLimit(qint64 bytes);
-
     /// The whole image as a PNG @p widthPx wide, which is at most its native width.
     QByteArray png(const ArchiveImage &image, int widthPx);
-    /// The same with one block of the renderer left empty; never kept.
-    QByteArray pngWithMissingBlock(const ArchiveImage &image, int widthPx, bool transparent) const;
 
 private:
-    IndexedPicture render(const ArchiveImage &image, int widthPx) const;
+    using Key = QPair<qint64, int>; // id and width
 
     std::shared_ptr<const Archive> m_archive;
-    QMutex m_mutex;
-    QCache<QByteArray, QByteArray> m_kept; // costs are kilobytes
+    QCache<Key, QByteArray> m_kept; // costs are kilobytes
 };
 
 } // namespace Simulator

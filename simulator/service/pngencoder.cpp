@@ -1,10 +1,12 @@
 #include "simulator/service/pngencoder.h"
 
-#include "simulator/sun/indexedpicture.h"
+#include <QByteArray>
+#include <QImage>
 
 #include <png.h>
 #include <zlib.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace Simulator {
@@ -21,15 +23,13 @@ void setPalette(png_structp png, png_infop info, const QVector<QRgb> &palette)
 {
     std::vector<png_color> colours;
     std::vector<png_byte> alphas;
-    bool isOpaque = true;
     for (const QRgb colour : palette) {
         colours.push_back(
             {png_byte(qRed(colour)), png_byte(qGreen(colour)), png_byte(qBlue(colour))});
         alphas.push_back(png_byte(qAlpha(colour)));
-        isOpaque = isOpaque && qAlpha(colour) == 255;
     }
     png_set_PLTE(png, info, colours.data(), int(colours.size()));
-    if (!isOpaque)
+    if (std::any_of(alphas.begin(), alphas.end(), [](png_byte alpha) { return alpha < 255; }))
         png_set_tRNS(png, info, alphas.data(), int(alphas.size()), nullptr);
 }
 
@@ -45,28 +45,23 @@ void setPacking(png_structp png)
 
 } // namespace
 
-QByteArray encodePng(const IndexedPicture &picture)
+QByteArray encodePng(const QImage &picture)
 {
     QByteArray bytes;
-    bytes.reserve(int(picture.pixels.size()) + 4096);
+    bytes.reserve(picture.width() * picture.height());
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png_create_info_struct(png);
     png_set_write_fn(png, &bytes, append, nullptr);
     setPacking(png);
-    png_set_IHDR(png, info, png_uint_32(picture.widthPx), png_uint_32(picture.heightPx), 8,
+    png_set_IHDR(png, info, png_uint_32(picture.width()), png_uint_32(picture.height()), 8,
                  PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_ADAM7, PNG_COMPRESSION_TYPE_DEFAULT,
                  PNG_FILTER_TYPE_DEFAULT);
-    setPalette(png, info, picture.palette);
-    png_write_info(png, info);
-    std::vector<png_const_bytep> rows;
-    rows.reserve(size_t(picture.heightPx));
-    for (int row = 0; row < picture.heightPx; ++row)
-        rows.push_back(picture.pixels.data() + size_t(row) * size_t(picture.widthPx));
-    const int passes = png_set_interlace_handling(png);
-    for (int pass = 0; pass < passes; ++pass)
-        for (png_const_bytep row : rows)
-            png_write_row(png, row);
-    png_write_end(png, info);
+    setPalette(png, info, picture.colorTable());
+    std::vector<png_bytep> rows;
+    for (int row = 0; row < picture.height(); ++row)
+        rows.push_back(const_cast<png_bytep>(picture.constScanLine(row))); // only read
+    png_set_rows(png, info, rows.data());
+    png_write_png(png, info, PNG_TRANSFORM_IDENTITY, nullptr);
     png_destroy_write_struct(&png, &info);
     return bytes;
 }

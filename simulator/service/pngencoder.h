@@ -1,12 +1,11 @@
 #pragma once
 
-#include <QByteArray>
+class QByteArray;
+class QImage;
 
 namespace Simulator {
 
-struct IndexedPicture;
-
-/// An 8-bit, interlaced (Adam7) palette PNG, as the service's renderer writes them.
-QByteArray encodePng(const IndexedPicture &picture);
+/// Writes a picture of at most 256 colours as the service's renderer does: 8 bit, interlaced.
+QByteArray encodePng(const QImage &picture);
 
 } // namespace Simulator

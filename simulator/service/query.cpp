@@ -4,87 +4,62 @@
 
 namespace Simulator {
 
-std::optional<int> integerOf(const QString &text)
-{
-    bool ok = false;
-    const int number = text.toInt(&ok);
-    return ok ? std::optional<int>(number) : std::nullopt;
-}
-
 void QueryReader::complain(const QString &text)
 {
     if (m_complaint.isEmpty())
         m_complaint = text;
 }
 
-void QueryReader::refuse(const QString &name, const QString &kind)
+QString QueryReader::value(const QString &name) const
 {
-    complain(QStringLiteral("Invalid value for %1. Please enter %2.").arg(name, kind));
+    return m_query.queryItemValue(name, QUrl::FullyDecoded);
 }
 
 QString QueryReader::required(const QString &name)
 {
-    QString value = m_query.value(name);
-    if (value.isEmpty())
+    const QString text = value(name);
+    if (text.isEmpty())
         complain(QStringLiteral("No value set for required parameter \"%1\".").arg(name));
-    return value;
+    return text;
 }
 
 qint64 QueryReader::time(const QString &name)
 {
     const std::optional<qint64> time = parseRequestTime(required(name));
     if (!time)
-        refuse(name, QStringLiteral("a date of the form 2003-10-06T00:00:00Z"));
+        complain(QStringLiteral("Invalid date string. Please enter a date of the form "
+                                "2003-10-06T00:00:00.000Z"));
     return time.value_or(0);
 }
 
-int QueryReader::integer(const QString &name)
+qint64 QueryReader::integer(const QString &name)
 {
     required(name);
     return integer(name, 0);
 }
 
-qint64 QueryReader::longInteger(const QString &name)
+qint64 QueryReader::integer(const QString &name, qint64 fallback)
 {
+    const QString text = value(name);
+    if (text.isEmpty())
+        return fallback;
     bool ok = false;
-    const qint64 number = required(name).toLongLong(&ok);
+    const qint64 number = text.toLongLong(&ok);
     if (!ok)
-        refuse(name, QStringLiteral("an integer"));
+        complain(
+            QStringLiteral("Invalid value for %1. Please specify an integer value.").arg(name));
     return number;
 }
 
-int QueryReader::integer(const QString &name, int fallback)
+bool QueryReader::boolean(const QString &name)
 {
-    const QString value = m_query.value(name);
-    if (value.isEmpty())
-        return fallback;
-    const std::optional<int> number = integerOf(value);
-    if (!number)
-        refuse(name, QStringLiteral("an integer"));
-    return number.value_or(fallback);
-}
-
-double QueryReader::decimal(const QString &name, double fallback)
-{
-    const QString value = m_query.value(name);
-    if (value.isEmpty())
-        return fallback;
-    bool ok = false;
-    const double number = value.toDouble(&ok);
-    if (!ok)
-        refuse(name, QStringLiteral("a number"));
-    return number;
-}
-
-bool QueryReader::boolean(const QString &name, bool fallback)
-{
-    const QString value = m_query.value(name);
-    if (value.isEmpty())
-        return fallback;
-    const bool yes = value == QLatin1String("true") || value == QLatin1String("1");
-    if (!yes && value != QLatin1String("false") && value != QLatin1String("0"))
-        refuse(name, QStringLiteral("true or false"));
-    return yes;
+    const QString text = value(name).toLower();
+    const bool isTrue = text == QLatin1String("true") || text == QLatin1String("1");
+    const bool isFalse =
+        text == QLatin1String("false") || text == QLatin1String("0") || text.isEmpty();
+    if (!isTrue && !isFalse)
+        complain(QStringLiteral("Invalid value for %1. Please specify a boolean value.").arg(name));
+    return isTrue;
 }
 
 } // namespace Simulator

@@ -2,73 +2,40 @@
 
 #include "simulator/service/certificates.h"
 #include "simulator/service/httpservice.h"
-#include "simulator/service/listener.h"
 
-#include <QFile>
 #include <QTemporaryDir>
+#include <QThread>
 
 namespace Simulator {
-
-namespace {
-
-Identity identityFor(Transport transport, const Identity &authority)
-{
-    const QByteArray loopback = QByteArrayLiteral("IP:127.0.0.1,DNS:localhost");
-    switch (transport) {
-    case Transport::HttpsSelfSigned:
-        return makeHostIdentity("127.0.0.1", loopback, nullptr);
-    case Transport::HttpsForeignHost:
-        return makeHostIdentity("helioviewer.example", "DNS:helioviewer.example", &authority);
-    case Transport::HttpsTrusted:
-        return makeHostIdentity("127.0.0.1", loopback, &authority);
-    case Transport::Http:
-        break;
-    }
-    return {};
-}
-
-TlsContext tlsContextOf(const Identity &identity)
-{
-    TlsContext context(SSL_CTX_new(TLS_server_method()));
-    SSL_CTX_use_certificate(context.get(), identity.certificate.get());
-    SSL_CTX_use_PrivateKey(context.get(), identity.key.get());
-    return context;
-}
-
-} // namespace
 
 class Server::Private
 {
 public:
-    Private(std::shared_ptr<const Archive> archive, Transport transport);
+    Private(std::shared_ptr<const Archive> archive, Transport usedTransport)
+        : service(std::move(archive)), transport(usedTransport)
+    {
+        service.moveToThread(&thread);
+    }
 
-    bool writeAuthority();
+    bool prepare(QString *errorText);
 
     HttpService service;
     Transport transport;
-    QTemporaryDir folder;
-    Identity authority; // empty for Http
-    Identity identity;
-    std::unique_ptr<Listener> listener; // null unless running
+    QTemporaryDir folder; // of the certificates
+    QThread thread;       // serves while it runs
     int port = 0;
 };
 
-Server::Private::Private(std::shared_ptr<const Archive> archive, Transport usedTransport)
-    : service(std::move(archive)), transport(usedTransport)
-{
-    if (transport == Transport::Http)
-        return;
-    authority = makeAuthority();
-    identity = identityFor(transport, authority);
-}
-
-bool Server::Private::writeAuthority()
+/// An encrypted service is given its certificate before it starts.
+bool Server::Private::prepare(QString *errorText)
 {
     if (transport == Transport::Http)
         return true;
-    QFile file(folder.filePath(QStringLiteral("authority.pem")));
-    const QByteArray pem = pemOf(authority);
-    return file.open(QIODevice::WriteOnly) && file.write(pem) == pem.size();
+    if (!makeCertificates(transport, folder.path(), errorText))
+        return false;
+    service.encrypt(folder.filePath(QStringLiteral("host.pem")),
+                    folder.filePath(QStringLiteral("host.key")));
+    return true;
 }
 
 Server::Server(std::shared_ptr<const Archive> archive, Transport transport)
@@ -83,35 +50,30 @@ Server::~Server()
 bool Server::start(QString *errorText, int port)
 {
     stop();
-    const auto fail = [errorText](const QString &text) {
-        if (errorText)
-            *errorText = text;
+    if (!d->prepare(errorText))
         return false;
-    };
-    if (!d->writeAuthority())
-        return fail(QStringLiteral("Cannot write the certificate of the authority."));
-    HttpService *service = &d->service;
-    d->listener = std::make_unique<Listener>(
-        [service](const httplib::Request &request, httplib::Response &response) {
-            service->serve(request, response);
-        },
-        d->transport == Transport::Http ? nullptr : tlsContextOf(d->identity));
-    d->port = d->listener->listenOn(port);
+    d->thread.start();
+    // Sockets belong to the thread that opens them.
+    QMetaObject::invokeMethod(
+        &d->service, [this, port] { return d->service.listenOn(port); },
+        Qt::BlockingQueuedConnection, &d->port);
     if (d->port > 0)
         return true;
     stop();
-    return fail(QStringLiteral("Cannot listen on port %1 of 127.0.0.1.").arg(port));
+    if (errorText)
+        *errorText = QStringLiteral("Cannot listen on port %1 of 127.0.0.1.").arg(port);
+    return false;
 }
 
 void Server::stop()
 {
-    d->listener.reset();
+    if (!d->thread.isRunning())
+        return;
+    QMetaObject::invokeMethod(
+        &d->service, [this] { d->service.breakOff(); }, Qt::BlockingQueuedConnection);
+    d->thread.quit();
+    d->thread.wait();
     d->port = 0;
-}
-
-void Server::setCacheLimit(qint64 bytes)
-{
-    d->service.pictures().setLimit(bytes);
 }
 
 QString Server::baseUrl() const
@@ -134,27 +96,22 @@ QString Server::caCertificateFile() const
 
 void Server::addFault(const Fault &fault)
 {
-    d->service.journal().addFault(fault);
+    d->service.faults().add(fault);
 }
 
 void Server::clearFaults()
 {
-    d->service.journal().clearFaults();
-}
-
-QVector<JournalEntry> Server::journal() const
-{
-    return d->service.journal().entries();
+    d->service.faults().clear();
 }
 
 int Server::requestCount(Operation operation) const
 {
-    return d->service.journal().count(operation);
+    return d->service.faults().count(operation);
 }
 
 void Server::clearJournal()
 {
-    d->service.journal().clear();
+    d->service.faults().clearCounts();
 }
 
 } // namespace Simulator

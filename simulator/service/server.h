@@ -2,25 +2,13 @@
 
 #include "simulator/service/fault.h"
 
-#include <QByteArray>
-#include <QDateTime>
 #include <QString>
-#include <QVector>
 
 #include <memory>
 
 namespace Simulator {
 
 class Archive;
-
-/// One request as the service saw it.
-struct JournalEntry
-{
-    Operation operation;
-    QByteArray query; ///< percent-encoded, as received
-    QDateTime timeUtc;
-    int inFlight = 1; ///< how many requests were being served, this one included
-};
 
 enum class Transport {
     Http,
@@ -30,9 +18,9 @@ enum class Transport {
 };
 
 /**
- * A Helioviewer API v2 service on a free loopback port, served by threads of its own.
+ * A Helioviewer API v2 service on a free loopback port, served by a thread of its own.
  *
- * All functions may be called from any thread while it runs.
+ * Faults and counts may be asked for from any thread while it runs.
  */
 class Server
 {
@@ -46,9 +34,6 @@ public:
     /// server may be started again, on the same port when it is named.
     void stop();
 
-    /// How much the pictures kept for a second request may take together; 256 MB at first.
-    void setCacheLimit(qint64 bytes);
-
     QString baseUrl() const; ///< as "network/apiBase" wants it, without trailing slash
     int port() const;
     QString caCertificateFile() const; ///< PEM of the authority; empty for Http
@@ -56,8 +41,7 @@ public:
     void addFault(const Fault &fault);
     void clearFaults();
 
-    /// The first 100,000 requests since clearJournal().
-    QVector<JournalEntry> journal() const;
+    /// How many requests there were since clearJournal().
     int requestCount(Operation operation) const;
     void clearJournal();
 

@@ -1,7 +1,8 @@
 #include "simulator/sun/darkroom.h"
 
-#include "simulator/sun/indexedpicture.h"
 #include "simulator/sun/lightfield.h"
+
+#include <QImage>
 
 #include <algorithm>
 #include <array>
@@ -50,19 +51,19 @@ private:
 
 } // namespace
 
-IndexedPicture develop(const LightField &field, const QVector<QRgb> &palette,
-                       const Development &development)
+QImage develop(const LightField &field, const QVector<QRgb> &palette,
+               const Development &development)
 {
-    IndexedPicture picture{field.widthPx(), field.heightPx(), {}, palette};
-    picture.pixels.resize(size_t(field.widthPx()) * size_t(field.heightPx()));
+    QImage picture(field.widthPx(), field.heightPx(), QImage::Format_Indexed8);
+    picture.setColorTable(palette);
     const std::vector<int> curve = curveOf(development);
     const float scale = float(lightSteps) / (development.white - development.black);
     const float black = development.black;
     Grain grain(development.grainSeed, development.grain);
-    uchar *pixel = picture.pixels.data();
     for (int line = 0; line < field.heightPx(); ++line) {
         const float y = field.yOf(line);
         const float *light = field.row(line);
+        uchar *pixel = picture.scanLine(line);
         for (int column = 0; column < field.widthPx(); ++column) {
             const float x = field.xOf(column);
             const int step = std::min(int((light[column] - black) * scale), lightSteps);

@@ -3,10 +3,11 @@
 #include <QRgb>
 #include <QVector>
 
+class QImage;
+
 namespace Simulator {
 
 class LightField;
-struct IndexedPicture;
 
 /// How light becomes a step of the colour table.
 struct Development
@@ -20,7 +21,7 @@ struct Development
 };
 
 /// A picture in the colours of @p palette, of at most 255 steps.
-IndexedPicture develop(const LightField &field, const QVector<QRgb> &palette,
-                       const Development &development);
+QImage develop(const LightField &field, const QVector<QRgb> &palette,
+               const Development &development);
 
 } // namespace Simulator

@@ -1,14 +1,11 @@
 #include "simulator/sun/scene.h"
 
-#include "simulator/archive/archive.h"
-#include "simulator/archive/imagegeometry.h"
 #include "simulator/hash.h"
 #include "simulator/sun/activeregions.h"
 #include "simulator/sun/coronagraphpainter.h"
 #include "simulator/sun/coronapainter.h"
 #include "simulator/sun/darkroom.h"
 #include "simulator/sun/diskpainter.h"
-#include "simulator/sun/indexedpicture.h"
 #include "simulator/sun/lightfield.h"
 #include "simulator/sun/looppainter.h"
 #include "simulator/sun/magnetogrampainter.h"
@@ -16,7 +13,7 @@
 #include "simulator/sun/sunstyle.h"
 #include "simulator/sun/surfaceview.h"
 
-#include <QDateTime>
+#include <QImage>
 
 #include <algorithm>
 #include <cmath>
@@ -69,8 +66,6 @@ Development paintOutskirts(LightField &field, const SceneView &view)
 
 Development paint(LightField &field, const SceneView &view)
 {
-    if (view.isEclipsed)
-        return {};
     switch (view.look) {
     case Look::CoronaC2:
     case Look::CoronaC3:
@@ -103,42 +98,14 @@ Development paint(LightField &field, const SceneView &view)
     return paintSun(field, view);
 }
 
-/// Twice a year an observatory on a tilted geosynchronous orbit passes the Earth's shadow daily.
-bool isEclipseSeason(qint64 unixTime)
-{
-    const QDateTime time = QDateTime::fromSecsSinceEpoch(unixTime, Qt::UTC);
-    const int day = time.date().dayOfYear();
-    const int minute = time.time().msecsSinceStartOfDay() / 60000;
-    const bool isInSeason = (day >= 55 && day <= 78) || (day >= 238 && day <= 261);
-    return isInSeason && minute >= 390 && minute < 450; // 06:30 to 07:30
-}
-
 } // namespace
 
-SceneView viewOf(const ArchiveSource &source, const ArchiveImage &image, int widthPx)
-{
-    const ImageGeometry geometry = geometryOf(source, image);
-    const double zoom = double(widthPx) / geometry.widthPx;
-    SceneView view;
-    view.widthPx = widthPx;
-    view.heightPx = std::max(int(std::lround(geometry.heightPx * zoom)), 1);
-    view.disk = {(geometry.refPixelX - 0.5) * zoom,
-                 (geometry.heightPx - geometry.refPixelY + 0.5) * zoom, geometry.rsunPx * zoom};
-    view.unixTime = image.unixTime;
-    view.grainSeed = hashOf(quint64(source.sourceId), quint64(image.slot));
-    view.look = lookOf(source.path);
-    view.alphaWhereDark = source.alphaWhereDark;
-    view.isEclipsed =
-        source.path.startsWith(QLatin1String("SDO/")) && isEclipseSeason(image.unixTime);
-    return view;
-}
-
-IndexedPicture renderScene(const SceneView &view)
+QImage renderScene(const SceneView &view)
 {
     LightField field(view.widthPx, view.heightPx, view.disk);
     const Development development = paint(field, view);
     QVector<QRgb> palette = colourTable(view.look);
-    if (view.alphaWhereDark)
+    if (view.look == Look::CoronaWide)
         palette[0] = qRgba(0, 0, 0, 0);
     return develop(field, palette, development);
 }

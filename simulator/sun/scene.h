@@ -4,11 +4,9 @@
 
 #include <QtGlobal>
 
-namespace Simulator {
+class QImage;
 
-struct ArchiveImage;
-struct ArchiveSource;
-struct IndexedPicture;
+namespace Simulator {
 
 /// The Sun's disk on a picture; lengths in its pixels, edges of the picture at whole numbers.
 struct Disk
@@ -27,14 +25,9 @@ struct SceneView
     qint64 unixTime = 0;
     quint64 grainSeed = 0; ///< another one for each image
     Look look = Look::Gold;
-    bool alphaWhereDark = false;
-    bool isEclipsed = false; ///< the Earth stands before the Sun
 };
 
-/// What a rendering of the whole image, @p widthPx wide, shows.
-SceneView viewOf(const ArchiveSource &source, const ArchiveImage &image, int widthPx);
-
 /// Paints the Sun as it is at that time; the same view gives the same picture.
-IndexedPicture renderScene(const SceneView &view);
+QImage renderScene(const SceneView &view);
 
 } // namespace Simulator
