@@ -1,8 +1,8 @@
 #include "tools/pictures/windowpictures.h"
 
 #include "base/runtimeconfig.h"
-#include "simulator/fault.h"
-#include "simulator/server.h"
+#include "simulator/service/fault.h"
+#include "simulator/service/server.h"
 #include "tools/pictures/album.h"
 #include "ui/catalogtree.h"
 #include "ui/mainwindow.h"
