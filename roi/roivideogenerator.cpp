@@ -217,14 +217,26 @@ bool RoiVideoGenerator::encode(const Job &job)
     emit labelChanged(tr("Encoding %1 - %2...").arg(job.nickname(), job.roi().name));
     emit logMessage(QStringLiteral("ROI ffmpeg: %1").arg(QDir::toNativeSeparators(job.outputFile)));
     QString reason;
-    if (!m_encoder.run(RuntimeConfig::ffmpegPath(), job.framesFolder, job.outputFile, m_plan.fps,
-                       m_plan.crf, &reason))
+    if (!m_encoder.run(orderFor(job), &reason))
         return fail(
             tr("FFmpeg failed for %1 / %2:\n\n%3").arg(job.nickname(), job.roi().name, reason));
     ++m_createdVideos;
     emit logMessage(
         QStringLiteral("ROI video completed: %1%2").arg(job.outputFile, completionDetails(job)));
     return true;
+}
+
+FilmOrder RoiVideoGenerator::orderFor(const Job &job) const
+{
+    FilmOrder order;
+    order.program = RuntimeConfig::ffmpegPath();
+    order.folder = job.framesFolder;
+    order.inputPattern = SessionFiles::framePattern();
+    order.film = job.outputFile;
+    order.fps = m_plan.fps;
+    order.crf = m_plan.crf;
+    order.pictures = m_plan.introFrames() + job.frames().size();
+    return order;
 }
 
 QString RoiVideoGenerator::completionDetails(const Job &job) const

@@ -85,6 +85,7 @@ private:
     double frameKmPerPixel(const Job &job, const RoiSourceFrame &frame, int frameWidthPx) const;
     bool pictureDone();
     bool encode(const Job &job);
+    FilmOrder orderFor(const Job &job) const;
     QString completionDetails(const Job &job) const;
     bool fail(const QString &text);
 

@@ -139,7 +139,9 @@ private slots:
         reply.files.insert(QStringLiteral("$last"),
                            QByteArray::fromHex("0000001066747970")); // an MP4's head
         QTest::newRow("full disk, yet it ends well")
-            << reply << QStringLiteral("No space left on device");
+            << reply
+            << QStringLiteral("ffmpeg ended without an error, but the film is cut off. Is the disk "
+                              "full?\n\nNo space left on device");
         reply.standardError.clear();
         reply.crash = true;
         reply.files.insert(QStringLiteral("$last"), "cut off");
