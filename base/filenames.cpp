@@ -3,6 +3,8 @@
 #include "base/utctext.h"
 
 #include <QDateTime>
+#include <QFile>
+#include <QTextBoundaryFinder>
 
 namespace {
 
@@ -37,4 +39,15 @@ QString FileNames::datasourceFolder(const QString &nickname, const QDateTime &st
 QString FileNames::roiPart(const QString &name)
 {
     return safePart(name, QStringLiteral("ROI"));
+}
+
+QString FileNames::shortened(const QString &name, int maxBytes)
+{
+    const QString head = name.left(maxBytes + 1); // more can never fit
+    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, head);
+    characters.toEnd();
+    int length = head.size();
+    while (QFile::encodeName(head.left(length)).size() > maxBytes)
+        length = characters.toPreviousBoundary();
+    return head.left(length);
 }

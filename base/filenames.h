@@ -7,6 +7,9 @@ class QDateTime;
 /// Names of files and folders made from texts that people or the service wrote.
 namespace FileNames {
 
+/// Bytes in the longest name that the usual file systems take.
+constexpr int maxNameBytes = 255;
+
 /**
  * The folder of one datasource inside a session: the nickname as a file-name part, "source" when
  * nothing is left of it, then "_" and the session's start, as in "AIA_171_20240101_000000".
@@ -15,5 +18,11 @@ QString datasourceFolder(const QString &nickname, const QDateTime &startUtc);
 
 /// The part of a file name that stands for a region of interest; "ROI" when nothing is left of it.
 QString roiPart(const QString &name);
+
+/**
+ * The longest beginning of @p name that ends at a whole character and has no more than @p maxBytes
+ * bytes as a file name.
+ */
+QString shortened(const QString &name, int maxBytes);
 
 } // namespace FileNames
