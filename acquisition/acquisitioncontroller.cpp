@@ -6,7 +6,6 @@
 #include "acquisition/sessionopening.h"
 #include "acquisition/sourceplan.h"
 #include "acquisition/sourcetiming.h"
-#include "base/childprocess.h"
 #include "base/errortext.h"
 #include "base/jsonfile.h"
 #include "base/runtimeconfig.h"
@@ -15,8 +14,6 @@
 #include "imaging/blankblock.h"
 #include "imaging/frameannotation.h"
 #include "imaging/framedecoder.h"
-#include "output/ffmpegcommand.h"
-#include "output/filmfile.h"
 #include "output/framecleanup.h"
 #include "output/framesequence.h"
 #include "output/sessiondescriptor.h"
@@ -53,11 +50,8 @@ AcquisitionController::AcquisitionController(QObject *parent)
     connect(m_client, &HelioviewerClient::requestError, this,
             &AcquisitionController::onClientError);
 
-    m_ffmpeg.setProcessChannelMode(QProcess::MergedChannels);
-    connect(&m_ffmpeg, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
-            &AcquisitionController::onFfmpegFinished);
-    connect(&m_ffmpeg, &QProcess::errorOccurred, this, &AcquisitionController::onFfmpegError);
-    connect(&m_ffmpeg, &QProcess::readyRead, this, &AcquisitionController::onFfmpegReadyRead);
+    connect(&m_ffmpeg, &FilmEncoder::finished, this, &AcquisitionController::onFfmpegFinished);
+    connect(&m_ffmpeg, &FilmEncoder::outputRead, this, &AcquisitionController::onFfmpegReadyRead);
 }
 
 AcquisitionController::~AcquisitionController()
@@ -594,47 +588,52 @@ void AcquisitionController::encodeNext()
         return;
     }
     const DataSource source = m_films.current();
-    const SourceFolder folder = m_tally.value(source.sourceId).folder;
-    const QString film = SessionLayout::filmPath(folder);
-    if (!report(AcquisitionLog::encoding(source, film)))
-        return;
-    m_encoding = true;
-    m_ffmpeg.setWorkingDirectory(folder.directory);
-    m_ffmpeg.start(RuntimeConfig::ffmpegPath(),
-                   FfmpegCommand::arguments(m_settings.videoFps, SessionLayout::framePattern(),
-                                            m_settings.videoCrf, film));
+    const SourceTally tally = m_tally.value(source.sourceId);
+    FilmOrder order;
+    order.program = RuntimeConfig::ffmpegPath();
+    order.folder = tally.folder.directory;
+    order.inputPattern = SessionLayout::framePattern();
+    order.film = SessionLayout::filmPath(tally.folder);
+    order.fps = m_settings.videoFps;
+    order.crf = m_settings.videoCrf;
+    order.pictures = tally.timestampedVideoFrames;
+    if (report(AcquisitionLog::encoding(source, order.film)))
+        m_ffmpeg.start(order);
 }
 
-void AcquisitionController::onFfmpegFinished(int exitCode, QProcess::ExitStatus exitStatus)
+void AcquisitionController::onFfmpegFinished(const FilmOutcome &outcome)
 {
-    if (!isRunning() || !std::exchange(m_encoding, false))
-        return;
-    const DataSource source = m_films.current();
-    const QString film = SessionLayout::filmPath(m_tally.value(source.sourceId).folder);
-    const bool succeeded =
-        exitStatus == QProcess::NormalExit && exitCode == 0 && !FilmFile::isCutOff(film);
-    if (!succeeded)
-        m_films.noteFailure();
-    if (report(succeeded ? AcquisitionLog::videoCompleted(source)
-                         : AcquisitionLog::encodingFailed(source, exitCode)))
+    if (outcome.end == FilmOutcome::End::NotStarted)
+        onFfmpegError(outcome.reason);
+    else if (outcome.end != FilmOutcome::End::Completed)
+        failFilm(outcome);
+    else if (report(AcquisitionLog::videoCompleted(m_films.current())))
         closeFilm();
 }
 
-/// Only an encoder that cannot be started has no end of its own.
-void AcquisitionController::onFfmpegError(QProcess::ProcessError error)
+/// Tells of an encoder that could not be started; there is no exit code then.
+void AcquisitionController::onFfmpegError(const QString &reason)
 {
-    if (error != QProcess::FailedToStart || !isRunning() || !std::exchange(m_encoding, false))
-        return;
     m_films.noteFailure();
-    if (report(AcquisitionLog::encoderNotStarted(m_films.current(), m_ffmpeg.errorString())))
+    if (report(AcquisitionLog::encoderNotStarted(m_films.current(), reason)))
         closeFilm();
 }
 
-void AcquisitionController::onFfmpegReadyRead()
+void AcquisitionController::onFfmpegReadyRead(const QString &text)
 {
-    const QString text = QString::fromLocal8Bit(m_ffmpeg.readAll()).trimmed();
-    if (isRunning() && !text.isEmpty())
-        emit logMessage(text);
+    emit logMessage(text);
+}
+
+/// Says why a film was not taken, when the exit code does not.
+void AcquisitionController::failFilm(const FilmOutcome &outcome)
+{
+    const DataSource source = m_films.current();
+    m_films.noteFailure();
+    if (outcome.end == FilmOutcome::End::NotWhole &&
+        !report(AcquisitionLog::filmNotWhole(source, outcome.reason)))
+        return;
+    if (report(AcquisitionLog::encodingFailed(source, outcome.exitCode)))
+        closeFilm();
 }
 
 void AcquisitionController::closeFilm()
@@ -663,7 +662,7 @@ void AcquisitionController::cancelChildren()
     m_client->cancel();
     for (HelioviewerClient *client : std::as_const(m_probeClients))
         client->cancel();
-    ChildProcess::killAndWait(m_ffmpeg);
+    m_ffmpeg.cancel();
 }
 
 /// False when the disk did not take the descriptor. Where not even a save file can be opened, the
@@ -685,7 +684,6 @@ void AcquisitionController::finish(bool canceled)
     const bool descriptorLost = !writeDescriptor(canceled);
     discardFrame();
     m_lookup.reset();
-    m_encoding = false;
     const qint64 total = totalSteps();
     const QString sessionDirectory = m_sessionDirectory;
     enterStage(Stage::Idle);

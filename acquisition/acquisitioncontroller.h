@@ -5,12 +5,12 @@
 #include "acquisition/framelookup.h"
 #include "acquisition/probequeue.h"
 #include "acquisition/sessiontally.h"
+#include "output/filmencoder.h"
 #include "output/manifestwriter.h"
 #include "session/acquisitionsettings.h"
 
 #include <QImage>
 #include <QObject>
-#include <QProcess>
 #include <QTimer>
 
 #include <optional>
@@ -85,9 +85,9 @@ private slots:
                            qint64 imageId, const QString &file);
     void onClientError(const QString &operation, const QString &message);
     void onPreflightError(const QString &operation, const QString &message);
-    void onFfmpegFinished(int exitCode, QProcess::ExitStatus exitStatus);
-    void onFfmpegError(QProcess::ProcessError error);
-    void onFfmpegReadyRead();
+    void onFfmpegFinished(const FilmOutcome &outcome);
+    void onFfmpegError(const QString &reason);
+    void onFfmpegReadyRead(const QString &text);
 
 private:
     enum class Stage {
@@ -145,6 +145,7 @@ private:
     void beginEncoding();
     bool concludeSource(const DataSource &source);
     void encodeNext();
+    void failFilm(const FilmOutcome &outcome);
     void closeFilm();
     void finishEncoding();
 
@@ -183,6 +184,5 @@ private:
     QString m_pictureFile; // that shows m_picture; empty until there is one
 
     EncodeQueue m_films;
-    QProcess m_ffmpeg;
-    bool m_encoding = false; // the end of an encoder run is still to be told
+    FilmEncoder m_ffmpeg;
 };

@@ -324,6 +324,11 @@ QString AcquisitionLog::encoderNotStarted(const DataSource &source, const QStrin
         .arg(source.nickname, reason);
 }
 
+QString AcquisitionLog::filmNotWhole(const DataSource &source, const QString &reason)
+{
+    return QStringLiteral("WARNING %1: %2").arg(source.nickname, reason);
+}
+
 QString AcquisitionLog::encodingFailed(const DataSource &source, int exitCode)
 {
     return QStringLiteral("FFMPEG ERROR for %1 (exit code %2). Frames are preserved.")
