@@ -50,6 +50,17 @@ AcquisitionController::AcquisitionController(QObject *parent)
     connect(m_client, &HelioviewerClient::requestError, this,
             &AcquisitionController::onClientError);
 
+    connect(&m_probes, &CadenceProbes::logMessage, this, &AcquisitionController::logMessage);
+    connect(&m_probes, &CadenceProbes::stateChanged, this, &AcquisitionController::stateChanged);
+    connect(&m_probes, &CadenceProbes::progressChanged, this,
+            &AcquisitionController::progressChanged);
+    connect(&m_probes, &CadenceProbes::answered, this, [this](int sourceId, int uniqueFrames) {
+        m_tally[sourceId].cadence.uniqueFrames = uniqueFrames;
+    });
+    connect(&m_probes, &CadenceProbes::failed, this,
+            [this](int sourceId) { m_tally[sourceId].mode = PreflightMode::Fallback; });
+    connect(&m_probes, &CadenceProbes::done, this, &AcquisitionController::buildPlan);
+
     connect(&m_ffmpeg, &FilmEncoder::finished, this, &AcquisitionController::onFfmpegFinished);
     connect(&m_ffmpeg, &FilmEncoder::outputRead, this, &AcquisitionController::onFfmpegReadyRead);
 }
@@ -59,8 +70,7 @@ AcquisitionController::~AcquisitionController()
     completeFrame();
     m_ffmpeg.disconnect(this);
     m_client->disconnect(this);
-    for (HelioviewerClient *client : std::as_const(m_probeClients))
-        client->disconnect(this);
+    m_probes.disconnect(this);
     cancelChildren();
     discardFrame();
     m_manifest.close();
@@ -75,10 +85,12 @@ bool AcquisitionController::start(const AcquisitionSettings &settings, QString *
     resetSession(settings);
     if (!createSessionFiles(errorText))
         return false;
-    classifySources();
+    const QVector<ProbeWindow> windows = SessionOpening::probeWindows(m_settings);
+    for (const ProbeWindow &window : windows)
+        m_tally[window.source.sourceId].mode = PreflightMode::QuickProbe;
     enterStage(Stage::Preflight);
-    if (announceSession())
-        scheduleProbes();
+    if (announceSession(windows.size()))
+        m_probes.start(windows, m_settings.cadenceSeconds);
     return true;
 }
 
@@ -135,8 +147,7 @@ void AcquisitionController::takeNextStep()
     switch (m_stage) {
     case Stage::Idle:
         break;
-    case Stage::Preflight:
-        scheduleProbes();
+    case Stage::Preflight: // goes by itself
         break;
     case Stage::Acquiring:
         takeFrameStep();
@@ -158,7 +169,6 @@ void AcquisitionController::resetSession(const AcquisitionSettings &settings)
     m_sessionDirectory.clear();
     m_manifestWaits = false;
     m_tally.clear();
-    m_probes = ProbeQueue();
     m_plan = AcquisitionPlan();
     m_frameStep = FrameStep::Lookup;
     m_films = EncodeQueue();
@@ -178,120 +188,24 @@ bool AcquisitionController::createSessionFiles(QString *errorText)
            ErrorText::fail(errorText, AcquisitionLog::cannotCreateManifest());
 }
 
-/// Decides which datasources are sampled directly and which are probed first.
-void AcquisitionController::classifySources()
+bool AcquisitionController::announceSession(int probes)
 {
-    const QVector<ProbeWindow> windows = SessionOpening::probeWindows(m_settings);
-    for (const ProbeWindow &window : windows)
-        m_tally[window.source.sourceId].mode = PreflightMode::QuickProbe;
-    m_probes = ProbeQueue(windows);
-}
-
-bool AcquisitionController::announceSession()
-{
-    const QStringList lines =
-        SessionOpening::logLines(m_settings, m_sessionDirectory, m_probes.size());
+    const QStringList lines = SessionOpening::logLines(m_settings, m_sessionDirectory, probes);
     for (const QString &line : lines) {
         if (!report(line))
             return false;
     }
-    return reportProgress(0, qMax(m_probes.size(), 1)) &&
-           reportState(m_probes.isEmpty() ? AcquisitionLog::preparingState()
-                                          : AcquisitionLog::probingState());
+    return reportProgress(0, std::max(probes, 1)) &&
+           reportState(probes == 0 ? AcquisitionLog::preparingState()
+                                   : AcquisitionLog::probingState());
 }
 
-// Cadence planning
-
-/// Gives every idle client of the pool a window; builds the plan when all windows are done.
-void AcquisitionController::scheduleProbes()
-{
-    if (m_probes.isDone()) {
-        buildPlan();
-        return;
-    }
-    const int workers = qMin(RuntimeConfig::preflightParallelRequests(), m_probes.size());
-    growProbePool(workers);
-    for (int worker = 0; worker < workers && m_probes.hasNext(); ++worker) {
-        if (!m_probes.isBusy(worker) && !startProbe(worker))
-            return;
-    }
-}
-
-void AcquisitionController::growProbePool(int workers)
-{
-    while (m_probeClients.size() < workers) {
-        auto *client = new HelioviewerClient(this);
-        connect(client, &HelioviewerClient::logMessage, this, &AcquisitionController::logMessage);
-        connect(client, &HelioviewerClient::frameIndexReceived, this,
-                &AcquisitionController::onFrameIndex);
-        connect(client, &HelioviewerClient::requestError, this,
-                &AcquisitionController::onPreflightError);
-        m_probeClients.append(client);
-    }
-}
-
-bool AcquisitionController::startProbe(int worker)
-{
-    const int session = m_session;
-    const ProbeWindow window = m_probes.take(worker);
-    if (!reportState(AcquisitionLog::analyzingState(window, m_probes.taken(), m_probes.size())))
-        return false;
-    m_probeClients.at(worker)->getJPX(window.source.sourceId, window.startUtc, window.endUtc,
-                                      m_settings.cadenceSeconds);
-    return isSession(session);
-}
-
-void AcquisitionController::onFrameIndex(int sourceId, const QDateTime &startUtc,
-                                         const QDateTime &endUtc,
-                                         const QVector<QDateTime> &framesUtc, const QString &note)
-{
-    const std::optional<ProbeWindow> window = releaseProbe();
-    if (!window)
-        return;
-    if (!window->matches(sourceId, startUtc, endUtc)) {
-        fallBack(window->source, AcquisitionLog::probeMismatch(window->source));
-        return;
-    }
-    if (!note.trimmed().isEmpty() && !report(AcquisitionLog::probeNote(window->source, note)))
-        return;
-    m_probes.addFrames(sourceId, framesUtc);
-    m_tally[sourceId].cadence.uniqueFrames = m_probes.frameSeconds(sourceId).size();
-    closeProbe();
-}
-
-void AcquisitionController::onPreflightError(const QString &operation, const QString &message)
-{
-    if (operation != OperationNames::getJpx())
-        return;
-    if (const std::optional<ProbeWindow> window = releaseProbe())
-        fallBack(window->source, AcquisitionLog::probeFailed(window->source, message));
-}
-
-/// The window of the client whose signal is being handled; nothing when it is of no concern now.
-std::optional<ProbeWindow> AcquisitionController::releaseProbe()
-{
-    if (m_stage != Stage::Preflight)
-        return std::nullopt;
-    return m_probes.release(m_probeClients.indexOf(qobject_cast<HelioviewerClient *>(sender())));
-}
-
-/// A datasource without a usable probe is sampled at the requested cadence.
-void AcquisitionController::fallBack(const DataSource &source, const QString &line)
-{
-    m_tally[source.sourceId].mode = PreflightMode::Fallback;
-    if (report(line))
-        closeProbe();
-}
-
-void AcquisitionController::closeProbe()
-{
-    m_probes.complete();
-    if (reportProgress(m_probes.completed(), m_probes.size()))
-        m_nextStep.start();
-}
+// Plan
 
 void AcquisitionController::buildPlan()
 {
+    if (m_stage != Stage::Preflight)
+        return; // a stop is on its way
     enterStage(Stage::Acquiring);
     QVector<RequestSchedule> schedules;
     const QVector<DataSource> sources = m_settings.sources; // a slot may start another session
@@ -299,7 +213,6 @@ void AcquisitionController::buildPlan()
         if (!planSource(source, &schedules))
             return;
     }
-    m_probes = ProbeQueue();
     m_plan = AcquisitionPlan(schedules);
     const qint64 nominalCount = AcquisitionPlanning::nominalCount(m_settings);
     if (report(AcquisitionLog::planReady(m_plan.size(), nominalCount)) &&
@@ -660,8 +573,7 @@ void AcquisitionController::finishEncoding()
 void AcquisitionController::cancelChildren()
 {
     m_client->cancel();
-    for (HelioviewerClient *client : std::as_const(m_probeClients))
-        client->cancel();
+    m_probes.cancel();
     m_ffmpeg.cancel();
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "acquisition/acquisitionplan.h"
+#include "acquisition/cadenceprobes.h"
 #include "acquisition/encodequeue.h"
 #include "acquisition/framelookup.h"
-#include "acquisition/probequeue.h"
 #include "acquisition/sessiontally.h"
 #include "output/filmencoder.h"
 #include "output/manifestwriter.h"
@@ -77,14 +77,11 @@ signals:
     void finished(bool canceled, const QString &sessionDirectory);
 
 private slots:
-    void onFrameIndex(int sourceId, const QDateTime &startUtc, const QDateTime &endUtc,
-                      const QVector<QDateTime> &framesUtc, const QString &note);
     void onClosestImage(int sourceId, const QDateTime &requestedUtc, qint64 imageId,
                         const QDateTime &actualUtc, const QJsonObject &answer);
     void onImageDownloaded(int sourceId, const QDateTime &requestedUtc, const QDateTime &actualUtc,
                            qint64 imageId, const QString &file);
     void onClientError(const QString &operation, const QString &message);
-    void onPreflightError(const QString &operation, const QString &message);
     void onFfmpegFinished(const FilmOutcome &outcome);
     void onFfmpegError(const QString &reason);
     void onFfmpegReadyRead(const QString &text);
@@ -110,19 +107,12 @@ private:
     void takeNextStep();
     void takeFrameStep();
 
-    // Steps that send signals on their way give false when a slot has ended the session over one.
+    // Steps that emit signals return false when a connected slot ended the session; the caller then
+    // returns.
 
     void resetSession(const AcquisitionSettings &settings);
     bool createSessionFiles(QString *errorText);
-    void classifySources();
-    bool announceSession();
-
-    void scheduleProbes();
-    bool startProbe(int worker);
-    void growProbePool(int workers);
-    std::optional<ProbeWindow> releaseProbe();
-    void fallBack(const DataSource &source, const QString &line);
-    void closeProbe();
+    bool announceSession(int probes);
 
     void buildPlan();
     bool planSource(const DataSource &source, QVector<RequestSchedule> *schedules);
@@ -173,9 +163,7 @@ private:
     bool m_manifestWaits = false; // rows could not be written yet, and the user knows
     SessionTally m_tally;
 
-    QVector<HelioviewerClient *> m_probeClients; // children of this object, kept for all sessions
-    ProbeQueue m_probes;                         // workers are indices of the clients
-
+    CadenceProbes m_probes;
     AcquisitionPlan m_plan;
     HelioviewerClient *m_client;         // child of this object; lookups and downloads
     std::optional<FrameLookup> m_lookup; // the request in flight
