@@ -24,6 +24,7 @@
 #include <QFileInfo>
 #include <QImage>
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -31,7 +32,7 @@ namespace {
 
 int clampedToInt(qint64 value)
 {
-    return static_cast<int>(qMin<qint64>(value, std::numeric_limits<int>::max()));
+    return static_cast<int>(std::min<qint64>(value, std::numeric_limits<int>::max()));
 }
 
 } // namespace
@@ -216,7 +217,7 @@ void AcquisitionController::buildPlan()
     m_plan = AcquisitionPlan(schedules);
     const qint64 nominalCount = AcquisitionPlanning::nominalCount(m_settings);
     if (report(AcquisitionLog::planReady(m_plan.size(), nominalCount)) &&
-        reportProgress(0, qMax<qint64>(totalSteps(), 1)) &&
+        reportProgress(0, std::max<qint64>(totalSteps(), 1)) &&
         reportState(AcquisitionLog::downloadingState()))
         issueNextLookup();
 }
@@ -577,8 +578,8 @@ void AcquisitionController::cancelChildren()
     m_ffmpeg.cancel();
 }
 
-/// False when the disk did not take the descriptor. Where not even a save file can be opened, the
-/// session's folder is gone or closed to us, which is no news: its user took it away.
+/// False when the disk did not take the descriptor. When not even a save file can be opened, the
+/// user removed the folder; that is not reported.
 bool AcquisitionController::writeDescriptor(bool canceled) const
 {
     return JsonFile::save(QDir(m_sessionDirectory).filePath(SessionFiles::descriptor()),
@@ -607,7 +608,7 @@ void AcquisitionController::finish(bool canceled)
     if (descriptorLost)
         emit logMessage(AcquisitionLog::descriptorLost());
     if (!canceled)
-        emit progressChanged(clampedToInt(total), clampedToInt(qMax<qint64>(total, 1)));
+        emit progressChanged(clampedToInt(total), clampedToInt(std::max<qint64>(total, 1)));
     emit stateChanged(AcquisitionLog::endState(canceled));
     emit logMessage(AcquisitionLog::sessionEnd(canceled));
     emit finished(canceled, sessionDirectory);

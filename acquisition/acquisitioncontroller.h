@@ -35,7 +35,7 @@ class HelioviewerClient;
  * Destruction otherwise ends a session without a word: children are killed, the manifest stays, no
  * descriptor is written.
  */
-class AcquisitionController : public QObject
+class AcquisitionController final : public QObject
 {
     Q_OBJECT
 

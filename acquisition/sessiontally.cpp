@@ -5,6 +5,8 @@
 #include "output/sessiondescriptor.h"
 #include "session/acquisitionsettings.h"
 
+#include <algorithm>
+
 namespace {
 
 SessionSourceRecord sourceRecord(const DataSource &source, const SourceTally &tally,
@@ -20,7 +22,7 @@ SessionSourceRecord sourceRecord(const DataSource &source, const SourceTally &ta
     record.duplicateRequests = tally.duplicateRequests;
     record.rejectedTimeRequests = tally.rejectedTimeRequests;
     record.preflightMode = tally.mode;
-    record.preflightUniqueFrames = qMax(tally.cadence.uniqueFrames, 0);
+    record.preflightUniqueFrames = std::max(tally.cadence.uniqueFrames, 0);
     record.medianSeconds = tally.cadence.medianSeconds;
     record.minSeconds = tally.cadence.minSeconds;
     record.maxSeconds = tally.cadence.maxSeconds;

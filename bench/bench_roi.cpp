@@ -74,7 +74,7 @@ std::optional<Arguments> Arguments::parse(const QStringList &words)
 }
 
 /// The steps of a film in a plain loop.
-class PlainLoop
+class PlainLoop final
 {
 public:
     explicit PlainLoop(const Arguments &arguments) : m_arguments(arguments) {}

@@ -8,6 +8,8 @@
 #include <QUrlQuery>
 #include <QVector>
 
+#include <algorithm>
+
 namespace {
 
 using QueryPairs = QVector<QPair<QString, QString>>;
@@ -41,7 +43,7 @@ QString HelioviewerRequests::jpxUrl(const QString &apiBase, int sourceId, const 
                           {QStringLiteral("linked"), QStringLiteral("true")},
                           {QStringLiteral("jpip"), QStringLiteral("true")},
                           {QStringLiteral("verbose"), QStringLiteral("true")},
-                          {QStringLiteral("cadence"), QString::number(qMax(1, cadenceSeconds))},
+                          {QStringLiteral("cadence"), QString::number(std::max(1, cadenceSeconds))},
                       });
 }
 

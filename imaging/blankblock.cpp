@@ -41,8 +41,8 @@ struct Grid
 {
     explicit Grid(QSize size)
         : picture(size)
-        , cellPx(qBound(smallestCellPx, std::min(size.width(), size.height()) / cellsPerShortSide,
-                        largestCellPx))
+        , cellPx(std::clamp(std::min(size.width(), size.height()) / cellsPerShortSide,
+                            smallestCellPx, largestCellPx))
         , columns((size.width() + cellPx - 1) / cellPx)
         , rows((size.height() + cellPx - 1) / cellPx)
     {}
@@ -150,10 +150,12 @@ std::vector<bool> blankCells(const QImage &image, const Grid &grid, const Disk &
 QPoint centreCell(const Grid &grid, const Disk &disk)
 {
     // Bounded before it becomes an integer: the centre may lie far outside a sub-field image.
-    const int x = static_cast<int>(qBound(0.0, disk.centreX, double(grid.picture.width())));
-    const int y = static_cast<int>(qBound(0.0, disk.centreY, double(grid.picture.height())));
-    return {qBound(0, x / grid.cellPx, grid.columns - 1),
-            qBound(0, y / grid.cellPx, grid.rows - 1)};
+    const int x =
+        static_cast<int>(std::clamp(disk.centreX, 0.0, static_cast<double>(grid.picture.width())));
+    const int y =
+        static_cast<int>(std::clamp(disk.centreY, 0.0, static_cast<double>(grid.picture.height())));
+    return {std::clamp(x / grid.cellPx, 0, grid.columns - 1),
+            std::clamp(y / grid.cellPx, 0, grid.rows - 1)};
 }
 
 /// Collects the component of @p first and clears its cells in @p blank: each is visited once.

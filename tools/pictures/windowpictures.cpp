@@ -25,7 +25,7 @@ namespace {
 constexpr QSize windowSize(1280, 900);
 
 /// A main window, worked through the names of its parts as a user works it with the mouse.
-class Operator
+class Operator final
 {
 public:
     Operator()
