@@ -110,7 +110,7 @@ std::vector<ActiveRegion> activeRegionsAt(qint64 unixTime)
 {
     constexpr double longestLife = 40.0 * secondsPerDay;
     std::vector<ActiveRegion> regions;
-    for (const Life &life : livesAt(double(unixTime), 1.1 * secondsPerDay, longestLife, 0x1d82)) {
+    for (const Life &life : livesAt(double(unixTime), 1.1 * secondsPerDay, longestLife, 0x6df9)) {
         const double share = life.age / longestLife / (0.25 + 0.75 * chance(life.seed, 1));
         if (share < 1.0)
             regions.push_back(regionOf(life, float(share)));

@@ -22,6 +22,7 @@ std::vector<float> streamersAt(qint64 unixTime)
     // The pattern changes as the Sun turns below it.
     const float slow = 0.12F * float(std::fmod(double(unixTime) / secondsPerDay, 2000.0));
     std::vector<float> streamers;
+    streamers.reserve(angles + 1);
     for (int angle = 0; angle <= angles; ++angle) {
         const float radians = float(angle) / angles * 6.2831853F;
         const Vector3 direction{std::sin(radians), std::cos(radians), 0.0F};
@@ -35,34 +36,50 @@ std::vector<float> streamersAt(qint64 unixTime)
     return streamers;
 }
 
-/// Adds gas thrown out: a bubble that grows as it leaves, with a bright front and a bright core.
-void paintOutburst(LightField &field, const Draw &draw, float ageSeconds)
+/// Gas thrown out: a bubble that grows as it leaves. Lengths in solar radii.
+struct Outburst
+{
+    Vector3 direction;
+    float front = 0.0F; ///< distance of its tip
+    float radius = 0.0F;
+    float light = 0.0F;
+};
+
+Outburst outburstOf(const Draw &draw, float ageSeconds)
 {
     constexpr float solarRadiusKm = 695700.0F;
     const float kmPerSecond = 250.0F + 900.0F * draw(2) * draw(2);
-    const float front = 1.0F + kmPerSecond * ageSeconds / solarRadiusKm; // of the tip
-    const float radius = (0.28F + 0.2F * draw(5)) * front;
-    const float brightness = (0.35F + 0.65F * draw(6)) / (1.0F + 0.05F * front);
     const float slope = 1.4F * (draw(4) - 0.5F); // from the equator
-    const float directionX = std::cos(slope) * (draw(3) < 0.5F ? 1.0F : -1.0F);
-    const float directionY = std::sin(slope);
-    const float centreX = directionX * (front - radius);
-    const float centreY = directionY * (front - radius);
-    const LightField::Box box = field.boxAround(centreX, centreY, 1.2F * radius);
-    field.visit(box, [=](float &light, float x, float y) {
-        const float awayX = (x - centreX) / radius;
-        const float awayY = (y - centreY) / radius;
-        const float place = std::sqrt(awayX * awayX + awayY * awayY);
-        const float ahead = awayX * directionX + awayY * directionY;
+    const float side = draw(3) < 0.5F ? 1.0F : -1.0F;
+    Outburst outburst;
+    outburst.direction = {side * std::cos(slope), std::sin(slope), 0.0F};
+    outburst.front = 1.0F + kmPerSecond * ageSeconds / solarRadiusKm;
+    outburst.radius = (0.28F + 0.16F * draw(5)) * outburst.front;
+    outburst.light = (0.35F + 0.65F * draw(6)) / (1.0F + 0.05F * outburst.front);
+    return outburst;
+}
+
+/// Adds the bright front and the bright core.
+void paintOutburst(LightField &field, const Outburst &outburst)
+{
+    const Vector3 &direction = outburst.direction;
+    const Vector3 centre = direction * (outburst.front - outburst.radius);
+    const LightField::Box box = field.boxAround(centre.x, centre.y, 1.1F * outburst.radius);
+    field.visit(box, [&](float &light, float x, float y) {
+        const Vector3 away = (Vector3{x, y, 0.0F} - centre) * (1.0F / outburst.radius);
+        const float place = std::sqrt(dot(away, away));
+        if (place > 1.1F)
+            return;
+        const Vector3 behind = away + direction * 0.35F;
         const float shell = std::max(1.0F - std::fabs(place - 0.9F) * 5.0F, 0.0F);
-        const float behind = std::hypot(awayX + 0.35F * directionX, awayY + 0.35F * directionY);
-        const float core = std::max(1.0F - behind * 3.0F, 0.0F);
-        light += brightness * (0.75F * shell * shell * std::max(0.45F + 0.55F * ahead, 0.0F) +
-                               0.25F * core + (place < 0.9F ? 0.05F : 0.0F));
+        const float core = std::max(1.0F - std::sqrt(dot(behind, behind)) * 3.0F, 0.0F);
+        const float ahead = std::max(0.45F + 0.55F * dot(away, direction), 0.0F);
+        light += outburst.light *
+                 (0.75F * shell * shell * ahead + 0.25F * core + (place < 0.9F ? 0.05F : 0.0F));
     });
 }
 
-void paintOutbursts(LightField &field, qint64 unixTime)
+void paintOutbursts(LightField &field, qint64 unixTime, const Optics &optics)
 {
     constexpr double spacing = 8.0 * secondsPerHour;
     constexpr int kept = 12; // four days, in which the slowest leaves the widest field
@@ -70,8 +87,9 @@ void paintOutbursts(LightField &field, qint64 unixTime)
     for (qint64 number = last - kept; number <= last; ++number) {
         const Draw draw(hashOf(0xcaf, quint64(number)));
         const double age = double(unixTime) - (double(number) + double(draw(0))) * spacing;
-        if (age > 0.0)
-            paintOutburst(field, draw, float(age));
+        const Outburst outburst = outburstOf(draw, float(age));
+        if (age > 0.0 && outburst.front - 2.0F * outburst.radius < optics.edge)
+            paintOutburst(field, outburst);
     }
 }
 
@@ -109,7 +127,7 @@ void paintStars(LightField &field, qint64 unixTime, const Optics &optics)
 
 void paintCoronagraph(LightField &field, qint64 unixTime, const Optics &optics)
 {
-    paintOutbursts(field, unixTime);
+    paintOutbursts(field, unixTime, optics);
     const std::vector<float> streamers = streamersAt(unixTime);
     const float outflow = 0.5F * float(std::fmod(double(unixTime) / secondsPerHour, 500.0));
     const float start = std::log(optics.occulter);

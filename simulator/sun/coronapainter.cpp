@@ -69,6 +69,7 @@ void paintCorona(LightField &field, const Surface &surface,
     if (style.corona <= 0.0F)
         return;
     std::vector<Column> columns;
+    columns.reserve(angles);
     for (int angle = 0; angle < angles; ++angle)
         columns.push_back(columnAt(angle, surface, regions, style));
     const float reach = 1.0F + 9.0F * style.coronaHeight;

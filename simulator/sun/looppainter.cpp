@@ -67,7 +67,9 @@ void paintLoop(LightField &field, const Loop &loop, float light)
     const float step = pi * field.stepFor(loopRadius) / std::max(circumference, 0.01F);
     const float stepLength = circumference / pi * step;
     Vector3 last = loop.middle + loop.half;
-    for (float along = step; along < pi; along += step) {
+    const int steps = int(pi / step);
+    for (int number = 1; number < steps; ++number) {
+        const float along = step * float(number);
         const Vector3 point =
             loop.middle + loop.half * std::cos(along) + loop.top * std::sin(along);
         // A leg that points at the observer is many spots in one place.

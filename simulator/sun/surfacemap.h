@@ -36,7 +36,7 @@ public:
     explicit SurfaceMap(int columns);
 
     /// How many columns go around the Sun, a power of two.
-    int columns() const { return m_columns; }
+    int columns() const { return int(m_columns); }
 
     /// Smoothly interpolated; @p turns from -1 on, @p sinLatitude -1 to 1.
     Texel at(float turns, float sinLatitude) const
