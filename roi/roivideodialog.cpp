@@ -1,12 +1,12 @@
 #include "roi/roivideodialog.h"
 
+#include "base/plainmessagebox.h"
 #include "base/runtimeconfig.h"
 #include "base/utctext.h"
 #include "imaging/framedecoder.h"
 #include "output/sessionfiles.h"
 #include "roi/roicanvas.h"
 #include "roi/roigeometry.h"
-#include "roi/roimessagebox.h"
 #include "ui_roivideodialog.h"
 
 #include <QDir>
@@ -23,6 +23,11 @@
 #include <utility>
 
 namespace {
+
+QString boxTitle()
+{
+    return RoiVideoDialog::tr("ROI video");
+}
 
 QString sourceRowText(const RoiSource &source)
 {
@@ -459,7 +464,9 @@ bool RoiVideoDialog::mayLeaveRois()
         return true;
     const QString question =
         tr("The ROI definitions of this session have unsaved changes.\nSave them to rois.json?");
-    const QMessageBox::StandardButton answer = RoiMessageBox::askToSave(question, this);
+    const QMessageBox::StandardButton answer = PlainMessageBox::ask(
+        this, boxTitle(), question, QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
+        QMessageBox::Save);
     return answer == QMessageBox::Discard || (answer == QMessageBox::Save && storeRois());
 }
 
@@ -579,10 +586,10 @@ void RoiVideoDialog::setStatus(const QString &text)
 
 void RoiVideoDialog::warn(const QString &text)
 {
-    RoiMessageBox::show(QMessageBox::Warning, text, this);
+    PlainMessageBox::show(this, QMessageBox::Warning, boxTitle(), text);
 }
 
 void RoiVideoDialog::inform(const QString &text)
 {
-    RoiMessageBox::show(QMessageBox::Information, text, this);
+    PlainMessageBox::show(this, QMessageBox::Information, boxTitle(), text);
 }
