@@ -1,5 +1,6 @@
 #include "app/applicationlook.h"
 #include "app/terminationsignals.h"
+#include "base/helperprograms.h"
 #include "base/runtimeconfig.h"
 #include "ui/mainwindow.h"
 
@@ -15,6 +16,7 @@ int main(int argc, char *argv[])
     // A decimal point on every system.
     QLocale::setDefault(QLocale(QLocale::English, QLocale::AnyCountry));
     RuntimeConfig::ensureRuntimeConfig();
+    HelperPrograms::linkMissing();
     applyApplicationLook(application);
 
     MainWindow window;

@@ -1,9 +1,7 @@
 #include "simulator/archive/archive.h"
 #include "simulator/service/server.h"
-#include "tests/support/testfolder.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QProcess>
 #include <QSettings>
@@ -29,8 +27,8 @@ void TestProgram::firstStartCompletesItsFolderAndFetchesTheCatalog()
     QVERIFY(home.mkpath(QStringLiteral("sys")) && home.mkpath(QStringLiteral("bin")));
     const QString program = home.filePath(QStringLiteral("orvik"));
     QVERIFY(QFile::copy(QStringLiteral(ORVIK_PROGRAM), program)); // a link would lead back
-    QVERIFY(QFile::link(QFileInfo(TestFolder::path(QStringLiteral("bin/curl"))).canonicalFilePath(),
-                        home.filePath(QStringLiteral("bin/curl"))));
+    const QString ffmpeg = home.filePath(QStringLiteral("bin/ffmpeg"));
+    QVERIFY(QFile::link(QStringLiteral("/nowhere/ffmpeg"), ffmpeg)); // and is not to be touched
     QSettings ini(home.filePath(QStringLiteral("sys/orvik.ini")), QSettings::IniFormat);
     ini.setValue(QStringLiteral("network/apiBase"), server.baseUrl());
     ini.sync();
@@ -53,6 +51,8 @@ void TestProgram::firstStartCompletesItsFolderAndFetchesTheCatalog()
     QCOMPARE(ini.value(QStringLiteral("network/apiBase")).toString(), server.baseUrl());
     QCOMPARE(ini.allKeys().size(), 13);
     QVERIFY(home.exists(QStringLiteral("out")));
+    QVERIFY(home.exists(QStringLiteral("bin/curl"))); // by which the catalog has come
+    QCOMPARE(QFile::symLinkTarget(ffmpeg), QStringLiteral("/nowhere/ffmpeg"));
 }
 
 QTEST_GUILESS_MAIN(TestProgram)
