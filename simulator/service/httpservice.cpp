@@ -103,6 +103,8 @@ void HttpService::readRequest(QTcpSocket *socket)
         sendAndClose(socket, headOf(answer) + answer.body);
         return;
     }
+    if (m_journal)
+        m_journal(words.at(1));
     serve(socket, *operation, QUrlQuery(target), m_faults.next(*operation));
 }
 
