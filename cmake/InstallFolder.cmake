@@ -13,7 +13,8 @@ endif()
 
 set(programs orvik)
 install(TARGETS ${programs} RUNTIME DESTINATION . COMPONENT folder)
-install(FILES LICENSE packaging/README DESTINATION . COMPONENT folder)
+install(FILES LICENSE DESTINATION . COMPONENT folder)
+install(FILES packaging/README DESTINATION . COMPONENT bundle EXCLUDE_FROM_ALL)
 install(DIRECTORY doc DESTINATION . COMPONENT folder)
 install(PROGRAMS packaging/register DESTINATION . COMPONENT folder)
 install(FILES packaging/orvik.desktop.in packaging/orvik.metainfo.xml
