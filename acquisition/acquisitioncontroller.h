@@ -95,7 +95,8 @@ private:
     void enterStage(Stage stage);
     void takeNextStep();
 
-    // Steps that send signals on their way give false when a slot has ended the session over one.
+    // Steps that send signals return false when a connected slot ended the session; the caller then
+    // returns.
 
     void resetSession(const AcquisitionSettings &settings);
     bool createSessionFiles(QString *errorText);
