@@ -47,7 +47,7 @@ FilmOutcome RoiEncoder::runToEnd(const FilmOrder &order)
     m_encoder.start(order);
     if (m_encoder.isRunning())
         wait.exec();
-    m_encoder.cancel(); // a program that quits ends the wait before the encoder does
+    m_encoder.cancel(); // when the application quits, the loop ends first
     return outcome;
 }
 
