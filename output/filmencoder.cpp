@@ -94,7 +94,8 @@ void FilmEncoder::onReadyRead()
 
 void FilmEncoder::onStartLimit()
 {
-    if (m_process->waitForStarted(0) || !m_process)
+    const bool started = m_process->waitForStarted(0);
+    if (started || !isRunning())
         return; // it has just started, or failed to start
     const QString reason = m_process->errorString();
     m_process->disconnect(this);
@@ -104,6 +105,7 @@ void FilmEncoder::onStartLimit()
 
 void FilmEncoder::conclude(const FilmOutcome &outcome)
 {
+    m_outcome = outcome;
     m_startLimit.stop();
     m_process->disconnect(this);
     ChildProcess::letGo(std::exchange(m_process, nullptr));

@@ -49,6 +49,7 @@ public:
     ~FilmEncoder() override;
 
     bool isRunning() const { return m_process; }
+    const FilmOutcome &outcome() const { return m_outcome; } ///< of the last run that has ended
     /// The last @p maxCharacters, of 64 KB at most, that ffmpeg has written; trimmed.
     QString lastOutput(int maxCharacters) const;
 
@@ -73,6 +74,7 @@ private:
     void conclude(const FilmOutcome &outcome);
 
     FilmOrder m_order;
+    FilmOutcome m_outcome;
     QProcess *m_process = nullptr; // owned as a child; exists only during a run
     QByteArray m_output;           // the last 64 to 128 KB
     QTimer m_startLimit;
