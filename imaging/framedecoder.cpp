@@ -31,6 +31,16 @@ bool isWithinLimits(const QImageReader &reader)
 
 } // namespace
 
+QSize FrameDecoder::size(const QString &file)
+{
+    QFile device(file);
+    if (!RegularFile::open(device))
+        return {};
+    QImageReader reader(&device, "png");
+    reader.setAutoDetectImageFormat(false);
+    return isWithinLimits(reader) ? reader.size() : QSize();
+}
+
 QImage FrameDecoder::decode(const QString &file)
 {
     QFile device(file);

@@ -44,6 +44,8 @@ FilmOutcome RoiEncoder::runToEnd(const FilmOrder &order)
         outcome = end;
         wait.quit();
     });
+    connect(&m_encoder, &FilmEncoder::outputRead, &wait,
+            [this](const QString &text) { emit outputRead(text); });
     m_encoder.start(order);
     if (m_encoder.isRunning())
         wait.exec();

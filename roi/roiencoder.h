@@ -34,6 +34,10 @@ public slots:
     /// Kills the encoder, for which a second has to be enough; run() then fails.
     void cancel() { m_encoder.cancel(); }
 
+signals:
+    /// ffmpeg has written @p text, trimmed and not empty.
+    void outputRead(const QString &text);
+
 private:
     FilmOutcome runToEnd(const FilmOrder &order);
     QString failureText(const FilmOutcome &outcome) const;
