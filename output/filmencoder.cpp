@@ -94,7 +94,8 @@ void FilmEncoder::onReadyRead()
 
 void FilmEncoder::onStartLimit()
 {
-    if (m_process->waitForStarted(0) || !m_process)
+    const bool hasStarted = m_process->waitForStarted(0);
+    if (hasStarted || !isRunning())
         return; // at the last moment it has started, or failed to
     const QString reason = m_process->errorString();
     m_process->disconnect(this);

@@ -25,11 +25,10 @@ bool LinkedFrames::areNeeded(const QString &videoFrames, const QVector<int> &num
 bool LinkedFrames::create(const QString &videoFrames, const QVector<int> &numbers,
                           QString *errorText)
 {
-    QDir links(m_folder.path());
-    if (!m_folder.isValid() || !links.mkdir(SessionFiles::videoFramesFolder()))
+    const QDir links(m_folder.filePath(SessionFiles::videoFramesFolder()));
+    if (!m_folder.isValid() || !QDir().mkdir(links.path()))
         return ErrorText::fail(
             errorText, QStringLiteral("no temporary folder: %1").arg(m_folder.errorString()));
-    links.cd(SessionFiles::videoFramesFolder());
     const QDir frames(QDir(videoFrames).absolutePath());
     for (int i = 0; i < numbers.size(); ++i) {
         const QString link = links.filePath(SessionFiles::frame(i));
