@@ -30,7 +30,7 @@ QString stateText(SessionReport::State state)
     case SessionReport::State::Canceled:
         return QStringLiteral("stopped before its end");
     case SessionReport::State::Recovered:
-        return QStringLiteral("killed before its end, session.json recovered");
+        return QStringLiteral("closed or killed before its end; session.json recovered");
     case SessionReport::State::NoDescriptor:
         break;
     }

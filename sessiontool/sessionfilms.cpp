@@ -72,9 +72,9 @@ void SessionFilms::makeFilm(const DescribedSource &source)
             QStringLiteral("%1: no frame was accepted; no film").arg(source.nickname));
         return;
     }
-    const QString reason = refusal(source);
-    if (!reason.isEmpty()) {
-        fail(source, reason);
+    if (!StoredDescriptors::isFolderName(source.archiveName)) {
+        fail(source,
+             QStringLiteral("\"%1\" is no folder inside the session").arg(source.archiveName));
         return;
     }
     const QString film = QDir(m_session.filePath(source.archiveName))
@@ -92,22 +92,23 @@ void SessionFilms::makeFilm(const DescribedSource &source)
         encode(source, film, numbers);
 }
 
-/// Why nothing may be written to the folder of @p source; empty when it may.
-QString SessionFilms::refusal(const DescribedSource &source) const
+/// Whether films may be written to the folder of @p source, which may be a link.
+bool SessionFilms::mayWriteTo(const DescribedSource &source, QString *errorText) const
 {
-    if (!StoredDescriptors::isFolderName(source.archiveName))
-        return QStringLiteral("\"%1\" is no folder inside the session").arg(source.archiveName);
     RoiSource folder;
     folder.nickname = source.nickname;
     folder.archiveName = source.archiveName;
-    QString reason;
-    RoiSession::mayWriteTo(folder, m_session.absolutePath(), &reason);
-    return reason;
+    return RoiSession::mayWriteTo(folder, m_session.absolutePath(), errorText);
 }
 
 void SessionFilms::encode(const DescribedSource &source, const QString &film,
                           const QVector<int> &numbers)
 {
+    QString reason;
+    if (!mayWriteTo(source, &reason)) {
+        fail(source, reason);
+        return;
+    }
     const QDir folder(m_session.filePath(source.archiveName));
     const QString videoFrames = folder.absoluteFilePath(SessionFiles::videoFramesFolder());
     const int usable = countUsable(QDir(videoFrames), numbers);
@@ -116,23 +117,20 @@ void SessionFilms::encode(const DescribedSource &source, const QString &film,
                          .arg(QString::number(usable), QString::number(numbers.size())));
         return;
     }
+    std::optional<LinkedFrames> links;
+    if (LinkedFrames::areNeeded(videoFrames, numbers) &&
+        !links.emplace().create(videoFrames, numbers, &reason)) {
+        fail(source, reason);
+        return;
+    }
     FilmOrder order;
     order.program = RuntimeConfig::ffmpegPath();
-    order.folder = folder.absolutePath();
+    order.folder = links ? links->path() : folder.absolutePath();
     order.inputPattern = SessionLayout::framePattern();
     order.film = film;
     order.fps = m_wishes.fps;
     order.crf = m_wishes.crf;
     order.pictures = numbers.size();
-    LinkedFrames links;
-    QString reason;
-    if (LinkedFrames::areNeeded(videoFrames, numbers)) {
-        if (!links.create(videoFrames, numbers, &reason)) {
-            fail(source, reason);
-            return;
-        }
-        order.folder = links.path();
-    }
     run(source, order);
 }
 

@@ -43,7 +43,7 @@ public slots:
 
 private:
     void makeFilm(const DescribedSource &source);
-    QString refusal(const DescribedSource &source) const;
+    bool mayWriteTo(const DescribedSource &source, QString *errorText) const;
     void encode(const DescribedSource &source, const QString &film, const QVector<int> &numbers);
     void run(const DescribedSource &source, const FilmOrder &order);
     void fail(const DescribedSource &source, const QString &reason);

@@ -20,7 +20,7 @@ struct SessionReport
     enum class State {
         Completed,    ///< ran to its end
         Canceled,     ///< stopped before
-        Recovered,    ///< was killed; its descriptor was written later
+        Recovered,    ///< was closed or killed; its descriptor was written later
         NoDescriptor, ///< has none that could be used
     };
 

@@ -27,7 +27,7 @@ constexpr std::array<CommandText, 4> commands = {{
      "counts of session.json are those of manifest.csv, that names and times fit\n"
      "together, and that each film has as many pictures as there are frames. Each\n"
      "finding is one line."},
-    {Command::Recover, "recover", "write the session.json that a killed run lacks",
+    {Command::Recover, "recover", "write the session.json that a closed or killed run lacks",
      "Writes session.json from manifest.csv and the folders, so that the region tool\n"
      "and the command \"encode\" can use the session. What they do not tell gets\n"
      "Orvik's defaults. A session.json that is there is never touched."},
