@@ -94,8 +94,7 @@ void FilmEncoder::onReadyRead()
 
 void FilmEncoder::onStartLimit()
 {
-    const bool hasStarted = m_process->waitForStarted(0);
-    if (hasStarted || !isRunning())
+    if (m_process->waitForStarted(0) || !m_process)
         return; // at the last moment it has started, or failed to
     const QString reason = m_process->errorString();
     m_process->disconnect(this);

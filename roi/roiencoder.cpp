@@ -13,6 +13,11 @@ constexpr int shownCharacters = 4000;
 
 } // namespace
 
+RoiEncoder::RoiEncoder(QObject *parent) : QObject(parent)
+{
+    connect(&m_encoder, &FilmEncoder::outputRead, this, &RoiEncoder::outputRead);
+}
+
 bool RoiEncoder::isPresent(const QString &program, QString *errorText)
 {
     return QFileInfo::exists(program) ||
@@ -44,8 +49,6 @@ FilmOutcome RoiEncoder::runToEnd(const FilmOrder &order)
         outcome = end;
         wait.quit();
     });
-    connect(&m_encoder, &FilmEncoder::outputRead, &wait,
-            [this](const QString &text) { emit outputRead(text); });
     m_encoder.start(order);
     if (m_encoder.isRunning())
         wait.exec();

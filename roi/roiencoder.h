@@ -12,7 +12,7 @@ class RoiEncoder final : public QObject
     Q_OBJECT
 
 public:
-    using QObject::QObject;
+    explicit RoiEncoder(QObject *parent = nullptr);
 
     /// Whether there is an encoder at @p program; @p errorText, which may be null, says so if not.
     static bool isPresent(const QString &program, QString *errorText = nullptr);
