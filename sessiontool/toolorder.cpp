@@ -117,7 +117,7 @@ ToolOrder toOrder(const QCommandLineParser &parser, Command command, QString *mi
     };
     ToolOrder order;
     order.command = command;
-    order.directory = parser.positionalArguments().last();
+    order.directory = parser.positionalArguments().value(1);
     order.json = isSet("json");
     order.frames = isSet("frames");
     order.decode = isSet("decode");
