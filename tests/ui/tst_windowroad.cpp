@@ -1,5 +1,5 @@
 #include "acquisition/acquisitioncontroller.h"
-#include "app/terminationsignals.h"
+#include "base/terminationsignals.h"
 #include "simulator/archive/archive.h"
 #include "simulator/service/server.h"
 #include "tests/support/testfolder.h"

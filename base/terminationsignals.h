@@ -18,6 +18,6 @@ public:
     explicit TerminationSignals(QObject *parent = nullptr);
 
 signals:
-    /// The program is asked to end.
-    void received();
+    /// The program is asked to end, by the signal of this @p number.
+    void received(int number);
 };

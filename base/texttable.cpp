@@ -1,4 +1,6 @@
-#include "demo/texttable.h"
+#include "base/texttable.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -6,9 +8,9 @@ QVector<int> columnWidths(const QVector<QStringList> &rows)
 {
     QVector<int> widths;
     for (const QStringList &row : rows) {
-        widths.resize(qMax(widths.size(), row.size()));
+        widths.resize(std::max(widths.size(), row.size()));
         for (int column = 0; column < row.size(); ++column)
-            widths[column] = qMax(widths.at(column), row.at(column).size());
+            widths[column] = std::max(widths.at(column), row.at(column).size());
     }
     return widths;
 }

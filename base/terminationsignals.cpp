@@ -1,4 +1,4 @@
-#include "app/terminationsignals.h"
+#include "base/terminationsignals.h"
 
 #include <QtGlobal>
 
@@ -15,9 +15,9 @@ namespace {
 // A handler may call next to nothing, and no Qt: it writes a byte, which the event loop reads.
 std::array<int, 2> ends{-1, -1};
 
-void onSignal(int /*number*/)
+void onSignal(int number)
 {
-    const char byte = 1;
+    const char byte = static_cast<char>(number);
     if (write(ends[0], &byte, 1) < 0)
         _exit(EXIT_FAILURE);
 }
@@ -33,7 +33,7 @@ TerminationSignals::TerminationSignals(QObject *parent) : QObject(parent)
     connect(notifier, &QSocketNotifier::activated, this, [this] {
         char byte = 0;
         if (read(ends[1], &byte, 1) == 1)
-            emit received();
+            emit received(byte);
     });
     struct sigaction action = {};
     action.sa_handler = &onSignal;
