@@ -26,10 +26,10 @@
 namespace FakeProgram {
 
 /**
- * What one run does, in this order: prints, writes files, waits, then ends.
+ * What one run does, in this order: prints, writes files, ends.
  *
- * The key in @c files is a path, "$-o" for the argument after "-o" (any option will do), or "$last"
- * for the last argument; the value is the whole content.
+ * The key in @c files is a path, "$-o" for the argument after "-o", or "$last" for the last
+ * argument; the value is the whole content.
  */
 struct Reply
 {
@@ -37,7 +37,6 @@ struct Reply
     QByteArray standardOutput;
     QByteArray standardError;
     QMap<QString, QByteArray> files;
-    int delayMs = 0;    ///< between the output and the end
     bool hang = false;  ///< does not end until killed (gives up after two minutes)
     bool crash = false; ///< ends by a signal
 };
@@ -46,7 +45,6 @@ struct Reply
 struct Run
 {
     QStringList arguments; ///< without the program's own name
-    QString workingDirectory;
     qint64 processId = 0;
 };
 
@@ -59,13 +57,10 @@ QString install(const QString &path);
 /// One reply for each run, counted from the installation; the last one repeats.
 void setScript(const QString &program, const QVector<Reply> &replies);
 
-/// All runs since the installation or clearJournal(), in the order in which they began.
+/// All runs since the installation, in the order in which they began.
 QVector<Run> runs(const QString &program);
 /// Only the arguments of runs().
 QVector<QStringList> argumentLists(const QString &program);
-
-/// Forgets the runs so far; the next one takes the script's first reply again.
-void clearJournal(const QString &program);
 
 } // namespace FakeProgram
 
