@@ -39,14 +39,9 @@ QString withoutQuery(const QString &line)
 
 } // namespace
 
-AcquisitionRoad::AcquisitionRoad() : server(archive()), controller(new AcquisitionController)
+void SessionEvents::listenTo(const AcquisitionController *sender)
 {
-    if (!server.start())
-        qFatal("cannot start the service");
-    TestFolder::setKey(QStringLiteral("network/apiBase"), server.baseUrl());
-
     using Controller = AcquisitionController;
-    const Controller *sender = controller.get();
     QObject::connect(sender, &Controller::logMessage, sender,
                      [this](const QString &text) { note(withoutQuery(text)); });
     QObject::connect(sender, &Controller::stateChanged, sender,
@@ -56,12 +51,8 @@ AcquisitionRoad::AcquisitionRoad() : server(archive()), controller(new Acquisiti
     });
     QObject::connect(sender, &Controller::sourceTimingAnalyzed, sender,
                      [this](int sourceId, int frames, int median, int min, int max) {
-                         note(QStringLiteral("[timing] %1: %2, %3 %4-%5")
-                                  .arg(sourceId)
-                                  .arg(frames)
-                                  .arg(median)
-                                  .arg(min)
-                                  .arg(max));
+                         note(QString::asprintf("[timing] %d: %d, %d %d-%d", sourceId, frames,
+                                                median, min, max));
                      });
     QObject::connect(sender, &Controller::previewReady, sender,
                      [this](const QString &name, const QString &file, const QDateTime &requested,
@@ -77,6 +68,34 @@ AcquisitionRoad::AcquisitionRoad() : server(archive()), controller(new Acquisiti
             note(QStringLiteral("[finished] ") +
                  (canceled ? QStringLiteral("canceled") : QStringLiteral("completed")));
         });
+}
+
+QStringList SessionEvents::logLines() const
+{
+    static const QRegularExpression logLine(QStringLiteral("^(?!\\[|curl: )"));
+    return events.filter(logLine);
+}
+
+int SessionEvents::count(const char *beginning) const
+{
+    return int(std::count_if(events.cbegin(), events.cend(), [beginning](const QString &event) {
+        return event.startsWith(QLatin1String(beginning));
+    }));
+}
+
+void SessionEvents::note(const QString &event)
+{
+    events += event;
+    if (onEvent)
+        onEvent(event);
+}
+
+AcquisitionRoad::AcquisitionRoad() : server(archive()), controller(new AcquisitionController)
+{
+    if (!server.start())
+        qFatal("cannot start the service");
+    TestFolder::setKey(QStringLiteral("network/apiBase"), server.baseUrl());
+    listenTo(controller.get());
 }
 
 DataSource AcquisitionRoad::aia()
@@ -117,22 +136,9 @@ bool AcquisitionRoad::waitForEnd()
     return !controller->isRunning() || finished.wait(longestSessionMs);
 }
 
-QStringList AcquisitionRoad::logLines() const
-{
-    static const QRegularExpression logLine(QStringLiteral("^(?!\\[|curl: )"));
-    return events.filter(logLine);
-}
-
-int AcquisitionRoad::count(const char *beginning) const
-{
-    return int(std::count_if(events.cbegin(), events.cend(), [beginning](const QString &event) {
-        return event.startsWith(QLatin1String(beginning));
-    }));
-}
-
 QString AcquisitionRoad::sessionFile(const QString &name) const
 {
-    return QDir(m_sessionDirectory).filePath(name);
+    return QDir(sessionDirectory()).filePath(name);
 }
 
 QString AcquisitionRoad::filesIn(const QString &folder) const
@@ -174,11 +180,4 @@ QString AcquisitionRoad::children()
         QStringLiteral("/proc/self/task/%1/children").arg(QCoreApplication::applicationPid()));
     return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll())
                                           : QStringLiteral("this system does not list them");
-}
-
-void AcquisitionRoad::note(const QString &event)
-{
-    events += event;
-    if (onEvent)
-        onEvent(event);
 }

@@ -9,13 +9,38 @@
 #include <functional>
 #include <memory>
 
+/// All that a controller tells, in order.
+class SessionEvents
+{
+public:
+    void listenTo(const AcquisitionController *sender);
+
+    /**
+     * Log lines as they stand, but only the endpoint of a "curl:" line, and "[state] ...",
+     * "[progress] value/maximum", "[timing] ...", "[preview] ...", "[finished] ...".
+     */
+    QStringList events;
+    QStringList logLines() const; ///< of the events, without "curl:" lines
+    int count(const char *beginning) const;
+
+    /// Called with each event from inside the slot that noted it.
+    std::function<void(const QString &)> onEvent;
+
+    QString sessionDirectory() const { return m_sessionDirectory; }
+
+private:
+    void note(const QString &event);
+
+    QString m_sessionDirectory;
+};
+
 /**
  * A service with three datasources, and a controller that talks to it through the real curl.
  *
  * AIA 171 (10) has an image at every full minute, SUVI 195 (2003) every two minutes from second 10
  * on, LASCO C2 (4) every 90 s from second 20 on.
  */
-class AcquisitionRoad
+class AcquisitionRoad : public SessionEvents
 {
 public:
     AcquisitionRoad();
@@ -31,18 +56,6 @@ public:
     bool run(const AcquisitionSettings &settings);
     bool waitForEnd();
 
-    /**
-     * All signals in order: log lines as they stand, but only the endpoint of a "curl:" line, and
-     * "[state] ...", "[progress] value/maximum", "[timing] ...", "[preview] ...", "[finished] ...".
-     */
-    QStringList events;
-    QStringList logLines() const; ///< of the events, without "curl:" lines
-    int count(const char *beginning) const;
-
-    /// Called with each event from inside the slot that noted it.
-    std::function<void(const QString &)> onEvent;
-
-    QString sessionDirectory() const { return m_sessionDirectory; }
     QString sessionFile(const QString &name) const;
     /// Names in a folder of the session, with blanks between them.
     QString filesIn(const QString &folder) const;
@@ -57,9 +70,4 @@ public:
     TestFolder::OutputRoot output;
     Simulator::Server server;
     std::unique_ptr<AcquisitionController> controller;
-
-private:
-    void note(const QString &event);
-
-    QString m_sessionDirectory;
 };

@@ -19,7 +19,7 @@ QSettings &userSettings();
 
 /// A part of the window; the test fails at once when it is missing.
 template<typename Widget>
-Widget *part(const QMainWindow &window, const char *objectName)
+Widget *part(const QWidget &window, const char *objectName)
 {
     auto *found = window.findChild<Widget *>(QLatin1String(objectName));
     if (found == nullptr)

@@ -1,0 +1,547 @@
+#include "base/jsonfile.h"
+#include "imaging/frameannotation.h"
+#include "roi/roisession.h"
+#include "roi/roiset.h"
+#include "simulator/archive.h"
+#include "tests/acquisition/acquisitionroad.h"
+#include "tests/ui/windowfixture.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QImage>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLabel>
+#include <QListWidget>
+#include <QMetaProperty>
+#include <QProcess>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QtTest>
+
+#include <array>
+
+using Simulator::ArchiveSource;
+using WindowFixture::part;
+
+namespace {
+
+constexpr int widthPx = 256;
+constexpr const char *geometryKeys[] = {"scale", "scaleCorrection", "width",    "height",
+                                        "rsun",  "refPixelX",       "refPixelY"};
+
+QDateTime sixOClock(int seconds)
+{
+    return QDateTime(QDate(2024, 5, 1), QTime(6, 0), Qt::UTC).addSecs(seconds);
+}
+
+/// What is chosen in the window and where it is stored. None is a default but the last three, and
+/// no number is another's.
+struct Choice
+{
+    const char *widget;
+    const char *key;
+    QVariant value;
+};
+
+const QVector<Choice> choices = {
+    {"startEdit", "acquisition/startUtc", sixOClock(7)},
+    {"endEdit", "acquisition/endUtc", sixOClock(600)},
+    {"cadenceSpin", "acquisition/cadenceSeconds", 137},
+    {"timeErrorSpin", "acquisition/maxTimeErrorSeconds", 13},
+    {"widthSpin", "acquisition/imageWidth", widthPx},
+    {"fpsSpin", "video/fps", 7},
+    {"crfSpin", "video/crf", 29},
+    {"sourceOverlayCheck", "video/sourceOverlay", false},
+    {"scaleOverlayCheck", "video/scaleOverlay", true},
+    {"keepFramesCheck", "acquisition/keepFrames", true},
+    {"createVideosCheck", "video/create", true},
+    {"sourceTimingProfilesCheck", "acquisition/useSourceTimingProfiles", true},
+};
+constexpr int unlikeDefault = 9;
+
+QVariant valueOf(const QWidget &window, const char *widget)
+{
+    const auto *found = part<QWidget>(window, widget);
+    return found->metaObject()->userProperty().read(found);
+}
+
+void choose(const QWidget &window, const char *widget, const QVariant &value)
+{
+    auto *found = part<QWidget>(window, widget);
+    QVERIFY(found->metaObject()->userProperty().write(found, value));
+}
+
+/// An image every @p spacingSeconds, of a shape and a scale that no other datasource has.
+ArchiveSource source(int sourceId, const char *nickname, const char *path, int spacingSeconds,
+                     const char *start = "2024-05-01 00:00:00")
+{
+    ArchiveSource made;
+    made.sourceId = sourceId;
+    made.nickname = QLatin1String(nickname);
+    made.path = QLatin1String(path);
+    made.start = QLatin1String(start);
+    made.end = QStringLiteral("2024-05-02 00:00:00");
+    made.spacingSeconds = spacingSeconds;
+    made.widthPx = 4096 - 32 * spacingSeconds / 10;
+    made.heightPx = made.widthPx * 3 / 4;
+    made.rsunPx = 600 + 3 * spacingSeconds;
+    made.refPixelX = made.widthPx / 2.0 + 20;
+    made.refPixelY = made.heightPx / 2.0 - 30;
+    return made;
+}
+
+std::shared_ptr<const Simulator::Archive> archive()
+{
+    return std::make_shared<const Simulator::Archive>(QVector<ArchiveSource>{
+        source(10, "AIA 171", "SDO/AIA/171", 400),              // asked too often
+        source(19, "HMI Mag", "SDO/HMI/magnetogram", 45),       // not ticked
+        source(1, "EIT 195", "SOHO/EIT/195", 30),               // its probe fails
+        source(4, "LASCO C2", "SOHO/LASCO/C2/white-light", 50), // at times too far off
+        source(2003, "GOES-R SUVI 195", "GOES/SUVI/195", 240, "2024-05-01 00:00:41")}); // sparse
+}
+
+QString textOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll())
+                                          : QStringLiteral("cannot open ") + path;
+}
+
+QByteArray outputOf(const char *program, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(QLatin1String(program), arguments);
+    process.waitForFinished();
+    return process.readAllStandardOutput();
+}
+
+/// Width, height, frames per second and number of frames of a film, as in "96,160,4/1,5".
+QString shapeOf(const QString &film)
+{
+    const QString options = QStringLiteral("-v error -count_frames -of csv=p=0 -show_entries "
+                                           "stream=width,height,r_frame_rate,nb_read_frames");
+    return QString::fromLatin1(
+        outputOf("ffprobe", options.split(QLatin1Char(' ')) << film).trimmed());
+}
+
+/// How far two pictures are apart at the worst place, 0 to 255. What an encoder does to single
+/// pixels evens out over four of them; a digit that differs does not.
+int difference(const QImage &one, const QImage &other)
+{
+    const auto coarse = [](const QImage &image) {
+        return image.scaled(image.size() / 2, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    };
+    const QImage a = coarse(one);
+    const QImage b = coarse(other);
+    int worst = a.size() == b.size() ? 0 : 255;
+    for (int i = 0; worst < 255 && i < a.width() * a.height(); ++i) {
+        const QPoint pixel(i % a.width(), i / a.width());
+        worst = qMax(worst, qAbs(qGray(a.pixel(pixel)) - qGray(b.pixel(pixel))));
+    }
+    return worst;
+}
+
+/// A request as the ledger has to have it.
+struct Row
+{
+    QString nickname;
+    QDateTime actualUtc;
+    qint64 deltaSeconds;
+    QString file; ///< empty without a frame, as the next
+    QString videoFrame;
+    QJsonObject answer; ///< as the service gives it
+
+    double kmPerPixel() const
+    {
+        return 695700.0 / answer[QStringLiteral("rsun")].toDouble() *
+               (answer[QStringLiteral("width")].toDouble() / widthPx);
+    }
+};
+
+} // namespace
+
+/// From a tick in the window to a pixel of a region's film, value by value.
+class TestWholeRun : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        WindowFixture::isolateUserSettings();
+        WindowFixture::reset();
+        QVERIFY(m_server.start());
+        const QVector<std::pair<const char *, QVariant>> keys = {
+            {"paths/output", m_output.path()},        {"network/apiBase", m_server.baseUrl()},
+            {"network/connectTimeoutSeconds", 11},    {"network/maxTransferSeconds", 77},
+            {"network/preflightParallelRequests", 1}, {"timing/aiaMaxTimeErrorSeconds", 150},
+            {"timing/suviMaxTimeErrorSeconds", 95},   {"timing/preflightProbeSeconds", 345}};
+        for (const auto &[key, value] : keys)
+            TestFolder::setKey(QLatin1String(key), value);
+        noteCallsOf("curl", QStringLiteral("curl"));
+        noteCallsOf("ffmpeg", QStringLiteral("${PWD##*/}: ffmpeg"));
+        m_server.addFault({Simulator::Operation::GetJPX, Simulator::FaultKind::Status, 400, 2, 1});
+    }
+
+    void sessionIsWhatWasAskedFor()
+    {
+        MainWindow window;
+        SessionEvents heard;
+        heard.listenTo(window.findChild<AcquisitionController *>());
+        heard.onEvent = [&window](const QString &event) {
+            const auto *bar = part<QProgressBar>(window, "progress");
+            if (event.startsWith(QLatin1String("[progress] ")))
+                QCOMPARE(event.mid(11), QString::asprintf("%d/%d", bar->value(), bar->maximum()));
+            if (event.startsWith(QLatin1String("[state] ")))
+                QCOMPARE(event.mid(8), part<QLabel>(window, "stateLabel")->text());
+        };
+        window.show();
+        QTRY_VERIFY(WindowFixture::findLeaf(window, QStringLiteral("EIT")) != nullptr);
+        for (int i = 0; i < choices.size(); ++i) {
+            QCOMPARE(valueOf(window, choices[i].widget) == choices[i].value, i >= unlikeDefault);
+            choose(window, choices[i].widget, choices[i].value);
+        }
+        for (const char *name : {"LASCO C2", "AIA 171", "GOES-R SUVI 195", "EIT 195"})
+            WindowFixture::clickLeaf(window, QLatin1String(name));
+        const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
+        WindowFixture::clickToolButton(window, "actionStartAcquisition");
+        const int opening = heard.logLines().size();
+        QTRY_COMPARE_WITH_TIMEOUT(heard.events.last(), QStringLiteral("[finished] completed"),
+                                  60'000);
+        m_session = heard.sessionDirectory();
+        QCOMPARE(m_session, m_output.path() + QStringLiteral("/20240501_060007__20240501_061000"));
+        const QDateTime completed = QDateTime::fromString(completedUtc(), Qt::ISODate);
+        QVERIFY(before <= completed && completed <= QDateTime::currentDateTimeUtc());
+
+        readExpectedRows();
+        compare(heard.events.join(QLatin1Char('\n')), "events.txt");
+        compare(textOf(m_journal), "calls.txt");
+        compare(textOf(sessionFile(QStringLiteral("manifest.csv"))), "manifest.csv");
+        compare(textOf(sessionFile(QStringLiteral("session.json"))), "session.json");
+        const QRegularExpression clock(QStringLiteral("\\[\\d\\d:\\d\\d:\\d\\d\\] (curl: .*\n)?"));
+        QCOMPARE(named(WindowFixture::logText(window).remove(clock)),
+                 named(QStringLiteral("Acquisition started.\n") +
+                       QStringList(heard.logLines().mid(opening)).join(QLatin1Char('\n')) +
+                       QStringLiteral("\nOutput: ") + m_session + QLatin1Char('\n')));
+        QTRY_COMPARE(part<QLabel>(window, "previewMeta")->text(),
+                     QStringLiteral("Source: LASCO C2   |   Actual: 2024-05-01 06:09:10 UTC\n"
+                                    "Requested: 2024-05-01 06:09:15 UTC   |   Delta: -5 s"));
+    }
+
+    void choicesAreStored()
+    {
+        const MainWindow window;
+        for (const Choice &choice : choices) {
+            QCOMPARE(WindowFixture::userSettings().value(QLatin1String(choice.key)), choice.value);
+            QCOMPARE(valueOf(window, choice.widget), choice.value);
+        }
+    }
+
+    void framesAreAsServedAndAnnotated()
+    {
+        for (const Row &row : framesIn(QString())) {
+            const QByteArray served =
+                ask("/downloadImage/?type=png&width=%1&id=%2", QString::number(widthPx),
+                    row.answer[QStringLiteral("id")].toString());
+            QFile original(sessionFile(row.file));
+            QVERIFY(original.open(QIODevice::ReadOnly));
+            QCOMPARE(original.readAll(), served);
+            const QImage copy(sessionFile(row.videoFrame));
+            const auto annotated = [&](const QDateTime &utc) {
+                QImage image = QImage::fromData(served).convertToFormat(copy.format());
+                drawFrameAnnotations(image, utc, row.nickname, true, false, true, row.kmPerPixel());
+                return image;
+            };
+            const QDateTime requestedUtc = row.actualUtc.addSecs(-row.deltaSeconds);
+            QCOMPARE(copy, annotated(row.actualUtc));
+            QCOMPARE(copy == annotated(requestedUtc), row.actualUtc == requestedUtc);
+        }
+    }
+
+    void filmsHaveAllFrames()
+    {
+        for (const char *source : {"GOES-R_SUVI_195", "AIA_171", "EIT_195", "LASCO_C2"}) {
+            const QString folder = QLatin1String(source) + QStringLiteral("_20240501_060007");
+            QCOMPARE(
+                shapeOf(sessionFile(folder + QLatin1Char('/') + folder + QStringLiteral(".mp4"))),
+                QString::asprintf("256,192,7/1,%d", framesIn(folder).size()));
+        }
+    }
+
+    void storedSessionIsReadBack()
+    {
+        const auto session = RoiSession::load(m_session);
+        QVERIFY(session);
+        QCOMPARE(session->startUtc, sixOClock(7));
+        QCOMPARE(session->sources.size(), 4);
+        const auto described = [](const QString &file, const QDateTime &utc,
+                                  const QJsonObject &metadata) {
+            QString text = file + utc.toString(Qt::ISODate);
+            for (const char *key : geometryKeys)
+                text += QString::asprintf(" %.9g", metadata[QLatin1String(key)].toDouble());
+            return text;
+        };
+        for (const RoiSource &source : session->sources) {
+            QStringList frames;
+            for (const RoiSourceFrame &frame : source.frames)
+                frames += described(frame.file, frame.actualUtc, frame.metadata);
+            for (const Row &row : framesIn(source.archiveName)) {
+                QCOMPARE(source.nickname, row.nickname);
+                QCOMPARE(frames.takeFirst(),
+                         described(sessionFile(row.file), row.actualUtc, row.answer));
+            }
+            QCOMPARE(frames, QStringList());
+        }
+    }
+
+    /// One scale is not in the ledger and has to be asked for.
+    void regionFilmsShowTheSession()
+    {
+        QFile manifest(sessionFile(QStringLiteral("manifest.csv")));
+        QByteArray rows = textOf(manifest.fileName()).toUtf8();
+        QCOMPARE(rows.count(",1320,"), 3); // the solar radius in SUVI's pixels
+        QVERIFY(manifest.open(QIODevice::WriteOnly) &&
+                manifest.write(rows.replace(",1320,", ",,")) == rows.size());
+        manifest.close();
+        const QRectF pixels(64 / 256.0, 24 / 192.0, 160 / 256.0, 96 / 192.0);
+        QVERIFY(RoiSet::save({{QStringLiteral("Flare / west"), pixels, true, 90},
+                              {QStringLiteral("b"), pixels, false, 0}},
+                             m_session));
+        QVERIFY(QFile::remove(m_journal));
+
+        const MainWindow window;
+        const WindowFixture::BoxCloser boxes;
+        QTimer::singleShot(0, this, &TestWholeRun::filmRegions);
+        part<QAction>(window, "actionCreateRoiVideo")->trigger();
+        QCOMPARE(boxes.shown.size(), 2);
+        compare(textOf(m_journal), "regioncalls.txt");
+
+        for (const char *source : {"GOES-R_SUVI_195", "AIA_171", "EIT_195", "LASCO_C2"})
+            expectTurnedFilm(QLatin1String(source) + QStringLiteral("_20240501_060007"));
+        QVector<QImage> stamped;
+        for (const Row &row : framesIn(QStringLiteral("EIT_195"))) {
+            stamped += frameOf(row).copy(64, 24, 160, 96);
+            drawFrameAnnotations(stamped.last(), row.actualUtc, row.nickname, true, true, false, 0);
+        }
+        expectFilm(QStringLiteral("EIT_195_20240501_060007"), "02_b", "160,96,5/1,", stamped);
+    }
+
+    /// With the first run there are four, in which no two of five choices are always alike.
+    void eachChoiceOfItsOwn()
+    {
+        using Texts = std::array<const char *, 3>;
+        for (const auto &[off, flags, files] :
+             {Texts{"keepFramesCheck", "10011", "film"},
+              Texts{"createVideosCheck", "10101", "frame_000000.png video_frames"},
+              Texts{"sourceTimingProfilesCheck", "10110", "film frame_000000.png video_frames"}}) {
+            MainWindow window;
+            window.show();
+            part<QPushButton>(window, "clearButton")->click();
+            WindowFixture::clickLeaf(window, QStringLiteral("AIA 171"));
+            choose(window, "endEdit", sixOClock(7));
+            choose(window, "scaleOverlayCheck", false);
+            for (const char *widget : {"sourceOverlayCheck", "keepFramesCheck", "createVideosCheck",
+                                       "sourceTimingProfilesCheck"})
+                choose(window, widget, qstrcmp(widget, off) != 0);
+            QSignalSpy finished(window.findChild<AcquisitionController *>(),
+                                &AcquisitionController::finished);
+            WindowFixture::clickToolButton(window, "actionStartAcquisition");
+            QVERIFY(finished.wait(30'000));
+            const QDir session(finished.first().at(1).toString());
+            const QJsonObject stored = descriptorIn(session.path());
+            QString described;
+            for (const char *key : {"sourceOverlay", "scaleOverlay", "keepFrames", "createVideos",
+                                    "useSourceTimingProfiles"})
+                described += QString::number(stored[QLatin1String(key)].toBool());
+            QCOMPARE(described, QLatin1String(flags));
+            const QString source = QStringLiteral("AIA_171_20240501_060007");
+            QStringList found =
+                QDir(session.filePath(source)).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+            QCOMPARE(found.replaceInStrings(source + QStringLiteral(".mp4"), QStringLiteral("film"))
+                         .join(QLatin1Char(' ')),
+                     QLatin1String(files));
+        }
+    }
+
+private:
+    /// Puts a script in the place of a program that notes how it is called.
+    void noteCallsOf(const char *program, const QString &caller) const
+    {
+        const QString name = QLatin1String(program);
+        const QString commands =
+            QStringLiteral("echo \"%1 $*\" >>'%2'\nexec '%3' \"$@\"")
+                .arg(caller, m_journal, TestFolder::path(QStringLiteral("bin/") + name));
+        TestFolder::setKey(
+            QStringLiteral("paths/") + name,
+            TestFolder::writeScript(QStringLiteral("noted-") + name, commands.toUtf8()));
+    }
+
+    /// What the service answers when it is asked by other means than the program's.
+    QByteArray ask(const char *question, const QString &first, const QString &second) const
+    {
+        return outputOf("curl",
+                        {QStringLiteral("-sS"),
+                         m_server.baseUrl() + QString::fromLatin1(question).arg(first, second)});
+    }
+
+    static QString expected(const char *name)
+    {
+        return textOf(QFINDTESTDATA(QStringLiteral("wholerun/") + QLatin1String(name)));
+    }
+
+    void readExpectedRows()
+    {
+        const QStringList lines =
+            expected("manifest.csv").remove(QLatin1Char('"')).split(QLatin1Char('\n'));
+        for (int i = 1; i + 1 < lines.size(); ++i) {
+            const QStringList fields = lines.at(i).split(QLatin1Char(','));
+            const QByteArray answer =
+                ask("/getClosestImage/?date=%1&sourceId=%2", fields.at(3), fields.at(0));
+            m_rows.append({fields.at(1), QDateTime::fromString(fields.at(4), Qt::ISODate),
+                           fields.at(5).toLongLong(), fields.at(8), fields.at(9),
+                           QJsonDocument::fromJson(answer).object()});
+        }
+    }
+
+    /// The rows with a frame in a folder.
+    QVector<Row> framesIn(const QString &folder) const
+    {
+        QVector<Row> rows;
+        std::copy_if(m_rows.cbegin(), m_rows.cend(), std::back_inserter(rows), [&](const Row &row) {
+            return !row.file.isEmpty() && row.file.startsWith(folder);
+        });
+        return rows;
+    }
+
+    QString sessionFile(const QString &name) const { return m_session + QLatin1Char('/') + name; }
+
+    QImage frameOf(const Row &row) const
+    {
+        return QImage(sessionFile(row.file)).convertToFormat(QImage::Format_RGB32);
+    }
+
+    static QJsonObject descriptorIn(const QString &session)
+    {
+        return JsonFile::load(session + QStringLiteral("/session.json")).value_or(QJsonObject());
+    }
+
+    QString completedUtc() const
+    {
+        return descriptorIn(m_session)[QStringLiteral("completedUtc")].toString();
+    }
+
+    /// @p text with names in the place of what differs from run to run.
+    QString named(QString text) const
+    {
+        static const QRegularExpression chatter(
+            QStringLiteral("(?<=\\.mp4\n)(?!Video|FFMPEG).*?(?=Video completed|FFMPEG ERROR)"),
+            QRegularExpression::DotMatchesEverythingOption);
+        text.remove(chatter)
+            .replace(m_session, QStringLiteral("SESSION"))
+            .replace(m_server.baseUrl(), QStringLiteral("API"))
+            .replace(completedUtc(), QStringLiteral("NOW"));
+        for (const Row &row : m_rows) {
+            QStringList geometry;
+            for (const char *key : geometryKeys)
+                geometry += QString::number(row.answer[QLatin1String(key)].toDouble(), 'g', 15);
+            text.replace(geometry.join(QLatin1Char(',')),
+                         QStringLiteral("geometry of ") + row.nickname);
+            text.replace(row.answer[QStringLiteral("id")].toString(),
+                         row.nickname + row.actualUtc.toString(QStringLiteral("@HH:mm:ss")));
+        }
+        return text;
+    }
+
+    void compare(const QString &text, const char *name) const
+    {
+        const QStringList found = named(text).split(QLatin1Char('\n'));
+        const QStringList lines = expected(name).split(QLatin1Char('\n'));
+        for (int i = 0; i < qMin(found.size(), lines.size()); ++i)
+            QCOMPARE(found.at(i), lines.at(i));
+        QCOMPARE(found.size(), lines.size());
+    }
+
+    /// In the dialog that has opened: first all datasources, with an introduction, a scale and
+    /// nothing else, then another region of one of them, the other way round.
+    void filmRegions()
+    {
+        const QWidget *dialog = QApplication::activeModalWidget();
+        const auto film = [dialog](const QVector<std::pair<const char *, QVariant>> &fields) {
+            for (const auto &[name, value] : fields)
+                choose(*dialog, name, value);
+            part<QPushButton>(*dialog, "generateButton")->click();
+        };
+        QCOMPARE(valueOf(*dialog, "fpsSpin"), 7); // the session's own, as the next three
+        QCOMPARE(valueOf(*dialog, "crfSpin"), 29);
+        QCOMPARE(valueOf(*dialog, "sourceOverlayCheck"), false);
+        QCOMPARE(valueOf(*dialog, "scaleOverlayCheck"), true);
+        film({{"fpsSpin", 4},
+              {"crfSpin", 2},
+              {"timestampCheck", false},
+              {"introCheck", true},
+              {"zoomDurationSpin", 0.5},
+              {"allSourcesCheck", true}});
+        part<QComboBox>(*dialog, "sourceCombo")->setCurrentIndex(2);
+        part<QListWidget>(*dialog, "roiList")->item(0)->setCheckState(Qt::Unchecked);
+        part<QListWidget>(*dialog, "roiList")->item(1)->setCheckState(Qt::Checked);
+        film({{"fpsSpin", 5},
+              {"crfSpin", 3},
+              {"timestampCheck", true},
+              {"sourceOverlayCheck", true},
+              {"scaleOverlayCheck", false},
+              {"introCheck", false},
+              {"allSourcesCheck", false}});
+        part<QPushButton>(*dialog, "closeButton")->click();
+    }
+
+    /// The introduction: the whole frame squeezed, then the region. All of it turned.
+    void expectTurnedFilm(const QString &folder) const
+    {
+        const auto turned = [](const QImage &image, double kmPerPixel) {
+            QImage picture = image.transformed(QTransform().rotate(-90));
+            drawFrameAnnotations(picture, {}, {}, false, false, true, kmPerPixel);
+            return picture;
+        };
+        QVector<QImage> pictures;
+        for (const Row &row : framesIn(folder)) {
+            const QImage frame = frameOf(row);
+            const QImage region = turned(frame.copy(64, 24, 160, 96), row.kmPerPixel());
+            const QImage whole =
+                frame.scaled(160, 96, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            if (pictures.isEmpty())
+                pictures = {turned(whole, row.kmPerPixel() * 192 / 96), region};
+            pictures += region;
+        }
+        expectFilm(folder, "01_Flare_west", "96,160,4/1,", pictures);
+    }
+
+    void expectFilm(const QString &folder, const char *region, const char *shape,
+                    const QVector<QImage> &pictures) const
+    {
+        const QString film =
+            sessionFile(QStringLiteral("%1/%1__ROI_%2.mp4").arg(folder, QLatin1String(region)));
+        QCOMPARE(shapeOf(film), QLatin1String(shape) + QString::number(pictures.size()));
+        const QString options =
+            QStringLiteral("-v error -vf tile=1x%1 -f image2pipe -c:v png -").arg(pictures.size());
+        const QImage strip = QImage::fromData(outputOf(
+            "ffmpeg", QStringList{QStringLiteral("-i"), film} + options.split(QLatin1Char(' '))));
+        const QSize size = pictures.constFirst().size();
+        constexpr int encodersDoing = 16; // a stamp that is a second off makes 25
+        for (int i = 0; i < pictures.size(); ++i) {
+            const int found =
+                difference(strip.copy(QRect(QPoint(0, i * size.height()), size)), pictures.at(i));
+            QVERIFY2(found < encodersDoing,
+                     qPrintable(QStringLiteral("%1, picture %2: %3").arg(film).arg(i).arg(found)));
+        }
+    }
+
+    Simulator::Server m_server{archive()};
+    QTemporaryDir m_output;
+    QString m_journal = m_output.filePath(QStringLiteral("calls"));
+    QString m_session;
+    QVector<Row> m_rows;
+};
+
+QTEST_MAIN(TestWholeRun)
+#include "tst_wholerun.moc"
