@@ -38,9 +38,14 @@ void checkDescriptor(const QString &path, SessionCheck &check)
     const QJsonObject session = JsonFile::load(path).value_or(QJsonObject());
     const QJsonArray sources = session.value(QLatin1String("sources")).toArray();
     int accepted = 0;
-    for (const auto &source : sources)
+    int copied = 0;
+    for (const auto &source : sources) {
         accepted += source.toObject().value(QLatin1String("acceptedFrames")).toInt();
-    if (check.hasDescriptor && (session.isEmpty() || accepted != check.statuses.count(ok)))
+        copied += source.toObject().value(QLatin1String("timestampedVideoFrames")).toInt();
+    }
+    const int rows = check.statuses.count(ok);
+    if (check.hasDescriptor &&
+        (session.isEmpty() || accepted != rows || copied != check.pictures - rows))
         check.faults += QStringLiteral("session.json does not agree with the manifest");
 }
 
