@@ -74,7 +74,7 @@ void choose(const QWidget &window, const char *widget, const QVariant &value)
 
 /// An image every @p spacingSeconds, of a shape and a scale that no other datasource has.
 ArchiveSource source(int sourceId, const char *nickname, const char *path, int spacingSeconds,
-                     const char *start = "2024-05-01 00:00:00")
+                     const char *start = "2010-06-02 00:00:00")
 {
     ArchiveSource made;
     made.sourceId = sourceId;
@@ -98,7 +98,7 @@ std::shared_ptr<const Simulator::Archive> archive()
         source(19, "HMI Mag", "SDO/HMI/magnetogram", 45),       // not ticked
         source(1, "EIT 195", "SOHO/EIT/195", 30),               // its probe fails
         source(4, "LASCO C2", "SOHO/LASCO/C2/white-light", 50), // at times too far off
-        source(2003, "GOES-R SUVI 195", "GOES/SUVI/195", 240, "2024-05-01 00:00:41")}); // sparse
+        source(2003, "GOES-R SUVI 195", "GOES/SUVI/195", 240, "2010-06-02 00:00:41")}); // sparse
 }
 
 QString textOf(const QString &path)
