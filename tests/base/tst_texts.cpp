@@ -1,9 +1,13 @@
 #include "base/filenames.h"
+#include "base/loglineclass.h"
 #include "base/utctext.h"
 
 #include <QtTest>
 
-/// Times and names as texts.
+using LogLineClass::LineClass;
+Q_DECLARE_METATYPE(LogLineClass::LineClass)
+
+/// Times, names and the first words of log lines.
 class TestTexts : public QObject
 {
     Q_OBJECT
@@ -77,6 +81,42 @@ private slots:
     {
         QFETCH(QString, text);
         QTEST(FileNames::roiPart(text), "expected");
+    }
+
+    void firstFittingRuleDecides_data()
+    {
+        QTest::addColumn<LineClass>("expected");
+        const auto row = [](const char *text, LineClass expected) {
+            QTest::newRow(text) << expected;
+        };
+        row("warning: x failed", LineClass::Warning);
+        row("  ERROR: unavailable", LineClass::Error);
+        row("ffmpeg error (AIA 171)", LineClass::Error);
+        row("REJECT x DOWNLOAD_ERROR", LineClass::Error);
+        row("rejectxDOWNLOAD_ERROR", LineClass::Warning);
+        row("AIA 171 lookup_error", LineClass::Error);
+        row("DUPLICATE AIA 171", LineClass::Warning);
+        row("Suspicious frame", LineClass::Warning);
+        row("VIDEO SKIPPED AIA 171", LineClass::Warning);
+        row("SKIPPED", LineClass::Plain);
+        row("probe unavailable: failed", LineClass::Warning);
+        row("ffmpeg: Invalid data found", LineClass::Error);
+        row("curl: (28) Operation timed out", LineClass::Info);
+        row("FFMPEG: frame=12", LineClass::Info);
+        row("OK AIA 171", LineClass::Success);
+        row(" OK ", LineClass::Plain);
+        row("Video completed: x.mp4", LineClass::Success);
+        row("  session completed. ", LineClass::Success);
+        row("Session completed. 3 videos", LineClass::Plain);
+        row("Helioviewer datasource catalog updated.", LineClass::Success);
+        row("ROI definitions saved: x", LineClass::Success);
+        row("", LineClass::Plain);
+    }
+
+    void firstFittingRuleDecides()
+    {
+        const QString text = QString::fromLatin1(QTest::currentDataTag());
+        QTEST(LogLineClass::classify(text), "expected");
     }
 };
 

@@ -1,45 +1,38 @@
 #include "client/helioviewerclient.h"
-
+#include "client/helioviewerresponses.h"
 #include "tests/support/fakeprogram.h"
 #include "tests/support/testfolder.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QtTest>
 
 namespace {
 
-const QDateTime &noon()
+QDateTime noon()
 {
-    static const QDateTime time(QDate(2024, 5, 1), QTime(12, 0), Qt::UTC);
-    return time;
+    return {QDate(2024, 5, 1), QTime(12, 0), Qt::UTC};
 }
 
-QList<QVariant> error(const QString &operation, const QString &message)
+QJsonObject object(const QByteArray &json)
 {
-    return {operation, message};
-}
-
-FakeProgram::Reply answering(const QByteArray &answer)
-{
-    FakeProgram::Reply reply;
-    reply.standardOutput = answer;
-    return reply;
-}
-
-FakeProgram::Reply downloading(const QByteArray &content)
-{
-    FakeProgram::Reply reply;
-    reply.files.insert(QStringLiteral("$-o"), content);
-    return reply;
+    return QJsonDocument::fromJson(json).object();
 }
 
 } // namespace
 
-/// The client against a stand-in for curl: what it is asked, and when it is not.
+/// Answers as values, and the client against a stand-in for curl: what it is asked, and when not.
 class TestHelioviewerClient : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void initTestCase()
+    {
+        qputenv("TZ", "Europe/Berlin"); // a zone with daylight saving time
+        tzset();
+    }
+
     void init()
     {
         TestFolder::clearKeys();
@@ -51,57 +44,118 @@ private slots:
         QFile::remove(m_png);
     }
 
-    void commandLines()
+    void frameIndex_data()
     {
-        TestFolder::setKey(QStringLiteral("network/connectTimeoutSeconds"), 5);
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<QVector<qint64>>("seconds");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("nothing to say") << QByteArray(R"({"message":null,"frames":[7,5,5]})")
+                                        << QVector<qint64>{7, 5, 5} << QString();
+        QTest::newRow("numbers, texts and rubbish")
+            << QByteArray(R"({"frames":[1715299211.9,"1715299451",0,-3,0.9,null,true,[9],"12s","",)"
+                          R"(1e300,"9223372036854775807"],"message":"thinned"})")
+            << QVector<qint64>{1715299211, 1715299451} << QStringLiteral("thinned");
+    }
+
+    void frameIndex()
+    {
+        QFETCH(QByteArray, answer);
+        const auto index = HelioviewerResponses::frameIndex(object(answer));
+        QVector<qint64> seconds;
+        for (const QDateTime &frame : index.framesUtc)
+            seconds.append(frame.timeSpec() == Qt::UTC ? frame.toSecsSinceEpoch() : -1);
+        QTEST(seconds, "seconds");
+        QTEST(index.message, "message");
+    }
+
+    void closestImage_data()
+    {
+        const QString noonFive = QStringLiteral("2024-05-01T12:00:07.000Z 5");
+        QTest::addColumn<QByteArray>("date");
+        QTest::addColumn<QByteArray>("id");
+        QTest::addColumn<QString>("expected"); // empty: refused
+        const auto row = [](const char *name, const char *date, const char *id,
+                            const QString &expected) {
+            QTest::newRow(name) << QByteArray(date) << QByteArray(id) << expected;
+        };
+        row("service's form", "2024-05-01 12:00:07", "\"5\"", noonFive);
+        row("id as number", "2024-05-01 12:00:07", "5", noonFive);
+        row("hour that summer time skips", "2024-03-31 02:30:00", "5",
+            QStringLiteral("2024-03-31T02:30:00.000Z 5"));
+        row("milliseconds, no zone", "2024-03-31T02:30:00.250", "5",
+            QStringLiteral("2024-03-31T02:30:00.250Z 5"));
+        row("milliseconds and zone", "2024-05-01T12:00:07.000Z", "5", noonFive);
+        row("offset", "2024-05-01T14:00:07+02:00", "5", noonFive);
+        row("negative offset", "2024-05-01T10:00:07-02:00", "5", noonFive);
+        row("date alone", "2024-05-01", "5", QStringLiteral("2024-05-01T00:00:00.000Z 5"));
+        row("no such day", "2024-02-30 12:00:00", "5", QString());
+        row("no date", "", "5", QString());
+        for (const char *id : {"0", "-4", "\"\"", "\"12a\"", "null", "true", "[12]"})
+            row(id, "2024-05-01 12:00:07", id, QString());
+    }
+
+    void closestImage()
+    {
+        QFETCH(QByteArray, date);
+        QFETCH(QByteArray, id);
+        const auto image = HelioviewerResponses::closestImage(
+            object("{\"date\":\"" + date + "\",\"id\":" + id + "}"));
+        QTEST(image ? image->actualUtc.toString(Qt::ISODateWithMs) + QLatin1Char(' ') +
+                          QString::number(image->imageId)
+                    : QString(),
+              "expected");
+    }
+
+    void strangePathsAndNumbers()
+    {
         const QString bundle = TestFolder::path(QStringLiteral("ca.pem"));
-        FakeProgram::setScript(m_curl, {answering("{}"), downloading("png")});
+        QVERIFY(QFile(bundle).open(QIODevice::WriteOnly));
+        TestFolder::setKey(QStringLiteral("network/caBundle"), QStringLiteral("ca.pem"));
+        FakeProgram::Reply index;
+        index.standardOutput = "{}";
+        FakeProgram::Reply picture;
+        picture.files.insert(QStringLiteral("$-o"), "png");
+        FakeProgram::setScript(m_curl, {index, picture});
         HelioviewerClient client;
-        QSignalSpy log(&client, &HelioviewerClient::logMessage);
         QSignalSpy frames(&client, &HelioviewerClient::frameIndexReceived);
         client.getJPX(0, noon().toOffsetFromUtc(7200), noon().addSecs(60), 45);
         QVERIFY(frames.wait());
         QCOMPARE(frames.first().mid(0, 3), (QList<QVariant>{0, noon(), noon().addSecs(60)}));
-
-        QFile(bundle).open(QIODevice::WriteOnly);
-        TestFolder::setKey(QStringLiteral("network/caBundle"), QStringLiteral("ca.pem"));
         QSignalSpy downloaded(&client, &HelioviewerClient::renderedImageDownloaded);
         client.downloadImage(9007199254740993, 10, noon(), noon().addSecs(7), m_png, 1024);
         QVERIFY(downloaded.wait());
         QCOMPARE(downloaded.first(), (QList<QVariant>{10, noon(), noon().addSecs(7),
                                                       Q_INT64_C(9007199254740993), m_png}));
 
-        const QString frameUrl =
-            QStringLiteral("http://[::1]/my%20s%C3%BCn/getJPX/"
-                           "?startTime=2024-05-01T12:00:00Z&endTime=2024-05-01T12:01:00Z"
-                           "&sourceId=0&linked=true&jpip=true&verbose=true&cadence=45");
-        const QString imageUrl = QStringLiteral(
-            "http://[::1]/my%20s%C3%BCn/downloadImage/?id=9007199254740993&width=1024&type=png");
-        const QStringList common = QStringLiteral("-f -sS -L --retry 2 --connect-timeout 5 "
-                                                  "--max-time 180")
-                                       .split(QLatin1Char(' '));
+        const QStringList common = QStringLiteral("-f -sS -L --retry 2 --connect-timeout 20 "
+                                                  "--max-time 180 --cacert")
+                                       .split(QLatin1Char(' '))
+                                   << bundle;
+        const QString base = QStringLiteral("http://[::1]/my%20s%C3%BCn/");
         const QVector<QStringList> expected{
-            common + QStringList{frameUrl},
-            common + QStringList{QStringLiteral("--cacert"), bundle, QStringLiteral("-o"), m_png,
-                                 imageUrl},
-        };
+            common + QStringList(base +
+                                 QStringLiteral("getJPX/?startTime=2024-05-01T12:00:00Z&endTime="
+                                                "2024-05-01T12:01:00Z&sourceId=0&linked=true&jpip="
+                                                "true&verbose=true&cadence=45")),
+            common + QStringList{QStringLiteral("-o"), m_png,
+                                 base + QStringLiteral("downloadImage/?id=9007199254740993&width="
+                                                       "1024&type=png")}};
         QCOMPARE(FakeProgram::argumentLists(m_curl), expected);
-        QCOMPARE(log, (QList<QList<QVariant>>{{QStringLiteral("curl: ") + frameUrl},
-                                              {QStringLiteral("curl: ") + imageUrl}}));
     }
 
     void secondRequestIsRefused()
     {
-        FakeProgram::setScript(
-            m_curl, {answering("{\"id\":\"5\",\"date\":\"2024-05-01 12:00:07\",\"rsun\":1.5}")});
+        FakeProgram::Reply reply;
+        reply.standardOutput = R"({"id":"5","date":"2024-05-01 12:00:07","rsun":1.5})";
+        FakeProgram::setScript(m_curl, {reply});
         HelioviewerClient client;
         QSignalSpy errors(&client, &HelioviewerClient::requestError);
         QSignalSpy images(&client, &HelioviewerClient::closestImageReceived);
         client.getClosestImage(10, noon());
         client.downloadImage(1, 99, {}, {}, m_png, 64);
-        QCOMPARE(errors, (QList<QList<QVariant>>{
-                             error(QStringLiteral("downloadImage"),
-                                   QStringLiteral("HelioviewerClient is already busy."))}));
+        QCOMPARE(errors,
+                 (QList<QList<QVariant>>{{QStringLiteral("downloadImage"),
+                                          QStringLiteral("HelioviewerClient is already busy.")}}));
         QVERIFY(images.wait());
         QCOMPARE(images.first().mid(0, 4),
                  (QList<QVariant>{10, noon(), Q_INT64_C(5), noon().addSecs(7)}));
@@ -114,7 +168,6 @@ private slots:
         QTest::addColumn<QByteArray>("curl");
         QTest::addColumn<QString>("operation");
         QTest::addColumn<QString>("message");
-
         QTest::newRow("catalog") << QByteArray("exec yes '{'") << QStringLiteral("getDataSources")
                                  << QStringLiteral("The answer is larger than 64 MB. Check "
                                                    "network/apiBase.");
@@ -129,7 +182,6 @@ private slots:
         QFETCH(QByteArray, curl);
         QFETCH(QString, operation);
         QFETCH(QString, message);
-
         TestFolder::setKey(QStringLiteral("paths/curl"),
                            TestFolder::writeScript(QStringLiteral("endless-curl"), curl));
         HelioviewerClient client;
@@ -139,7 +191,7 @@ private slots:
         else
             client.getDataSources();
         QVERIFY(errors.wait(20'000));
-        QCOMPARE(errors, (QList<QList<QVariant>>{error(operation, message)}));
+        QCOMPARE(errors, (QList<QList<QVariant>>{{operation, message}}));
         QVERIFY(!client.isBusy());
         QVERIFY(!QFile::exists(m_png));
     }

@@ -5,9 +5,7 @@
 #include <QDir>
 #include <QtTest>
 
-#include <csignal>
 #include <optional>
-#include <sys/resource.h>
 
 using Simulator::FaultKind;
 using Simulator::Operation;
@@ -17,15 +15,6 @@ namespace {
 const char *const crash = "#!/bin/sh\nkill -SEGV $$\n";
 const char *const noInterpreter = "#!/no/such/shell\n";
 const char *const noX264 = "#!/bin/sh\necho \"Unknown encoder 'libx264'\"\nexit 1\n";
-
-/// Lets no file of this process and its children grow beyond @p bytes, as a full disk does.
-void leaveRoom(rlim_t bytes)
-{
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    limit.rlim_cur = qMin(bytes, limit.rlim_max);
-    setrlimit(RLIMIT_FSIZE, &limit);
-}
 
 /// Puts a script in the place of a program, or nothing when it is empty; no script restores it.
 void replaceProgram(const QString &name, const std::optional<QByteArray> &script)
@@ -59,7 +48,7 @@ struct Scene
 
     void allIsWell()
     {
-        leaveRoom(RLIM_INFINITY);
+        TestFolder::leaveRoom();
         replaceProgram(QStringLiteral("curl"), std::nullopt);
         replaceProgram(QStringLiteral("ffmpeg"), std::nullopt);
         if (std::exchange(serviceIsDown, false))
@@ -95,7 +84,7 @@ Event roomFor(double pictures)
 {
     return [pictures](Scene &scene) {
         const QFileInfo first(scene.folder() + QStringLiteral("frame_000000.png"));
-        leaveRoom(rlim_t(pictures * double(first.size())));
+        TestFolder::leaveRoom(qint64(pictures * double(first.size())));
     };
 }
 
@@ -133,7 +122,6 @@ class TestSessionFaults : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { std::signal(SIGXFSZ, SIG_IGN); }
     void init() { TestFolder::clearKeys(); }
     void cleanup() { QCOMPARE(AcquisitionRoad::children(), QString()); }
 
@@ -175,11 +163,11 @@ private slots:
         AcquisitionSettings settings = AcquisitionRoad::settings(seconds, {});
         settings.sources.fill(AcquisitionRoad::aia(), sources);
         settings.cadenceSeconds = cadenceSeconds;
-        leaveRoom(key == QLatin1String("full") ? 0 : RLIM_INFINITY);
+        TestFolder::leaveRoom(key == QLatin1String("full") ? 0 : -1);
         QString error;
         const bool started = road.controller->start(settings, &error);
         const bool startedUnasked = road.controller->start(settings); // nobody asks why
-        leaveRoom(RLIM_INFINITY);
+        TestFolder::leaveRoom();
         QTEST(error, "message");
         QVERIFY(!started && !startedUnasked && !road.controller->isRunning());
         QCOMPARE(road.events, QStringList());
@@ -352,10 +340,10 @@ private slots:
         scene.road.onEvent = [&](const QString &event) {
             if (event == QLatin1String("curl: getClosestImage") &&
                 (++lookups == 2 || lookups == relief))
-                leaveRoom(lookups == 2 ? 400 : RLIM_INFINITY);
+                TestFolder::leaveRoom(lookups == 2 ? 400 : -1);
         };
         QVERIFY(scene.road.run(scene.settings));
-        leaveRoom(RLIM_INFINITY);
+        TestFolder::leaveRoom();
 
         QCOMPARE(scene.road.count("ERROR manifest.csv cannot be written: File too large"), 1);
         QTEST(scene.road.logLines().filter(QStringLiteral("manifest.csv")).value(1), "lastWord");

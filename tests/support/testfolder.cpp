@@ -6,6 +6,10 @@
 #include <QSettings>
 #include <QVariant>
 
+#include <csignal>
+
+#include <sys/resource.h>
+
 namespace {
 
 QString iniPath()
@@ -44,6 +48,15 @@ QString TestFolder::writeScript(const QString &name, const QByteArray &commands)
         !script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
         qFatal("cannot write %s", qPrintable(script.fileName()));
     return script.fileName();
+}
+
+void TestFolder::leaveRoom(qint64 bytes)
+{
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = bytes < 0 ? limit.rlim_max : static_cast<rlim_t>(bytes);
+    setrlimit(RLIMIT_FSIZE, &limit);
 }
 
 TestFolder::OutputRoot::OutputRoot()

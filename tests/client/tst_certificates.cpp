@@ -1,0 +1,146 @@
+#include "client/helioviewerclient.h"
+#include "simulator/archive.h"
+#include "simulator/server.h"
+#include "tests/support/fakeprogram.h"
+#include "tests/support/testfolder.h"
+
+#include <QThread>
+#include <QtTest>
+
+using Simulator::Transport;
+Q_DECLARE_METATYPE(Transport)
+
+namespace {
+
+FakeProgram::Reply badCertificate()
+{
+    FakeProgram::Reply reply;
+    reply.exitCode = 60;
+    reply.standardError = "curl: (60) self-signed certificate\n";
+    return reply;
+}
+
+/// A child that nobody has waited for yet is a zombie: "Z" behind its name.
+bool hasEnded(qint64 processId)
+{
+    QFile status(QStringLiteral("/proc/%1/stat").arg(processId));
+    return status.open(QIODevice::ReadOnly) && status.readAll().contains(") Z ");
+}
+
+} // namespace
+
+/// Whom the real curl trusts, and the switch to unverified HTTPS. That lasts for the whole run: no
+/// other program may hold these tests, and theirs is the order in which they stand.
+class TestCertificates : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { qputenv("no_proxy", "*"); }
+    void init() { TestFolder::clearKeys(); }
+
+    void curlDecides_data()
+    {
+        QTest::addColumn<Transport>("transport");
+        QTest::addColumn<bool>("bundle");
+        QTest::addColumn<QString>("outcome");
+        const QString refused = QStringLiteral("curl: (60)");
+        QTest::newRow("self-signed") << Transport::HttpsSelfSigned << false << refused;
+        QTest::newRow("other host") << Transport::HttpsForeignHost << true << refused;
+        QTest::newRow("unknown authority") << Transport::HttpsTrusted << false << refused;
+        QTest::newRow("authority in the bundle") << Transport::HttpsTrusted << true << QString();
+    }
+
+    void curlDecides()
+    {
+        QFETCH(Transport, transport);
+        QFETCH(bool, bundle);
+        TestFolder::setKey(QStringLiteral("network/allowInsecureFallback"), false);
+        QTEST(answerOf(transport, bundle), "outcome");
+    }
+
+    void noSwitchWhileCanceling()
+    {
+        const QString curl = installCurl({badCertificate(), {}});
+        HelioviewerClient client;
+        QSignalSpy errors(&client, &HelioviewerClient::requestError);
+        client.getDataSources();
+        while (!hasEnded(FakeProgram::runs(curl).value(0).processId))
+            QThread::msleep(1); // without events: the client must not notice its end before
+        client.cancel();
+        QCOMPARE(errors.size(), 1);
+        QVERIFY(!client.isBusy());
+        QCOMPARE(FakeProgram::runs(curl).size(), 1);
+    }
+
+    void switchedOnceForAllClients()
+    {
+        FakeProgram::Reply partial = badCertificate();
+        partial.files.insert(QStringLiteral("$-o"), "half");
+        const QString curl = installCurl({partial, {}, badCertificate()});
+        HelioviewerClient first;
+        HelioviewerClient second;
+        QSignalSpy firstLog(&first, &HelioviewerClient::logMessage);
+        QSignalSpy secondLog(&second, &HelioviewerClient::logMessage);
+        QSignalSpy firstErrors(&first, &HelioviewerClient::requestError);
+        QSignalSpy secondErrors(&second, &HelioviewerClient::requestError);
+
+        first.downloadImage(77, 10, {}, {}, TestFolder::path(QStringLiteral("frame.png")), 64);
+        QVERIFY(firstErrors.wait());
+        // The restart brought no file; that of the first attempt would have looked like success.
+        QCOMPARE(firstErrors.first().at(1).toString(),
+                 QStringLiteral("Downloaded file is missing or empty."));
+        second.getDataSources(); // its own restart fails as the first attempt did
+        QVERIFY(secondErrors.wait());
+        QCOMPARE(firstErrors.size() + secondErrors.size(), 2);
+
+        const QVector<QStringList> runs = FakeProgram::argumentLists(curl);
+        const QString insecure = QStringLiteral("--insecure");
+        QCOMPARE(runs.size(), 4);
+        QCOMPARE(runs.at(0).first(), QStringLiteral("-f"));
+        QCOMPARE(runs.at(1), QStringList{insecure} + runs.at(0));
+        QCOMPARE(runs.at(2).mid(0, 2), (QStringList{insecure, QStringLiteral("-f")}));
+        QCOMPARE(firstLog.size(), 2); // the URL of the request, not of its restart, and
+        QCOMPARE(firstLog.at(1).at(0).toString(),
+                 QStringLiteral("WARNING: curl SSL certificate validation failed (error 60). "
+                                "Insecure HTTPS fallback enabled for this Orvik session."));
+        QCOMPARE(secondLog.size(), 1);
+
+        TestFolder::setKey(QStringLiteral("network/allowInsecureFallback"), false);
+        second.getDataSources();
+        QVERIFY(secondErrors.wait());
+        QCOMPARE(FakeProgram::argumentLists(curl).constLast().first(), QStringLiteral("-f"));
+    }
+
+    void switchIsOn() { QCOMPARE(answerOf(Transport::HttpsSelfSigned, false), QString()); }
+
+private:
+    static QString installCurl(const QVector<FakeProgram::Reply> &replies)
+    {
+        const QString curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
+        FakeProgram::setScript(curl, replies);
+        TestFolder::setKey(QStringLiteral("paths/curl"), curl);
+        return curl;
+    }
+
+    /// The beginning of the error that the real curl has with a service; empty without one.
+    static QString answerOf(Transport transport, bool bundle)
+    {
+        Simulator::Server server(Simulator::Archive::sample(), transport);
+        if (!server.start())
+            return QStringLiteral("no service");
+        TestFolder::setKey(QStringLiteral("network/apiBase"), server.baseUrl());
+        if (bundle)
+            TestFolder::setKey(QStringLiteral("network/caBundle"), server.caCertificateFile());
+        HelioviewerClient client;
+        QSignalSpy errors(&client, &HelioviewerClient::requestError);
+        QSignalSpy catalogs(&client, &HelioviewerClient::catalogReceived);
+        client.getDataSources();
+        if (!QTest::qWaitFor([&] { return errors.size() + catalogs.size() == 1; }, 20'000))
+            return QStringLiteral("no answer");
+        return errors.value(0).value(1).toString().left(10);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCertificates)
+#include "tst_certificates.moc"
