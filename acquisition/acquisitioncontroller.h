@@ -1,21 +1,21 @@
 #pragma once
 
 #include "acquisition/acquisitionplan.h"
+#include "acquisition/cadenceprobes.h"
 #include "acquisition/encodequeue.h"
 #include "acquisition/framelookup.h"
-#include "acquisition/probequeue.h"
 #include "acquisition/sessiontally.h"
+#include "output/filmencoder.h"
 #include "output/manifestwriter.h"
 #include "session/acquisitionsettings.h"
 
+#include <QImage>
 #include <QObject>
-#include <QProcess>
 #include <QTimer>
 
 #include <optional>
 
 class HelioviewerClient;
-class QImage;
 
 /**
  * Runs one acquisition at a time, from settings to finished films.
@@ -24,16 +24,18 @@ class QImage;
  * probes, the lookups and the downloads, ffmpeg for the films. Each step that follows another is
  * taken from the event loop and never from inside the slot of the step before: a request that
  * fails at once must not call itself, a QProcess cannot be started again from its own
- * errorOccurred, and a frame's memory is to be free before the next child is forked. The one
- * exception is a download, which starts in the slot that brought its lookup, or a picture that
- * does not decode: there the client is idle again and may be asked, no picture is held, and one
- * that fails at once only closes its request, from which the next is a step of its own.
+ * errorOccurred, and windows answer between the steps: to decode a frame, to search and annotate
+ * it, and to write its copy take a step each. The one exception is a download, which starts in the
+ * slot that brought its lookup, or a picture that does not decode: there the client is idle again
+ * and may be asked, and one that fails at once only closes its request, from which the next is a
+ * step of its own.
  *
  * Slots connected to the signals may call stop() at any time, and start() as soon as isRunning()
- * tells false. Destruction ends a session without a word: children are killed, the manifest stays,
- * no descriptor is written.
+ * tells false. A stop, and destruction, first complete a frame that is downloaded and decoded.
+ * Destruction otherwise ends a session without a word: children are killed, the manifest stays, no
+ * descriptor is written.
  */
-class AcquisitionController : public QObject
+class AcquisitionController final : public QObject
 {
     Q_OBJECT
 
@@ -51,6 +53,10 @@ public:
     bool start(const AcquisitionSettings &settings, QString *errorText = nullptr);
     /// Ends the running session as canceled before it returns; all files written so far stay.
     void stop();
+
+    /// The picture in @p imageFile, when it is that of the last previewReady and the next frame is
+    /// not decoded yet; else null, and the file is to be read.
+    QImage pictureInHand(const QString &imageFile) const;
 
 signals:
     /// A line for the log.
@@ -71,17 +77,14 @@ signals:
     void finished(bool canceled, const QString &sessionDirectory);
 
 private slots:
-    void onFrameIndex(int sourceId, const QDateTime &startUtc, const QDateTime &endUtc,
-                      const QVector<QDateTime> &framesUtc, const QString &note);
     void onClosestImage(int sourceId, const QDateTime &requestedUtc, qint64 imageId,
                         const QDateTime &actualUtc, const QJsonObject &answer);
     void onImageDownloaded(int sourceId, const QDateTime &requestedUtc, const QDateTime &actualUtc,
                            qint64 imageId, const QString &file);
     void onClientError(const QString &operation, const QString &message);
-    void onPreflightError(const QString &operation, const QString &message);
-    void onFfmpegFinished(int exitCode, QProcess::ExitStatus exitStatus);
-    void onFfmpegError(QProcess::ProcessError error);
-    void onFfmpegReadyRead();
+    void onFfmpegFinished(const FilmOutcome &outcome);
+    void onFfmpegError(const QString &reason);
+    void onFfmpegReadyRead(const QString &text);
 
 private:
     enum class Stage {
@@ -92,22 +95,24 @@ private:
         Stopping,  ///< stop was requested, children are being killed
     };
 
+    /// What comes next while Acquiring.
+    enum class FrameStep {
+        Lookup,   ///< the next request of the plan
+        Annotate, ///< the picture in hand is decoded
+        Write,    ///< the picture in hand is the annotated copy
+    };
+
+    static bool mayFollow(Stage stage, Stage next);
     void enterStage(Stage stage);
     void takeNextStep();
+    void takeFrameStep();
 
-    // Steps that send signals on their way give false when a slot has ended the session over one.
+    // Steps that emit signals return false when a connected slot ended the session; the caller then
+    // returns.
 
     void resetSession(const AcquisitionSettings &settings);
     bool createSessionFiles(QString *errorText);
-    void classifySources();
-    bool announceSession();
-
-    void scheduleProbes();
-    bool startProbe(int worker);
-    void growProbePool(int workers);
-    std::optional<ProbeWindow> releaseProbe();
-    void fallBack(const DataSource &source, const QString &line);
-    void closeProbe();
+    bool announceSession(int probes);
 
     void buildPlan();
     bool planSource(const DataSource &source, QVector<RequestSchedule> *schedules);
@@ -117,9 +122,11 @@ private:
     void acceptForDownload();
     void startDownload();
     void downloadAgain();
-    bool warnOfBlankBlock(const QImage &image);
-    bool writeVideoFrame(QImage image);
-    void acceptFrame();
+    void annotateFrame();
+    void writeFrame();
+    bool replaceVideoFrame(const QString &reason, bool *hasVideoFrame);
+    void acceptFrame(bool hasVideoFrame);
+    void completeFrame();
     void closeRequest(FrameStatus status, const QString &line);
     bool appendRow(const ManifestRow &row);
     void advance();
@@ -128,6 +135,7 @@ private:
     void beginEncoding();
     bool concludeSource(const DataSource &source);
     void encodeNext();
+    void failFilm(const FilmOutcome &outcome);
     void closeFilm();
     void finishEncoding();
 
@@ -155,14 +163,14 @@ private:
     bool m_manifestWaits = false; // rows could not be written yet, and the user knows
     SessionTally m_tally;
 
-    QVector<HelioviewerClient *> m_probeClients; // children of this object, kept for all sessions
-    ProbeQueue m_probes;                         // workers are indices of the clients
-
+    CadenceProbes m_probes;
     AcquisitionPlan m_plan;
     HelioviewerClient *m_client;         // child of this object; lookups and downloads
     std::optional<FrameLookup> m_lookup; // the request in flight
+    FrameStep m_frameStep = FrameStep::Lookup;
+    QImage m_picture;      // of the request in flight, then of the last accepted frame
+    QString m_pictureFile; // that shows m_picture; empty until there is one
 
     EncodeQueue m_films;
-    QProcess m_ffmpeg;
-    bool m_encoding = false; // the end of an encoder run is still to be told
+    FilmEncoder m_ffmpeg;
 };

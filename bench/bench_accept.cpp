@@ -29,7 +29,7 @@
 namespace {
 
 /// The two places of the main window that every frame touches.
-class Window
+class Window final
 {
 public:
     Window() : m_log(&m_logText, &m_dock), m_preview(&m_label)
@@ -51,10 +51,10 @@ public:
                          });
         QObject::connect(
             &controller, &AcquisitionController::previewReady, &m_preview,
-            [this, &watch](const QString &, const QString &imageFile) {
-                QTimer::singleShot(0, &m_preview, [this, &watch, imageFile] {
+            [this, &controller, &watch](const QString &, const QString &imageFile) {
+                QTimer::singleShot(0, &m_preview, [this, &controller, &watch, imageFile] {
                     watch.enterWindow();
-                    m_preview.showFile(imageFile);
+                    m_preview.showFrame(controller.pictureInHand(imageFile));
                     watch.leaveWindow();
                 });
             },
@@ -71,7 +71,7 @@ private:
 };
 
 /// How resident memory grows once a fifth of the session is done and all caches are filled.
-class MemoryWatch
+class MemoryWatch final
 {
 public:
     explicit MemoryWatch(int frames) : m_settled(qMax(1, frames / 5)) {}

@@ -128,22 +128,36 @@ void drawFrameAnnotations(QImage &image, const QDateTime &actualUtc, const QStri
         drawScaleBar(painter, frame, measures, kmPerPixel);
 }
 
-bool saveTimestampedFrame(QImage image, const QString &outputPath, const QDateTime &actualUtc,
-                          const QString &sourceLabel, const QJsonObject &metadata, bool drawSource,
-                          bool drawScale, QString *errorText)
+QImage timestampedCopy(QImage image, const QDateTime &actualUtc, const QString &sourceLabel,
+                       const QJsonObject &metadata, bool drawSource, bool drawScale)
 {
     if (image.isNull())
-        return ErrorText::fail(errorText, QStringLiteral("cannot decode downloaded PNG"));
-
+        return image;
     // An opaque picture is painted on alike without an alpha channel, and twice as fast.
     image = std::move(image).convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32
                                                                      : QImage::Format_RGB32);
     drawFrameAnnotations(image, actualUtc, sourceLabel, true, drawSource, drawScale,
                          MetricScale::kmPerPixel(metadata, image.width()));
+    return withEvenSides(std::move(image));
+}
+
+bool saveTimestampedCopy(const QImage &copy, const QString &outputPath, QString *errorText)
+{
+    if (copy.isNull())
+        return ErrorText::fail(errorText, QStringLiteral("cannot decode downloaded PNG"));
     if (!QDir().mkpath(QFileInfo(outputPath).absolutePath()))
         return ErrorText::fail(errorText,
                                QStringLiteral("cannot create timestamped frame directory"));
-    if (!PngWriter::save(withEvenSides(std::move(image)), outputPath))
+    if (!PngWriter::save(copy, outputPath))
         return ErrorText::fail(errorText, QStringLiteral("cannot save timestamped PNG"));
     return true;
+}
+
+bool saveTimestampedFrame(QImage image, const QString &outputPath, const QDateTime &actualUtc,
+                          const QString &sourceLabel, const QJsonObject &metadata, bool drawSource,
+                          bool drawScale, QString *errorText)
+{
+    return saveTimestampedCopy(
+        timestampedCopy(std::move(image), actualUtc, sourceLabel, metadata, drawSource, drawScale),
+        outputPath, errorText);
 }

@@ -22,20 +22,31 @@ void drawFrameAnnotations(QImage &image, const QDateTime &actualUtc, const QStri
                           bool drawTimestamp, bool drawSource, bool drawScale, double kmPerPixel);
 
 /**
- * Writes the annotated copy of a decoded frame as a PNG, always with its time stamp.
+ * The annotated copy of a decoded frame, always with its time stamp; null for a null image.
  *
  * H.264 films have even sides: an odd one gets another column at the right or row at the bottom,
  * which repeats the edge. Annotations lie as in the frame itself.
  *
  * Takes the image by value: a caller that moves its own in spares a copy of the whole frame.
  *
+ * @param metadata  closest-image answer that tells the scale; without it there is no bar
+ */
+QImage timestampedCopy(QImage image, const QDateTime &actualUtc, const QString &sourceLabel,
+                       const QJsonObject &metadata, bool drawSource, bool drawScale);
+
+/**
+ * Writes an annotated copy as a PNG.
+ *
  * @param outputPath  its folder is created where it is missing
- * @param metadata    closest-image answer that tells the scale; without it there is no bar
  * @param errorText   may be null; set on failure only: "cannot decode downloaded PNG" for a null
  *                    image, "cannot create timestamped frame directory" or "cannot save
  *                    timestamped PNG"
  * @return            false when there is no new file; one that was there before is as it was
  */
+bool saveTimestampedCopy(const QImage &copy, const QString &outputPath,
+                         QString *errorText = nullptr);
+
+/// timestampedCopy() and saveTimestampedCopy() in one.
 bool saveTimestampedFrame(QImage image, const QString &outputPath, const QDateTime &actualUtc,
                           const QString &sourceLabel, const QJsonObject &metadata, bool drawSource,
                           bool drawScale, QString *errorText = nullptr);

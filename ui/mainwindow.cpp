@@ -4,6 +4,7 @@
 #include "base/runtimeconfig.h"
 #include "base/utctext.h"
 #include "client/helioviewerclient.h"
+#include "imaging/framedecoder.h"
 #include "roi/roivideodialog.h"
 #include "ui/acquisitionestimate.h"
 #include "ui/catalogcache.h"
@@ -410,7 +411,8 @@ void MainWindow::onPreviewReady(const QString &sourceName, const QString &imageF
                                 const QDateTime &requestedUtc, const QDateTime &actualUtc,
                                 qint64 deltaSeconds)
 {
-    if (!m_preview->showFile(imageFile)) {
+    const QImage inHand = m_controller->pictureInHand(imageFile);
+    if (!m_preview->showFrame(inHand.isNull() ? FrameDecoder::decode(imageFile) : inHand)) {
         m_log->append(QStringLiteral("WARNING: unable to load preview image %1").arg(imageFile));
         return;
     }

@@ -1,7 +1,5 @@
 #include "ui/previewpane.h"
 
-#include "imaging/framedecoder.h"
-
 #include <QEvent>
 #include <QImage>
 #include <QLabel>
@@ -17,12 +15,11 @@ PreviewPane::PreviewPane(QLabel *label, QObject *parent) : QObject(parent), m_la
     label->installEventFilter(this);
 }
 
-bool PreviewPane::showFile(const QString &imageFile)
+bool PreviewPane::showFrame(const QImage &frame)
 {
-    QPixmap frame = QPixmap::fromImage(FrameDecoder::decode(imageFile));
     if (frame.isNull())
         return false;
-    m_frame = frame;
+    m_frame = QPixmap::fromImage(frame);
     m_frame.setDevicePixelRatio(1.0);
     m_shown = QPixmap();
     rescale();

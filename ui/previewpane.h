@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPixmap>
 
+class QImage;
 class QLabel;
 
 /**
@@ -18,8 +19,8 @@ class PreviewPane : public QObject
 public:
     explicit PreviewPane(QLabel *label, QObject *parent = nullptr);
 
-    /// Decodes and shows a file; false when it is no picture, and the last frame stays.
-    bool showFile(const QString &imageFile);
+    /// Shows a frame; false when it is null, and the last frame stays.
+    bool showFrame(const QImage &frame);
     /// Forgets the frame and shows @p text in its place.
     void clear(const QString &text);
     /// Fits the frame into the label's present size.

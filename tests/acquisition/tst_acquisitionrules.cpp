@@ -185,7 +185,7 @@ private slots:
         QFETCH(QString, path);
         QFETCH(QString, profile);
         const DataSource source{1, nickname, path};
-        QCOMPARE(toText(SourceTiming::profileOf(source)), profile);
+        QCOMPARE(SourceTiming::toText(SourceTiming::profileOf(source)), profile);
 
         TestFolder::setKey(QStringLiteral("timing/aiaMaxTimeErrorSeconds"), -5); // reads as 0
         TestFolder::setKey(QStringLiteral("timing/suviMaxTimeErrorSeconds"), 12);

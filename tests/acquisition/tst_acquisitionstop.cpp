@@ -1,7 +1,10 @@
+#include "client/helioviewerclient.h"
 #include "tests/acquisition/acquisitionroad.h"
 #include "tests/support/fakeprogram.h"
 
+#include <QDir>
 #include <QDirIterator>
+#include <QImage>
 #include <QJsonObject>
 #include <QtTest>
 
@@ -111,6 +114,43 @@ private slots:
         while (files.hasNext())
             others += files.next().endsWith(QLatin1String("manifest.csv")) ? 0 : 1;
         QCOMPARE(others, frameFiles); // whole frames stay, half ones and a descriptor do not
+    }
+
+    void decodedFrameIsCompleted()
+    {
+        for (const bool annotated : {false, true}) {
+            for (const bool destroys : {false, true}) {
+                AcquisitionRoad road;
+                const QDir session(road.output.path() +
+                                   QStringLiteral("/20240501_000000__20240501_001000"));
+                QFile manifest(session.filePath(QStringLiteral("manifest.csv")));
+                bool ended = false;
+                const auto end = [&] {
+                    ended = true;
+                    QVERIFY(manifest.open(QIODevice::ReadOnly));
+                    QCOMPARE(manifest.readAll().count('\n'), 1);
+                    if (destroys)
+                        road.controller.reset();
+                    else
+                        road.controller->stop();
+                };
+                connect(road.controller->findChild<HelioviewerClient *>(),
+                        &HelioviewerClient::renderedImageDownloaded, this, [&] {
+                            if (annotated) // timers of one length end in the order of their starts
+                                QTimer::singleShot(0, this, end);
+                            else
+                                QMetaObject::invokeMethod(this, end, Qt::QueuedConnection);
+                        });
+                QVERIFY(road.controller->start(
+                    AcquisitionRoad::settings(600, {AcquisitionRoad::aia()})));
+                QTRY_VERIFY(ended);
+                QVERIFY(manifest.readAll().contains(",OK,"));
+                const QString copy =
+                    QStringLiteral("AIA_171_20240501_000000/video_frames/frame_000000.png");
+                QVERIFY(!QImage(session.filePath(copy)).isNull());
+                QCOMPARE(session.exists(QStringLiteral("session.json")), !destroys);
+            }
+        }
     }
 
     /// Each session is the one after another that was stopped: nothing may be left of that.

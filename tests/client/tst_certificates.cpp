@@ -1,6 +1,6 @@
 #include "client/helioviewerclient.h"
-#include "simulator/archive.h"
-#include "simulator/server.h"
+#include "simulator/archive/archive.h"
+#include "simulator/service/server.h"
 #include "tests/support/fakeprogram.h"
 #include "tests/support/testfolder.h"
 

@@ -2,6 +2,7 @@
 
 #include "base/jsonfile.h"
 #include "output/csvfields.h"
+#include "output/filmfile.h"
 #include "output/manifestcolumns.h"
 
 #include <QDir>
@@ -72,7 +73,8 @@ SessionCheck SessionCheck::of(const QString &sessionDirectory)
     QDirIterator files(session.path(), QDir::Files, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         const QString file = session.relativeFilePath(files.next());
-        if (!known.contains(file) && !file.endsWith(QLatin1String(".mp4")))
+        if (file.endsWith(QLatin1String(".mp4")) ? FilmFile::isCutOff(session.filePath(file))
+                                                 : !known.contains(file))
             check.strays += file;
     }
     return check;

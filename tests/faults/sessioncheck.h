@@ -9,7 +9,7 @@ struct SessionCheck
 
     QStringList faults; ///< half a row, a row whose picture is missing or half, counts that differ
     QStringList statuses; ///< of the rows, in file order
-    QStringList strays;   ///< files that no row names, besides films and the two of the session
+    QStringList strays;   ///< files that no row names, besides whole films and the session's own
     int pictures = 0;     ///< named in rows, and whole
     bool hasDescriptor = false;
 };

@@ -101,6 +101,11 @@ void lastCopyLosesItsEnd(Scene &scene)
     QVERIFY(copy.resize(copy.size() - 1));
 }
 
+void lastPictureGoes(Scene &scene)
+{
+    QVERIFY(QFile::remove(scene.folder() + QStringLiteral("video_frames/frame_000002.png")));
+}
+
 void sessionIsRemoved(Scene &scene)
 {
     QVERIFY(QDir(scene.session).removeRecursively());
@@ -220,7 +225,8 @@ private slots:
         looking("lookup: server error", FaultKind::Status, 500, 3, "returned error: 500");
         looking("lookup: never answered", FaultKind::Hang, 0, 3, "curl: (28)");
         looking("lookup: hung up at once", FaultKind::Refuse, 0, 1, "curl: (52)");
-        looking("lookup: half of it", FaultKind::CutOffJson, 0, 1, "Invalid JSON: unterminated");
+        looking("lookup: half of it", FaultKind::CutOffJson, 0, 1,
+                "ERROR SUVI [getClosestImage]: Invalid JSON: ");
         looking("lookup: array", FaultKind::JsonArray, 0, 1, "Invalid JSON: no error occurred");
         looking("lookup: no id", FaultKind::WrongId, 3, 1,
                 "ERROR SUVI [getClosestImage]: Response does not contain a valid image id/date.");
@@ -259,6 +265,10 @@ private slots:
             "Unknown encoder 'libx264'", noFilm);
         row("ffmpeg crashes", encode, 1, programIs("ffmpeg", crash), allOk,
             "FFMPEG ERROR for SUVI (exit code 11). Frames are preserved.", noFilm);
+        row("picture gone before the encoder sees it", encode, 1, lastPictureGoes, "",
+            "WARNING SUVI: ffmpeg ended without an error, but the film shows 2 of 3 pictures.\n"
+            "FFMPEG ERROR for SUVI (exit code 0). Frames are preserved.",
+            noFilm);
         // The machine.
         row("service down from the start", start, 1, serviceStops,
             "LOOKUP_ERROR LOOKUP_ERROR LOOKUP_ERROR", "ERROR SUVI [getClosestImage]: curl: (7)",

@@ -114,8 +114,8 @@ private slots:
         QCOMPARE(content(), m_header + acceptedLine);
 
         const auto frames = ManifestReader::read(m_path);
-        QVERIFY(frames && frames->keys() == QList<int>{10});
-        const ManifestFrame frame = frames->value(10).constFirst();
+        QVERIFY(frames && frames->bySource.keys() == QList<int>{10});
+        const ManifestFrame frame = frames->bySource.value(10).constFirst();
         QCOMPARE(frame.file, acceptedRow().file);
         QCOMPARE(frame.actualUtc, acceptedRow().actualUtc);
         QCOMPARE(QJsonDocument(frame.metadata).toJson(QJsonDocument::Compact),
@@ -177,6 +177,8 @@ private slots:
         row("widths come and go",
             "Status,SourceWidth\nOK,4096\nOK,-1\nOK,1e3\nOK,nan\nOK,8,9\nOK,inf",
             "@+4096 @+0 @+1000 @+0 @+8 @+0");
+        row("a line of more than 1 MB",
+            "Status,File\nOK,a\nOK," + QByteArray(1 << 20, 'x') + "\nOK,c\n", "a@+0");
         row("source without a number", "SourceId,Status,File\nAIA,OK,a\n", "a@+0");
     }
 
@@ -188,7 +190,7 @@ private slots:
         const auto read = ManifestReader::read(m_path);
         QVERIFY(read);
         QStringList found;
-        for (const ManifestFrame &frame : read->value(0))
+        for (const ManifestFrame &frame : read->bySource.value(0))
             found.append(
                 QStringLiteral("%1@%2+%3")
                     .arg(frame.file, frame.actualUtc.toString(Qt::ISODateWithMs),
@@ -203,7 +205,7 @@ private slots:
             store(whole.left(size));
             const auto frames = ManifestReader::read(m_path);
             QVERIFY(frames);
-            QCOMPARE(frames->value(10).size(), whole.left(size).count(",OK"));
+            QCOMPARE(frames->bySource.value(10).size(), whole.left(size).count(",OK"));
         }
     }
 

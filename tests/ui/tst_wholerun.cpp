@@ -2,7 +2,7 @@
 #include "imaging/frameannotation.h"
 #include "roi/roisession.h"
 #include "roi/roiset.h"
-#include "simulator/archive.h"
+#include "simulator/archive/archive.h"
 #include "tests/acquisition/acquisitionroad.h"
 #include "tests/ui/windowfixture.h"
 
