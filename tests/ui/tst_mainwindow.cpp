@@ -1,3 +1,7 @@
+#include "acquisition/acquisitioncontroller.h"
+#include "app/terminationsignals.h"
+#include "simulator/archive/archive.h"
+#include "simulator/service/server.h"
 #include "tests/support/testfolder.h"
 #include "tests/ui/windowfixture.h"
 
@@ -6,6 +10,7 @@
 #include <QCheckBox>
 #include <QDateTimeEdit>
 #include <QDesktopServices>
+#include <QDir>
 #include <QDockWidget>
 #include <QJsonObject>
 #include <QLabel>
@@ -17,6 +22,10 @@
 #include <QTreeWidget>
 #include <QtTest>
 
+#include <csignal>
+#include <utility>
+
+using Simulator::Operation;
 using WindowFixture::BoxCloser;
 using WindowFixture::logText;
 using WindowFixture::part;
@@ -44,229 +53,343 @@ QStringList nameless(QAccessibleInterface *interface)
     return found;
 }
 
+/// What of all that a run locks or frees can be used now.
+QStringList enabledParts(const MainWindow &window)
+{
+    const QString parts = QStringLiteral(
+        "sourcesTree refreshButton aiaButton clearButton startEdit endEdit cadenceSpin "
+        "timeErrorSpin sourceTimingProfilesCheck widthSpin fpsSpin crfSpin keepFramesCheck "
+        "sourceOverlayCheck scaleOverlayCheck createVideosCheck actionCreateRoiVideo "
+        "actionStartAcquisition actionStopAcquisition");
+    QStringList names = parts.split(QLatin1Char(' '));
+    const auto isDisabled = [&window](const QString &name) {
+        return !window.findChild<QObject *>(name)->property("enabled").toBool();
+    };
+    names.erase(std::remove_if(names.begin(), names.end(), isDisabled), names.end());
+    return names;
+}
+
 } // namespace
 
 class TestMainWindow : public QObject
 {
     Q_OBJECT
 
-private slots:
-    void initTestCase() { WindowFixture::isolateUserSettings(); }
-    void init();
-    void everyInteractivePartHasANameAndAKey();
-    void detailsFollowCurrentAndSampling();
-    void refusedStartSavesSettingsAndKeepsTheLog();
-    void presetCountsUntilTheUserSaved();
-    void wrongStoredValues();
-    void brokenCacheAsksTheService();
-    void answerWithoutDatasourcesIsAnError();
-    void emptyCacheIsShownAndCostsNoTicks();
-    void vanishedPreviewIsAWarning();
-    void unwritableCacheIsAWarning();
-    void playsTheNewestVideo();
-
 public slots:
     void open(const QUrl &url) { m_opened.append(url.toLocalFile()); }
 
+private slots:
+    void initTestCase()
+    {
+        WindowFixture::isolateUserSettings();
+        QVERIFY(m_server.start());
+    }
+
+    void init()
+    {
+        WindowFixture::reset();
+        WindowFixture::writeCatalog(catalog);
+    }
+
+    void everyInteractivePartHasANameAndAKey()
+    {
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        auto *tabs = window.findChild<QTabWidget *>();
+        for (int tab = 0; tab < tabs->count(); ++tab) {
+            tabs->setCurrentIndex(tab);
+            QCOMPARE(nameless(QAccessible::queryAccessibleInterface(&window)), QStringList());
+        }
+        auto *toolBar = part<QToolBar>(window, "mainToolBar");
+        const QWidget *start =
+            toolBar->widgetForAction(part<QAction>(window, "actionStartAcquisition"));
+        for (int presses = 0; window.focusWidget() != start && presses < 40; ++presses)
+            QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+        QCOMPARE(window.focusWidget(), start);
+        toolBar->hide();
+        const BoxCloser boxes; // no datasource is ticked
+        QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
+        QCOMPARE(boxes.shown.size(), 1);
+        const QFontMetrics log = part<QTextEdit>(window, "log")->fontMetrics();
+        QCOMPARE(log.horizontalAdvance(QStringLiteral("iiii")),
+                 log.horizontalAdvance(QStringLiteral("WWWW")));
+    }
+
+    void detailsFollowCurrentAndSampling()
+    {
+        userSettings().setValue(QStringLiteral("sources/currentId"), 10);
+        MainWindow window;
+        const auto *details = part<QTextBrowser>(window, "catalogInfo");
+        QVERIFY(QMetaObject::invokeMethod(&window, "onSourceTimingAnalyzed", Q_ARG(int, 10),
+                                          Q_ARG(int, 9), Q_ARG(int, 240), Q_ARG(int, 180),
+                                          Q_ARG(int, 300)));
+        QVERIFY(details->toPlainText().contains(QStringLiteral("requested sampling is 1 min")));
+        part<QSpinBox>(window, "cadenceSpin")->stepUp();
+        QVERIFY(details->toPlainText().contains(QStringLiteral("not prepared yet")));
+
+        part<QDateTimeEdit>(window, "startEdit")
+            ->setDateTime(part<QDateTimeEdit>(window, "endEdit")->dateTime());
+        part<QSpinBox>(window, "fpsSpin")->setValue(50);
+        QCOMPARE(part<QLabel>(window, "estimateLabel")->text(),
+                 QStringLiteral("Nominal estimate: 1 frame(s) per datasource  |  video "
+                                "00:00:00.020 @ 50 fps"));
+    }
+
+    void refusedStartSavesSettingsAndKeepsTheLog()
+    {
+        MainWindow window;
+        window.show();
+        const QString cadence = QStringLiteral("acquisition/cadenceSeconds");
+        part<QSpinBox>(window, "cadenceSpin")->setValue(7);
+        const BoxCloser boxes;
+        WindowFixture::clickToolButton(window, "actionStartAcquisition");
+        QCOMPARE(userSettings().value(cadence).toInt(), 7);
+        QVERIFY(logText(window).contains(QStringLiteral("Loaded cached catalog: ")));
+        part<QSpinBox>(window, "cadenceSpin")->setValue(8);
+        part<QCheckBox>(window, "keepFramesCheck")->setChecked(false);
+        part<QCheckBox>(window, "createVideosCheck")->setChecked(false);
+        WindowFixture::clickToolButton(window, "actionStartAcquisition");
+        QCOMPARE(userSettings().value(cadence).toInt(), 7);
+        QCOMPARE(boxes.shown,
+                 QStringList({QStringLiteral("Orvik: Select at least one Helioviewer datasource."),
+                              QStringLiteral("Orvik: Enable PNG frame storage or MP4 creation.")}));
+        QVERIFY(!part<QAction>(window, "actionStopAcquisition")->isEnabled());
+    }
+
+    void presetCountsUntilTheUserSaved()
+    {
+        TestFolder::setKey(QStringLiteral("acquisition/cadenceSeconds"), 120);
+        TestFolder::setKey(QStringLiteral("video/sourceOverlay"), false);
+        MainWindow window;
+        QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 120);
+        QVERIFY(part<QCheckBox>(window, "sourceOverlayCheck")->isChecked());
+        window.close();
+        TestFolder::setKey(QStringLiteral("acquisition/cadenceSeconds"), 240);
+        QCOMPARE(part<QSpinBox>(MainWindow(), "cadenceSpin")->value(), 120);
+    }
+
+    void wrongStoredValues()
+    {
+        MainWindow().close();
+        const QStringList keys = userSettings().allKeys();
+        QVERIFY(keys.size() >= 17);
+        const QStringList texts = {QStringLiteral("abc"), QStringLiteral("13")};
+        for (const QVariant &value : {QVariant(texts), QVariant(QByteArray("\0\xff\x01", 3)),
+                                      QVariant(QString(500'000, QLatin1Char('x')))}) {
+            for (const QString &key : keys)
+                userSettings().setValue(key, value);
+            userSettings().sync();
+            const MainWindow window;
+            QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 1);
+            QCOMPARE(part<QSpinBox>(window, "crfSpin")->value(), 0);
+            QVERIFY(part<QDateTimeEdit>(window, "startEdit")->dateTime().isValid());
+            QCOMPARE(WindowFixture::findLeaf(window, QStringLiteral("<b>AIA"))->checkState(0),
+                     value.type() == QVariant::StringList ? Qt::Checked : Qt::Unchecked);
+        }
+    }
+
+    void brokenCacheAsksTheService()
+    {
+        WindowFixture::writeCatalog(QByteArray(catalog).left(40));
+        TestFolder::setKey(QStringLiteral("network/apiBase"),
+                           QStringLiteral("http://127.0.0.1:9/<i>"));
+        const BoxCloser boxes;
+        const MainWindow window;
+        const auto *refresh = part<QPushButton>(window, "refreshButton");
+        QVERIFY(!refresh->isEnabled());
+        QTRY_COMPARE_WITH_TIMEOUT(boxes.shown.size(), 1, 20'000);
+        QVERIFY(refresh->isEnabled());
+        QVERIFY(boxes.shown.first().startsWith(
+            QStringLiteral("Helioviewer: getDataSources failed:\n")));
+        QVERIFY(logText(window).contains(QStringLiteral("] ERROR getDataSources: curl: (7)")));
+        QCOMPARE(part<QDockWidget>(window, "logWidget")->windowTitle(),
+                 QStringLiteral("Log  -  ERR 1 / WARN 0"));
+    }
+
+    void answerWithoutDatasourcesIsAnError()
+    {
+        WindowFixture::reset();
+        const QString name = QStringLiteral("error");
+        const QJsonObject error{{name, QJsonObject{{QStringLiteral("errno"), 12}}}};
+        const QString cache = TestFolder::path(QStringLiteral("sys/helioviewer_sources.json"));
+        TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9"));
+        for (const bool first : {true, false}) {
+            if (!first)
+                WindowFixture::writeCatalog(catalog);
+            const BoxCloser boxes;
+            MainWindow window;
+            const auto *tree = part<QTreeWidget>(window, "sourcesTree");
+            QCOMPARE(tree->topLevelItemCount(), first ? 0 : 1);
+            for (const QJsonObject &answer : {error, first ? error : QJsonObject()})
+                QVERIFY(QMetaObject::invokeMethod(&window, "onCatalogReceived",
+                                                  Q_ARG(QJsonObject, answer)));
+            QCOMPARE(tree->topLevelItemCount(), first ? 0 : 1);
+            QCOMPARE(logText(window).count(QStringLiteral("The answer holds no datasource.")), 2);
+            QCOMPARE(QFile::exists(cache), !first);
+        }
+    }
+
+    void emptyCacheIsShownAndCostsNoTicks()
+    {
+        WindowFixture::writeCatalog("{}");
+        const QString ticks = QStringLiteral("sources/selectedIds");
+        userSettings().setValue(ticks, QStringList(QStringLiteral("10")));
+        MainWindow window;
+        QVERIFY(logText(window).contains(QStringLiteral("Loaded cached catalog: ")));
+        QVERIFY(!logText(window).contains(QStringLiteral("curl: ")));
+        window.close();
+        QCOMPARE(userSettings().value(ticks).toStringList(), QStringList(QStringLiteral("10")));
+    }
+
+    void vanishedPreviewIsAWarning()
+    {
+        MainWindow window;
+        const QString file = TestFolder::path(QStringLiteral("no/frame.png"));
+        QVERIFY(QMetaObject::invokeMethod(&window, "onPreviewReady", Q_ARG(QString, QString()),
+                                          Q_ARG(QString, file), Q_ARG(QDateTime, QDateTime()),
+                                          Q_ARG(QDateTime, QDateTime()), Q_ARG(qint64, 0)));
+        QVERIFY(logText(window).contains(QStringLiteral("WARNING: unable to load preview image ") +
+                                         file));
+    }
+
+    void unwritableCacheIsAWarning()
+    {
+        TestFolder::setKey(QStringLiteral("paths/catalog"), QStringLiteral("bin")); // a folder
+        TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9"));
+        const BoxCloser boxes;
+        MainWindow window;
+        const QJsonObject answer{{QStringLiteral("x"), QJsonObject()}};
+        QVERIFY(
+            QMetaObject::invokeMethod(&window, "onCatalogReceived", Q_ARG(QJsonObject, answer)));
+        QCOMPARE(part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount(), 1);
+        QVERIFY(logText(window).contains(
+            QStringLiteral("WARNING: unable to save catalog cache in ./sys.")));
+        QVERIFY(!logText(window).contains(QStringLiteral("catalog updated.")));
+    }
+
+    void playsTheNewestVideo()
+    {
+        const TestFolder::OutputRoot root;
+        const QString film = root.path() + QStringLiteral("/%1 film.mp4");
+        QVERIFY(QFile(film).open(QIODevice::WriteOnly));
+        QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open");
+        const MainWindow window;
+        part<QAction>(window, "actionPlayLatestVideo")->trigger();
+        part<QAction>(window, "actionOpenOutputFolder")->trigger();
+        QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+        QCOMPARE(m_opened, QVector<QString>({film, root.path()}));
+        QVERIFY(logText(window).contains(QStringLiteral("Playing video: ") + film));
+    }
+
+    void actionsAtEveryStage_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("stage");
+        QTest::addColumn<QString>("end");
+        QTest::addColumn<int>("signalNumber");
+        for (const char *end : {"stop", "close", "signal"}) {
+            const auto row = [end](const char *stage) -> QTestData & {
+                return QTest::addRow("%s, %s", stage, end);
+            };
+            row("probing") << "GOES-R SUVI 195 "
+                           << "Analyzing" << end << SIGTERM;
+            row("downloading") << "AIA 171 "
+                               << "AIA 171  " << end << SIGHUP;
+            row("encoding") << "AIA 171 "
+                            << "Encoding videos" << end << SIGINT;
+        }
+    }
+
+    void actionsAtEveryStage()
+    {
+        QFETCH(QString, source);
+        QFETCH(QString, stage);
+        QFETCH(QString, end);
+        QFETCH(int, signalNumber);
+        const bool stops = end == QLatin1String("stop");
+        const bool closes = end == QLatin1String("close");
+        const TestFolder::OutputRoot output;
+        bool hasActed = false;
+        {
+            MainWindow window;
+            prepareRun(window, source, 3);
+            connect(&m_signals, &TerminationSignals::received, &window, &MainWindow::shutDown);
+            const auto act = [&] {
+                part<QAction>(window, "actionRefreshCatalog")->trigger();
+                if (closes)
+                    window.close();
+                else if (stops)
+                    part<QAction>(window, "actionStopAcquisition")->trigger();
+                else
+                    std::raise(signalNumber);
+            };
+            connect(window.findChild<AcquisitionController *>(),
+                    &AcquisitionController::stateChanged, &window, [&](const QString &text) {
+                        if (text.startsWith(stage) && !std::exchange(hasActed, true))
+                            QTimer::singleShot(0, &window, act);
+                    });
+            WindowFixture::clickToolButton(window, "actionStartAcquisition");
+            if (!stops)
+                QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), 20'000);
+            if (!closes)
+                QTRY_COMPARE_WITH_TIMEOUT(part<QLabel>(window, "stateLabel")->text(),
+                                          QStringLiteral("Canceled"), 20'000);
+            QCOMPARE(part<QAction>(window, "actionStartAcquisition")->isEnabled(), !closes);
+        }
+        QCOMPARE(m_server.requestCount(Operation::GetDataSources), 0);
+        const QDir session(output.path() + QStringLiteral("/20240501_120000__20240501_120300"));
+        QVERIFY(session.exists(QStringLiteral("manifest.csv")));
+        QCOMPARE(session.exists(QStringLiteral("session.json")), !closes);
+    }
+
+    void everythingIsRefusedOrSafeWhileRunning()
+    {
+        const TestFolder::OutputRoot output;
+        MainWindow window;
+        prepareRun(window, QStringLiteral("AIA 171 "), 600);
+        const QStringList idleParts = enabledParts(window);
+        QCOMPARE(idleParts.size(), 18);
+        WindowFixture::clickToolButton(window, "actionStartAcquisition");
+        QCOMPARE(enabledParts(window), QStringList(QStringLiteral("actionStopAcquisition")));
+        QCOMPARE(part<QLabel>(window, "previewLabel")->text(),
+                 QStringLiteral("Waiting for the first accepted frame..."));
+        const BoxCloser boxes(QMessageBox::No);
+        part<QAction>(window, "actionRefreshCatalog")->trigger();
+        part<QAction>(window, "actionPlayLatestVideo")->trigger();
+        QCOMPARE(boxes.shown.size(), 1); // no video yet
+        WindowFixture::clickToolButton(window, "actionStartAcquisition");
+        WindowFixture::clickLeaf(window, QStringLiteral("AIA 193 "));
+        WindowFixture::clickToolButton(window, "actionStopAcquisition");
+        QVERIFY(QMetaObject::invokeMethod(&window, "stopAcquisition"));
+        QCOMPARE(enabledParts(window), idleParts);
+        QCOMPARE(logText(window).count(QStringLiteral("Session canceled.")), 1);
+        QCOMPARE(m_server.requestCount(Operation::GetDataSources), 0);
+        QCOMPARE(WindowFixture::findLeaf(window, QStringLiteral("AIA 193 "))->checkState(0),
+                 Qt::Unchecked);
+    }
+
 private:
+    /// A window on the service, with one datasource ticked.
+    void prepareRun(MainWindow &window, const QString &source, int minutes)
+    {
+        TestFolder::setKey(QStringLiteral("network/apiBase"), m_server.baseUrl());
+        QVERIFY(QMetaObject::invokeMethod(&window, "refreshSources"));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QTRY_VERIFY(part<QPushButton>(window, "refreshButton")->isEnabled());
+        const QDateTime start(QDate(2024, 5, 1), QTime(12, 0), Qt::UTC);
+        part<QDateTimeEdit>(window, "startEdit")->setDateTime(start);
+        part<QDateTimeEdit>(window, "endEdit")->setDateTime(start.addSecs(qint64(60) * minutes));
+        part<QSpinBox>(window, "widthSpin")->setValue(128);
+        WindowFixture::clickLeaf(window, source);
+        m_server.clearJournal();
+    }
+
+    TerminationSignals m_signals;
+    Simulator::Server m_server{Simulator::Archive::sample()};
     QVector<QString> m_opened;
 };
-
-void TestMainWindow::init()
-{
-    WindowFixture::reset();
-    WindowFixture::writeCatalog(catalog);
-    m_opened.clear();
-}
-
-void TestMainWindow::everyInteractivePartHasANameAndAKey()
-{
-    MainWindow window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowActive(&window));
-    auto *tabs = window.findChild<QTabWidget *>();
-    for (int tab = 0; tab < tabs->count(); ++tab) {
-        tabs->setCurrentIndex(tab);
-        QCOMPARE(nameless(QAccessible::queryAccessibleInterface(&window)).join(QLatin1Char(' ')),
-                 QString());
-    }
-    QWidget *start = part<QToolBar>(window, "mainToolBar")
-                         ->widgetForAction(part<QAction>(window, "actionStartAcquisition"));
-    for (int presses = 0; window.focusWidget() != start && presses < 40; ++presses)
-        QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
-    QCOMPARE(window.focusWidget(), start);
-    part<QToolBar>(window, "mainToolBar")->hide();
-    BoxCloser boxes; // no datasource is ticked
-    QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
-    QCOMPARE(boxes.shown.size(), 1);
-    const QFontMetrics log = part<QTextEdit>(window, "log")->fontMetrics();
-    QCOMPARE(log.horizontalAdvance(QStringLiteral("iiii")),
-             log.horizontalAdvance(QStringLiteral("WWWW")));
-}
-
-void TestMainWindow::detailsFollowCurrentAndSampling()
-{
-    userSettings().setValue(QStringLiteral("sources/currentId"), 10);
-    MainWindow window;
-    const auto *details = part<QTextBrowser>(window, "catalogInfo");
-    QVERIFY(QMetaObject::invokeMethod(&window, "onSourceTimingAnalyzed", Q_ARG(int, 10),
-                                      Q_ARG(int, 9), Q_ARG(int, 240), Q_ARG(int, 240),
-                                      Q_ARG(int, 240)));
-    QVERIFY(details->toPlainText().contains(QStringLiteral("requested sampling is 1 min")));
-    part<QSpinBox>(window, "cadenceSpin")->stepUp();
-    QVERIFY(details->toPlainText().contains(QStringLiteral("not prepared yet")));
-
-    part<QDateTimeEdit>(window, "startEdit")
-        ->setDateTime(part<QDateTimeEdit>(window, "endEdit")->dateTime());
-    part<QSpinBox>(window, "fpsSpin")->setValue(50);
-    QCOMPARE(part<QLabel>(window, "estimateLabel")->text(),
-             QStringLiteral("Nominal estimate: 1 frame(s) per datasource  |  video 00:00:00.020 @ "
-                            "50 fps"));
-}
-
-void TestMainWindow::refusedStartSavesSettingsAndKeepsTheLog()
-{
-    MainWindow window;
-    window.show();
-    part<QSpinBox>(window, "cadenceSpin")->setValue(7);
-    BoxCloser boxes;
-    WindowFixture::clickToolButton(window, "actionStartAcquisition");
-    QCOMPARE(userSettings().value(QStringLiteral("acquisition/cadenceSeconds")).toInt(), 7);
-    QVERIFY(logText(window).contains(QStringLiteral("Loaded cached catalog: ")));
-
-    part<QSpinBox>(window, "cadenceSpin")->setValue(8);
-    part<QCheckBox>(window, "keepFramesCheck")->setChecked(false);
-    part<QCheckBox>(window, "createVideosCheck")->setChecked(false);
-    WindowFixture::clickToolButton(window, "actionStartAcquisition");
-    QCOMPARE(userSettings().value(QStringLiteral("acquisition/cadenceSeconds")).toInt(), 7);
-    QCOMPARE(boxes.shown,
-             QStringList({QStringLiteral("Orvik: Select at least one Helioviewer datasource."),
-                          QStringLiteral("Orvik: Enable PNG frame storage or MP4 creation.")}));
-    QVERIFY(!part<QAction>(window, "actionStopAcquisition")->isEnabled());
-}
-
-void TestMainWindow::presetCountsUntilTheUserSaved()
-{
-    TestFolder::setKey(QStringLiteral("acquisition/cadenceSeconds"), 120);
-    TestFolder::setKey(QStringLiteral("video/sourceOverlay"), false);
-    MainWindow window;
-    QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 120);
-    QVERIFY(part<QCheckBox>(window, "sourceOverlayCheck")->isChecked());
-    window.close();
-    TestFolder::setKey(QStringLiteral("acquisition/cadenceSeconds"), 240);
-    QCOMPARE(part<QSpinBox>(MainWindow(), "cadenceSpin")->value(), 120);
-}
-
-void TestMainWindow::wrongStoredValues()
-{
-    MainWindow().close();
-    const QStringList keys = userSettings().allKeys();
-    QVERIFY(keys.size() >= 17);
-    const QStringList texts = {QStringLiteral("abc"), QStringLiteral("13")};
-    for (const QVariant &value : {QVariant(texts), QVariant(QByteArray("\0\xff\x01", 3)),
-                                  QVariant(QString(500'000, QLatin1Char('x')))}) {
-        for (const QString &key : keys)
-            userSettings().setValue(key, value);
-        userSettings().sync();
-        const MainWindow window;
-        QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 1);
-        QCOMPARE(part<QSpinBox>(window, "crfSpin")->value(), 0);
-        QVERIFY(part<QDateTimeEdit>(window, "startEdit")->dateTime().isValid());
-        QCOMPARE(WindowFixture::findLeaf(window, QStringLiteral("<b>AIA"))->checkState(0),
-                 value.type() == QVariant::StringList ? Qt::Checked : Qt::Unchecked);
-    }
-}
-
-void TestMainWindow::brokenCacheAsksTheService()
-{
-    WindowFixture::writeCatalog(QByteArray(catalog).left(40));
-    TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9/<i>"));
-    BoxCloser boxes;
-    const MainWindow window;
-    const auto *refresh = part<QPushButton>(window, "refreshButton");
-    QVERIFY(!refresh->isEnabled());
-    QTRY_COMPARE_WITH_TIMEOUT(boxes.shown.size(), 1, 20'000);
-    QVERIFY(refresh->isEnabled());
-    QVERIFY(
-        boxes.shown.first().startsWith(QStringLiteral("Helioviewer: getDataSources failed:\n")));
-    QVERIFY(logText(window).contains(QStringLiteral("] ERROR getDataSources: curl: (7)")));
-    QCOMPARE(part<QDockWidget>(window, "logWidget")->windowTitle(),
-             QStringLiteral("Log  -  ERR 1 / WARN 0"));
-}
-
-void TestMainWindow::answerWithoutDatasourcesIsAnError()
-{
-    WindowFixture::reset();
-    const QJsonObject error{{QStringLiteral("error"), QJsonObject{{QStringLiteral("errno"), 12}}}};
-    const QString cache = TestFolder::path(QStringLiteral("sys/helioviewer_sources.json"));
-    TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9"));
-    for (const bool first : {true, false}) {
-        if (!first)
-            WindowFixture::writeCatalog(catalog);
-        BoxCloser boxes;
-        MainWindow window;
-        const int items = part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount();
-        QCOMPARE(items, first ? 0 : 1);
-        for (const QJsonObject &answer : {error, first ? error : QJsonObject()})
-            QVERIFY(QMetaObject::invokeMethod(&window, "onCatalogReceived",
-                                              Q_ARG(QJsonObject, answer)));
-        QCOMPARE(part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount(), items);
-        QCOMPARE(logText(window).count(QStringLiteral("The answer holds no datasource.")), 2);
-        QCOMPARE(QFile::exists(cache), !first);
-    }
-}
-
-void TestMainWindow::emptyCacheIsShownAndCostsNoTicks()
-{
-    WindowFixture::writeCatalog("{}");
-    const QString ticks = QStringLiteral("sources/selectedIds");
-    userSettings().setValue(ticks, QStringList(QStringLiteral("10")));
-    MainWindow window;
-    QVERIFY(logText(window).contains(QStringLiteral("Loaded cached catalog: ")));
-    QVERIFY(!logText(window).contains(QStringLiteral("curl: ")));
-    window.close();
-    QCOMPARE(userSettings().value(ticks).toStringList(), QStringList(QStringLiteral("10")));
-}
-
-void TestMainWindow::vanishedPreviewIsAWarning()
-{
-    MainWindow window;
-    const QString file = QStringLiteral("/no/frame.png");
-    const QDateTime now = QDateTime::currentDateTimeUtc();
-    QVERIFY(QMetaObject::invokeMethod(&window, "onPreviewReady", Q_ARG(QString, QString()),
-                                      Q_ARG(QString, file), Q_ARG(QDateTime, now),
-                                      Q_ARG(QDateTime, now), Q_ARG(qint64, 0)));
-    QVERIFY(
-        logText(window).contains(QStringLiteral("WARNING: unable to load preview image ") + file));
-}
-
-void TestMainWindow::unwritableCacheIsAWarning()
-{
-    TestFolder::setKey(QStringLiteral("paths/catalog"), QStringLiteral("bin")); // a folder
-    TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9"));
-    BoxCloser boxes;
-    MainWindow window;
-    const QJsonObject answer{{QStringLiteral("x"), QJsonObject()}};
-    QVERIFY(QMetaObject::invokeMethod(&window, "onCatalogReceived", Q_ARG(QJsonObject, answer)));
-    QCOMPARE(part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount(), 1);
-    QVERIFY(logText(window).contains(
-        QStringLiteral("WARNING: unable to save catalog cache in ./sys.")));
-    QVERIFY(!logText(window).contains(QStringLiteral("catalog updated.")));
-}
-
-void TestMainWindow::playsTheNewestVideo()
-{
-    const TestFolder::OutputRoot root;
-    const QString film = root.path() + QStringLiteral("/%1 film.mp4");
-    QVERIFY(QFile(film).open(QIODevice::WriteOnly));
-    QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open");
-    const MainWindow window;
-    part<QAction>(window, "actionPlayLatestVideo")->trigger();
-    part<QAction>(window, "actionOpenOutputFolder")->trigger();
-    QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
-    QCOMPARE(m_opened, QVector<QString>({film, root.path()}));
-    QVERIFY(logText(window).contains(QStringLiteral("Playing video: ") + film));
-}
 
 QTEST_MAIN(TestMainWindow)
 #include "tst_mainwindow.moc"
