@@ -1,9 +1,12 @@
 #include "imaging/annotationlayout.h"
 #include "imaging/frameannotation.h"
+#include "imaging/metricscale.h"
 
 #include <QBitmap>
 #include <QJsonObject>
 #include <QtTest>
+
+#include <limits>
 
 namespace Layout = AnnotationLayout;
 
@@ -98,6 +101,41 @@ private slots:
         QCOMPARE(copy.size(), QSize(512, 508)); // the last column and row twice
         QCOMPARE(copy.copy(511, 0, 1, 508), copy.copy(510, 0, 1, 508));
         QCOMPARE(copy.copy(0, 507, 512, 1), copy.copy(0, 506, 512, 1));
+    }
+
+    void kilometresPerPixel()
+    {
+        const auto scale = [](const QJsonValue &rsun, int width, int imageWidth) {
+            return MetricScale::kmPerPixel(
+                {{QStringLiteral("rsun"), rsun}, {QStringLiteral("width"), width}}, imageWidth);
+        };
+        QCOMPARE(scale(1600, 4096, 1024), 1739.25);
+        QCOMPARE(scale(QStringLiteral("1600.5"), 4096, 4096), 695700.0 / 1600.5);
+        QCOMPARE(scale(1600, 4096, 1), 695700.0 / 1600 * 4096);
+        QCOMPARE(scale(QStringLiteral("16OO"), 4096, 1024), 0.0);
+        QCOMPARE(scale({}, 4096, 1024), 0.0);
+        QCOMPARE(scale(1600, -1, 1024), 0.0);
+        QCOMPARE(scale(1600, 4096, 0), 0.0);
+    }
+
+    void lengthsAreRoundedDown()
+    {
+        const QVector<double> lengths{1999, 2000, 4999, 5000,   356198.4,
+                                      0.3,  0,    -7,   qInf(), qQNaN()};
+        QVector<double> rounded;
+        for (const double length : lengths)
+            rounded.append(MetricScale::roundLengthKm(length));
+        QCOMPARE(rounded, (QVector<double>{1000, 2000, 2000, 5000, 200000, 0.2, 0, 0, 0, 0}));
+    }
+
+    void thousandsAreGrouped()
+    {
+        QCOMPARE(MetricScale::formatThousands(999), QStringLiteral("999"));
+        QCOMPARE(MetricScale::formatThousands(1000), QStringLiteral("1 000"));
+        QCOMPARE(MetricScale::formatThousands(5000000), QStringLiteral("5 000 000"));
+        QCOMPARE(MetricScale::formatThousands(-100), QStringLiteral("-100"));
+        QCOMPARE(MetricScale::formatThousands(std::numeric_limits<qint64>::min()),
+                 QStringLiteral("-9 223 372 036 854 775 808"));
     }
 
     void failuresAreNamed()

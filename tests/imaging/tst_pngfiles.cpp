@@ -1,9 +1,12 @@
+#include "imaging/framedecoder.h"
 #include "imaging/pngwriter.h"
 
 #include <QImage>
 #include <QPainter>
 #include <QRandomGenerator>
 #include <QtTest>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -29,13 +32,10 @@ QImage sun(QSize size)
 
 } // namespace
 
-class TestPngWriter : public QObject
+/// Frames as they are written and read.
+class TestPngFiles : public QObject
 {
     Q_OBJECT
-
-private:
-    QTemporaryDir m_folder;
-    QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
 
 private slots:
     void pixelsAreReadBack_data()
@@ -95,7 +95,59 @@ private slots:
         QCOMPARE(QImage(path("frame.png")), sun({32, 32}).convertToFormat(QImage::Format_RGB32));
         QVERIFY(!QFileInfo(path("frame.png.part")).isSymLink());
     }
+
+    void cutOffPictureDoesNotDecode()
+    {
+        QImage image(64, 48, QImage::Format_RGB32);
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                image.setPixel(x, y, qRgb(x * y, x ^ y, 7 * x));
+        }
+        QVERIFY(image.save(path("frame.png")));
+        QCOMPARE(FrameDecoder::decode(path("frame.png")), image);
+        QFile file(path("frame.png"));
+        constexpr int checksumBytes = 4; // the last thing in the file, after the whole picture
+        for (qint64 size = file.size() - checksumBytes - 1; size >= 0; --size) {
+            QVERIFY(file.resize(size));
+            QVERIFY2(FrameDecoder::decode(path("frame.png")).isNull(),
+                     qPrintable(QString::number(size)));
+        }
+    }
+
+    void onlyPngOfAKnownSizeIsRead_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QByteArray>("format");
+        QTest::addColumn<bool>("decodes");
+        QTest::newRow("largest side") << QSize(16384, 2) << QByteArray("png") << true;
+        QTest::newRow("too wide") << QSize(16385, 2) << QByteArray("png") << false;
+        QTest::newRow("too tall") << QSize(2, 16385) << QByteArray("png") << false;
+        QTest::newRow("too many pixels") << QSize(16384, 6104) << QByteArray("png") << false;
+        QTest::newRow("another format") << QSize(64, 48) << QByteArray("bmp") << false;
+    }
+
+    void onlyPngOfAKnownSizeIsRead()
+    {
+        QFETCH(QSize, size);
+        QFETCH(QByteArray, format);
+        QFETCH(bool, decodes);
+        QImage image(size, QImage::Format_Mono);
+        image.fill(1);
+        QVERIFY(image.save(path("frame.png"), format.constData()));
+        QCOMPARE(FrameDecoder::decode(path("frame.png")).size(), decodes ? size : QSize(0, 0));
+    }
+
+    void pipeIsNotWaitedFor()
+    {
+        const QString pipe = path("pipe.png");
+        QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        QVERIFY(FrameDecoder::decode(pipe).isNull());
+    }
+
+private:
+    QTemporaryDir m_folder;
+    QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
 };
 
-QTEST_GUILESS_MAIN(TestPngWriter)
-#include "tst_pngwriter.moc"
+QTEST_GUILESS_MAIN(TestPngFiles)
+#include "tst_pngfiles.moc"
