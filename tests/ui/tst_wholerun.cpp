@@ -209,7 +209,7 @@ private slots:
         const int opening = heard.logLines().size();
         QTRY_COMPARE_WITH_TIMEOUT(heard.events.last(), QStringLiteral("[finished] completed"),
                                   60'000);
-        m_session = heard.sessionDirectory();
+        m_session = heard.sessionDirectory;
         QCOMPARE(m_session, m_output.path() + QStringLiteral("/20240501_060007__20240501_061000"));
         const QDateTime completed = QDateTime::fromString(completedUtc(), Qt::ISODate);
         QVERIFY(before <= completed && completed <= QDateTime::currentDateTimeUtc());

@@ -1,4 +1,4 @@
-#include "tests/faults/sessioncheck.h"
+#include "tests/acquisition/sessioncheck.h"
 
 #include "base/jsonfile.h"
 #include "output/csvfields.h"
@@ -9,25 +9,21 @@
 #include <QDirIterator>
 #include <QImage>
 #include <QJsonArray>
-#include <QJsonObject>
 
 namespace {
-
-const QString ok = QStringLiteral("OK");
 
 /// Checks one row; gives the pictures it names.
 QStringList readRow(const QByteArray &line, SessionCheck &check)
 {
     CsvFields fields;
     fields.split(QString::fromUtf8(line).trimmed());
-    const QString index = QString::number(check.statuses.size());
-    check.statuses += fields.at(ManifestColumns::Status).toString();
+    const QString status = fields.at(ManifestColumns::Status).toString();
     const QString file = fields.at(ManifestColumns::File).toString();
     if (!line.endsWith('\n') || fields.count() != ManifestColumns::Count ||
-        fields.at(ManifestColumns::RequestIndex) != index ||
-        (check.statuses.last() == ok) == file.isEmpty())
-        check.faults +=
-            QStringLiteral("row ") + index + QStringLiteral(": ") + QString::fromUtf8(line);
+        fields.at(ManifestColumns::RequestIndex) != QString::number(check.rows) ||
+        (status == QLatin1String("OK")) == file.isEmpty())
+        check.faults += QStringLiteral("row: ") + QString::fromUtf8(line);
+    check.statuses += (check.rows++ > 0 ? QStringLiteral(" ") : QString()) + status;
     QStringList pictures{file, fields.at(ManifestColumns::VideoFrame).toString()};
     pictures.removeAll(QString());
     return pictures;
@@ -35,18 +31,13 @@ QStringList readRow(const QByteArray &line, SessionCheck &check)
 
 void checkDescriptor(const QString &path, SessionCheck &check)
 {
-    check.hasDescriptor = QFile::exists(path);
-    const QJsonObject session = JsonFile::load(path).value_or(QJsonObject());
-    const QJsonArray sources = session.value(QLatin1String("sources")).toArray();
-    int accepted = 0;
-    int copied = 0;
-    for (const auto &source : sources) {
-        accepted += source.toObject().value(QLatin1String("acceptedFrames")).toInt();
-        copied += source.toObject().value(QLatin1String("timestampedVideoFrames")).toInt();
-    }
-    const int rows = check.statuses.count(ok);
-    if (check.hasDescriptor &&
-        (session.isEmpty() || accepted != rows || copied != check.pictures - rows))
+    check.descriptor = JsonFile::load(path).value_or(QJsonObject());
+    int pictures = 0;
+    const QJsonArray sources = check.descriptor.value(QLatin1String("sources")).toArray();
+    for (const auto &source : sources)
+        pictures += source.toObject().value(QLatin1String("acceptedFrames")).toInt() +
+                    source.toObject().value(QLatin1String("timestampedVideoFrames")).toInt();
+    if (QFile::exists(path) && pictures != check.pictures)
         check.faults += QStringLiteral("session.json does not agree with the manifest");
 }
 
