@@ -40,48 +40,33 @@ private slots:
     {
         using Schedules = QVector<RequestSchedule>;
         QTest::addColumn<Schedules>("schedules");
-        QTest::addColumn<QString>("requests"); // as "time:sourceId", in milliseconds
-        QTest::newRow("nothing planned") << Schedules() << "";
-        QTest::newRow("start equals end") << Schedules{schedule(0, 5, 5, 10)} << "5:0";
-        QTest::newRow("the end is an instant to ask for")
-            << Schedules{schedule(1, 0, 20, 10)} << "0:1 10:1 20:1";
-        QTest::newRow("the last step passes the end")
-            << Schedules{schedule(1, 3, 19, 10)} << "3:1 13:1";
-        QTest::newRow("different steps and anchors")
-            << Schedules{schedule(1, 0, 30, 10), schedule(2, 4, 30, 25)}
-            << "0:1 4:2 10:1 20:1 29:2 30:1";
-        QTest::newRow("the same instant: the lower sourceId first, however listed")
-            << Schedules{schedule(9, 0, 20, 10), schedule(0, 0, 20, 20)}
-            << "0:0 0:9 10:9 20:0 20:9";
-        QTest::newRow("a datasource listed twice is asked twice")
-            << Schedules{schedule(3, 0, 10, 10), schedule(3, 0, 10, 10)} << "0:3 0:3 10:3 10:3";
+        const auto row = [](const char *requests, const Schedules &schedules) {
+            QTest::newRow(requests) << schedules; // as "time:sourceId", in milliseconds
+        };
+        row("", {});
+        row("5:0", {schedule(0, 5, 5, 10)}); // start equals end
+        row("0:1 10:1 20:1", {schedule(1, 0, 20, 10)});
+        row("3:1 13:1", {schedule(1, 3, 19, 10)});
+        row("0:1 4:2 10:1 20:1 29:2 30:1", {schedule(1, 0, 30, 10), schedule(2, 4, 30, 25)});
+        // At the same instant the lower sourceId comes first, however listed.
+        row("0:0 0:9 10:9 20:0 20:9", {schedule(9, 0, 20, 10), schedule(0, 0, 20, 20)});
+        row("0:3 0:3 10:3 10:3", {schedule(3, 0, 10, 10), schedule(3, 0, 10, 10)});
     }
 
     void requestsAreInterleavedByTime()
     {
         QFETCH(QVector<RequestSchedule>, schedules);
-        QFETCH(QString, requests);
+        const QString requests = QLatin1String(QTest::currentDataTag());
         AcquisitionPlan plan(schedules);
         QCOMPARE(plan.size(), qint64(requests.count(QLatin1Char(':'))));
         QStringList walked;
         for (; !plan.atEnd(); plan.advance()) {
             const FrameRequest request = plan.current();
             QCOMPARE(request.requestIndex, walked.size());
-            walked += QStringLiteral("%1:%2")
-                          .arg(request.requestedUtc.toMSecsSinceEpoch())
-                          .arg(request.sourceId);
+            walked += QString::number(request.requestedUtc.toMSecsSinceEpoch()) + QLatin1Char(':') +
+                      QString::number(request.sourceId);
         }
         QCOMPARE(walked.join(QLatin1Char(' ')), requests);
-    }
-
-    void tenYearsAtOneSecondAreCountedButNotStored()
-    {
-        constexpr qint64 tenYearsMs = 3652LL * 86400 * 1000;
-        AcquisitionPlan plan(QVector<RequestSchedule>(36, schedule(1, 500, tenYearsMs, 1000)));
-        QCOMPARE(plan.size(), 36 * tenYearsMs / 1000);
-        for (int i = 0; i < 36; ++i)
-            plan.advance();
-        QCOMPARE(plan.current().requestedUtc.toMSecsSinceEpoch(), 1500);
     }
 
     void samplingFollowsTheArchive_data()
@@ -90,25 +75,23 @@ private slots:
         QTest::addColumn<int>("stepSeconds");
         QTest::addColumn<int>("firstOffset");
         QTest::addColumn<QString>("found"); // as the log tells it
-        using Frames = QVector<qint64>;
-        QTest::newRow("sparse: in phase with the instrument")
-            << Frames{7, 607, 1207, 1507} << 600 << 7
-            << "4 frame(s), observed median 600 s (min 300, max 600)";
-        QTest::newRow("even count: the upper of the middle two")
-            << Frames{0, 300, 900} << 600 << 0
-            << "3 frame(s), observed median 600 s (min 300, max 600)";
-        QTest::newRow("just the cadence: the start stays")
-            << Frames{5, 65} << 60 << 0 << "2 frame(s), observed median 60 s (min 60, max 60)";
-        QTest::newRow("first frame before the interval: the start stays")
-            << Frames{-1, 719} << 720 << 0
-            << "2 frame(s), observed median 720 s (min 720, max 720)";
-        QTest::newRow("first frame at the very end of the interval")
-            << Frames{3600, 7200} << 3600 << 3600
-            << "2 frame(s), observed median 3600 s (min 3600, max 3600)";
-        QTest::newRow("a single frame tells no spacing") << Frames{30} << 60 << 0 << "1 frame(s)";
-        QTest::newRow("an empty archive")
-            << Frames{} << 60 << 0
-            << "no frames returned; scheduling every 60 s with normal validation.";
+        const auto row = [](const char *name, const QVector<qint64> &frames, int stepSeconds,
+                            int firstOffset, const char *found) {
+            QTest::newRow(name) << frames << stepSeconds << firstOffset << found;
+        };
+        row("sparse: in phase with the instrument", {7, 607, 1207, 1507}, 600, 7,
+            "4 frame(s), observed median 600 s (min 300, max 600)");
+        row("even count: the upper of the middle two", {0, 300, 900}, 600, 0,
+            "3 frame(s), observed median 600 s (min 300, max 600)");
+        row("just the cadence: the start stays", {5, 65}, 60, 0,
+            "2 frame(s), observed median 60 s (min 60, max 60)");
+        row("first frame before the interval: the start stays", {-1, 719}, 720, 0,
+            "2 frame(s), observed median 720 s (min 720, max 720)");
+        row("first frame at the very end", {3600, 7200}, 3600, 3600,
+            "2 frame(s), observed median 3600 s (min 3600, max 3600)");
+        row("a single frame tells no spacing", {30}, 60, 0, "1 frame(s)");
+        row("an empty archive", {}, 60, 0,
+            "no frames returned; scheduling every 60 s with normal validation.");
     }
 
     void samplingFollowsTheArchive()
@@ -161,41 +144,30 @@ private slots:
                  session->directory + QStringLiteral("_3"));
     }
 
-    void profileIsReadFromNicknameAndPath_data()
+    void profileAndTolerance()
     {
-        QTest::addColumn<QString>("nickname");
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("profile");
-        const auto row = [](const char *name, const char *nickname, const char *path,
-                            const char *profile) {
-            QTest::newRow(name) << nickname << path << profile;
-        };
-        row("nickname alone, in small letters", "aia", "", "AIA");
-        row("path that ends there", "band", "sdo/aia", "AIA");
-        row("no blank after the instrument", "AIA171", "", "DEFAULT");
-        row("SUVI goes before AIA", "SUVI 304", "SDO/AIA/304", "SUVI");
-        row("SUVI by its path goes before AIA", "AIA 304", "GOES/SUVI", "SUVI");
-        row("path that begins there", "x", "AIA/171", "DEFAULT");
-        row("part of a longer step", "x", "SDO/AIAX/171", "DEFAULT");
-    }
-
-    void profileIsReadFromNicknameAndPath()
-    {
-        QFETCH(QString, nickname);
-        QFETCH(QString, path);
-        QFETCH(QString, profile);
-        const DataSource source{1, nickname, path};
-        QCOMPARE(SourceTiming::toText(SourceTiming::profileOf(source)), profile);
-
         TestFolder::setKey(QStringLiteral("timing/aiaMaxTimeErrorSeconds"), -5); // reads as 0
         TestFolder::setKey(QStringLiteral("timing/suviMaxTimeErrorSeconds"), 12);
-        const QMap<QString, int> tolerances = {{QStringLiteral("AIA"), 0},
-                                               {QStringLiteral("SUVI"), 12}};
         AcquisitionSettings settings;
         settings.maxTimeErrorSeconds = 77;
-        QCOMPARE(SourceTiming::toleranceSeconds(source, settings), tolerances.value(profile, 77));
-        settings.useSourceTimingProfiles = false;
-        QCOMPARE(SourceTiming::toleranceSeconds(source, settings), 77);
+        struct Row
+        {
+            const char *nickname, *path, *profile;
+            int tolerance;
+        };
+        for (const Row &row :
+             {Row{"aia", "", "AIA", 0}, Row{"band", "sdo/aia", "AIA", 0},
+              Row{"AIA171", "", "DEFAULT", 77}, Row{"SUVI 304", "SDO/AIA/304", "SUVI", 12},
+              Row{"suvi", "", "SUVI", 12}, Row{"AIA 304", "GOES/SUVI", "SUVI", 12},
+              Row{"x", "AIA/171", "DEFAULT", 77}, Row{"x", "SDO/AIAX/171", "DEFAULT", 77}}) {
+            const DataSource source{1, QLatin1String(row.nickname), QLatin1String(row.path)};
+            QCOMPARE(SourceTiming::toText(SourceTiming::profileOf(source)),
+                     QLatin1String(row.profile));
+            settings.useSourceTimingProfiles = true;
+            QCOMPARE(SourceTiming::toleranceSeconds(source, settings), row.tolerance);
+            settings.useSourceTimingProfiles = false;
+            QCOMPARE(SourceTiming::toleranceSeconds(source, settings), 77);
+        }
     }
 };
 

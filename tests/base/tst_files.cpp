@@ -111,13 +111,6 @@ suviMaxTimeErrorSeconds=900
         QVERIFY(QDir::setCurrent(workingDirectory));
     }
 
-    void savedObjectReadsBack()
-    {
-        const QJsonObject object{{QStringLiteral("Sch\u00f6n"), 9007199254740991.0}};
-        QCOMPARE(JsonFile::save(m_path, object), JsonFile::SaveResult::Saved);
-        QVERIFY(JsonFile::load(m_path) == object);
-    }
-
     void diskFullHalfWayKeepsTheOldFile()
     {
         for (const int length : {100'000, 2'000}) { // seen when written, when the buffer is flushed
@@ -139,15 +132,14 @@ suviMaxTimeErrorSeconds=900
         QCOMPARE(errorText, QStringLiteral("unterminated object"));
         const QString nowhere = m_folder.filePath(QStringLiteral("no folder/x.json"));
         QCOMPARE(JsonFile::save(nowhere, {}), JsonFile::SaveResult::CannotOpen);
-        QVERIFY(!JsonFile::load(nowhere, &errorText));
+        QVERIFY(!JsonFile::load(nowhere, &errorText) && !JsonFile::load(nowhere));
         QCOMPARE(errorText, QStringLiteral("No such file or directory"));
-        QVERIFY(!JsonFile::load(nowhere));
     }
 
 private:
     QTemporaryDir m_folder;
     QString m_path = m_folder.filePath(QStringLiteral("session.json"));
-    QJsonObject m_old{{QStringLiteral("key"), QStringLiteral("value")}};
+    QJsonObject m_old{{QStringLiteral("Sch\u00f6n"), 9007199254740991.0}};
 };
 
 QTEST_GUILESS_MAIN(TestFiles)

@@ -5,7 +5,6 @@
 #include <QtTest>
 
 using LogLineClass::LineClass;
-Q_DECLARE_METATYPE(LogLineClass::LineClass)
 
 /// Times, names and the first words of log lines.
 class TestTexts : public QObject
@@ -20,29 +19,21 @@ private slots:
         tzset();
     }
 
-    void timeFromText_data()
-    {
-        const QString noon = QStringLiteral("2024-05-01T12:00:07Z");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("expected"); // empty: invalid
-        QTest::newRow("white space around") << QStringLiteral(" \t%1\r\n").arg(noon) << noon;
-        QTest::newRow("milliseconds") << QStringLiteral("2024-05-01T12:00:07.999Z") << noon;
-        QTest::newRow("offset") << QStringLiteral("2024-05-01T14:00:07+02:00") << noon;
-        QTest::newRow("no zone: local time") << QStringLiteral("2024-05-01T14:00:07") << noon;
-        QTest::newRow("blank") << QStringLiteral("  ") << QString();
-        QTest::newRow("no such day") << QStringLiteral("2024-02-30T12:00:07Z") << QString();
-    }
-
     void timeFromText()
     {
-        QFETCH(QString, text);
-        QTEST(UtcText::toText(UtcText::fromText(text)), "expected");
+        const QString noon = QStringLiteral("2024-05-01T12:00:07Z");
+        for (const char *text : {" \t2024-05-01T12:00:07Z\r\n", "2024-05-01T12:00:07.999Z",
+                                 "2024-05-01T14:00:07+02:00", "2024-05-01T14:00:07"})
+            QCOMPARE(UtcText::toText(UtcText::fromText(QLatin1String(text))), noon);
+        for (const char *text : {"  ", "2024-02-30T12:00:07Z"}) // there is no such day
+            QVERIFY(!UtcText::fromText(QLatin1String(text)).isValid());
     }
 
     void timeToText()
     {
         const QDateTime time(QDate(2024, 1, 1), QTime(0, 30, 9, 999), Qt::OffsetFromUTC, 3600);
         QCOMPARE(UtcText::toText(time), QStringLiteral("2023-12-31T23:30:09Z"));
+        QCOMPARE(UtcText::toText({}), QString());
         QCOMPARE(UtcText::toOverlayText(time), QStringLiteral("2023-12-31 23:30:09 UTC"));
         QCOMPARE(UtcText::toDisplayText(time), QStringLiteral("2023-12-31 23:30:09"));
         QCOMPARE(FileNames::datasourceFolder(QString(), time),
@@ -64,59 +55,33 @@ private slots:
         QCOMPARE(FileNames::shortened(sun.repeated(3), 11), sun.repeated(2));
     }
 
-    void fileName_data()
+    void namesBecomeFileNames()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("slash") << QStringLiteral(" XRT Al_poly/Open ")
-                               << QStringLiteral("XRT_Al_poly_Open");
-        QTest::newRow("path upwards") << QStringLiteral("../..") << QStringLiteral("_");
-        QTest::newRow("runs") << QStringLiteral("a__ +_b--%1") << QStringLiteral("a_b--_1");
-        QTest::newRow("any script") << QStringLiteral("H\u03b1 Sch\u00f6n \u00bd \u65e5")
-                                    << QStringLiteral("H\u03b1_Sch\u00f6n_\u00bd_\u65e5");
-        QTest::newRow("nothing left") << QStringLiteral(" \t") << QStringLiteral("ROI");
-    }
-
-    void fileName()
-    {
-        QFETCH(QString, text);
-        QTEST(FileNames::roiPart(text), "expected");
-    }
-
-    void firstFittingRuleDecides_data()
-    {
-        QTest::addColumn<LineClass>("expected");
-        const auto row = [](const char *text, LineClass expected) {
-            QTest::newRow(text) << expected;
-        };
-        row("warning: x failed", LineClass::Warning);
-        row("  ERROR: unavailable", LineClass::Error);
-        row("ffmpeg error (AIA 171)", LineClass::Error);
-        row("REJECT x DOWNLOAD_ERROR", LineClass::Error);
-        row("rejectxDOWNLOAD_ERROR", LineClass::Warning);
-        row("AIA 171 lookup_error", LineClass::Error);
-        row("DUPLICATE AIA 171", LineClass::Warning);
-        row("Suspicious frame", LineClass::Warning);
-        row("VIDEO SKIPPED AIA 171", LineClass::Warning);
-        row("SKIPPED", LineClass::Plain);
-        row("probe unavailable: failed", LineClass::Warning);
-        row("ffmpeg: Invalid data found", LineClass::Error);
-        row("curl: (28) Operation timed out", LineClass::Info);
-        row("FFMPEG: frame=12", LineClass::Info);
-        row("OK AIA 171", LineClass::Success);
-        row(" OK ", LineClass::Plain);
-        row("Video completed: x.mp4", LineClass::Success);
-        row("  session completed. ", LineClass::Success);
-        row("Session completed. 3 videos", LineClass::Plain);
-        row("Helioviewer datasource catalog updated.", LineClass::Success);
-        row("ROI definitions saved: x", LineClass::Success);
-        row("", LineClass::Plain);
+        for (const auto &[name, expected] :
+             {std::pair(" XRT Al_poly/Open ", "XRT_Al_poly_Open"), std::pair("../..", "_"),
+              std::pair("a__ +_b--%1", "a_b--_1"), std::pair(" \t", "ROI"),
+              std::pair("H\u03b1 Sch\u00f6n \u00bd \u65e5", "H\u03b1_Sch\u00f6n_\u00bd_\u65e5")})
+            QCOMPARE(FileNames::roiPart(QString::fromUtf8(name)), QString::fromUtf8(expected));
     }
 
     void firstFittingRuleDecides()
     {
-        const QString text = QString::fromLatin1(QTest::currentDataTag());
-        QTEST(LogLineClass::classify(text), "expected");
+        const QVector<std::pair<LineClass, QVector<const char *>>> lines = {
+            {LineClass::Error,
+             {"  ERROR: unavailable", "ffmpeg error (AIA 171)", "REJECT x DOWNLOAD_ERROR",
+              "AIA 171 lookup_error", "ffmpeg: Invalid data found"}},
+            {LineClass::Warning,
+             {"warning: x failed", "rejectxDOWNLOAD_ERROR", "DUPLICATE AIA 171", "Suspicious frame",
+              "VIDEO SKIPPED AIA 171", "probe unavailable: failed"}},
+            {LineClass::Success,
+             {"OK AIA 171", "Video completed: x.mp4", "  session completed. ",
+              "Helioviewer datasource catalog updated.", "ROI definitions saved: x"}},
+            {LineClass::Info, {"curl: (28) Operation timed out", "FFMPEG: frame=12"}},
+            {LineClass::Plain, {"SKIPPED", " OK ", "Session completed. 3 videos", ""}}};
+        for (const auto &[lineClass, texts] : lines) {
+            for (const char *text : texts)
+                QVERIFY2(LogLineClass::classify(QLatin1String(text)) == lineClass, text);
+        }
     }
 };
 
