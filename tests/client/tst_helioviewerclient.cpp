@@ -9,6 +9,10 @@
 
 namespace {
 
+constexpr char strangeIndex[] =
+    R"({"frames":[1715299211.9,"1715299451",0,-3,0.9,1,"1",null,true,[9],"12s","",1e300,
+        "9223372036854775807"],"message":"thinned"})";
+
 QDateTime noon()
 {
     return {QDate(2024, 5, 1), QTime(12, 0), Qt::UTC};
@@ -44,66 +48,39 @@ private slots:
         QFile::remove(m_png);
     }
 
-    void frameIndex_data()
-    {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::addColumn<QVector<qint64>>("seconds");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("nothing to say") << QByteArray(R"({"message":null,"frames":[7,5,5]})")
-                                        << QVector<qint64>{7, 5, 5} << QString();
-        QTest::newRow("numbers, texts and rubbish")
-            << QByteArray(R"({"frames":[1715299211.9,"1715299451",0,-3,0.9,null,true,[9],"12s","",)"
-                          R"(1e300,"9223372036854775807"],"message":"thinned"})")
-            << QVector<qint64>{1715299211, 1715299451} << QStringLiteral("thinned");
-    }
-
     void frameIndex()
     {
-        QFETCH(QByteArray, answer);
-        const auto index = HelioviewerResponses::frameIndex(object(answer));
+        const auto index = HelioviewerResponses::frameIndex(object(strangeIndex));
         QVector<qint64> seconds;
         for (const QDateTime &frame : index.framesUtc)
             seconds.append(frame.timeSpec() == Qt::UTC ? frame.toSecsSinceEpoch() : -1);
-        QTEST(seconds, "seconds");
-        QTEST(index.message, "message");
-    }
-
-    void closestImage_data()
-    {
-        const QString noonFive = QStringLiteral("2024-05-01T12:00:07.000Z 5");
-        QTest::addColumn<QByteArray>("date");
-        QTest::addColumn<QByteArray>("id");
-        QTest::addColumn<QString>("expected"); // empty: refused
-        const auto row = [](const char *name, const char *date, const char *id,
-                            const QString &expected) {
-            QTest::newRow(name) << QByteArray(date) << QByteArray(id) << expected;
-        };
-        row("service's form", "2024-05-01 12:00:07", "\"5\"", noonFive);
-        row("id as number", "2024-05-01 12:00:07", "5", noonFive);
-        row("hour that summer time skips", "2024-03-31 02:30:00", "5",
-            QStringLiteral("2024-03-31T02:30:00.000Z 5"));
-        row("milliseconds, no zone", "2024-03-31T02:30:00.250", "5",
-            QStringLiteral("2024-03-31T02:30:00.250Z 5"));
-        row("milliseconds and zone", "2024-05-01T12:00:07.000Z", "5", noonFive);
-        row("offset", "2024-05-01T14:00:07+02:00", "5", noonFive);
-        row("negative offset", "2024-05-01T10:00:07-02:00", "5", noonFive);
-        row("date alone", "2024-05-01", "5", QStringLiteral("2024-05-01T00:00:00.000Z 5"));
-        row("no such day", "2024-02-30 12:00:00", "5", QString());
-        row("no date", "", "5", QString());
-        for (const char *id : {"0", "-4", "\"\"", "\"12a\"", "null", "true", "[12]"})
-            row(id, "2024-05-01 12:00:07", id, QString());
+        QCOMPARE(seconds, (QVector<qint64>{1715299211, 1715299451, 1, 1}));
+        QCOMPARE(index.message, QStringLiteral("thinned"));
+        QCOMPARE(HelioviewerResponses::frameIndex(object("{\"message\":null}")).message, QString());
     }
 
     void closestImage()
     {
-        QFETCH(QByteArray, date);
-        QFETCH(QByteArray, id);
-        const auto image = HelioviewerResponses::closestImage(
-            object("{\"date\":\"" + date + "\",\"id\":" + id + "}"));
-        QTEST(image ? image->actualUtc.toString(Qt::ISODateWithMs) + QLatin1Char(' ') +
-                          QString::number(image->imageId)
-                    : QString(),
-              "expected");
+        const auto read = [](const QByteArray &date, const QByteArray &id) {
+            const auto image = HelioviewerResponses::closestImage(
+                object("{\"date\":\"" + date + "\",\"id\":" + id + "}"));
+            return image ? image->actualUtc.toString(Qt::ISODateWithMs) + QLatin1Char(' ') +
+                               QString::number(image->imageId)
+                         : QString();
+        };
+        QCOMPARE(read("2024-05-01 12:00:07", "\"5\""),
+                 QStringLiteral("2024-05-01T12:00:07.000Z 5"));
+        for (const char *date : {"2024-05-01 12:00:07", "2024-05-01T12:00:07.000Z",
+                                 "2024-05-01T14:00:07+02:00", "2024-05-01T10:00:07-02:00"})
+            QCOMPARE(read(date, "5"), QStringLiteral("2024-05-01T12:00:07.000Z 5"));
+        for (const char *date : {"2024-03-31 02:30:00", "2024-03-31T02:30:00.000"})
+            QCOMPARE(read(date, "5"),
+                     QStringLiteral("2024-03-31T02:30:00.000Z 5")); // a skipped hour
+        QCOMPARE(read("2024-05-01", "5"), QStringLiteral("2024-05-01T00:00:00.000Z 5"));
+        for (const char *date : {"2024-02-30 12:00:00", ""})
+            QCOMPARE(read(date, "5"), QString());
+        for (const char *id : {"0", "-4", "\"\"", "\"12a\"", "null", "true", "[12]"})
+            QCOMPARE(read("2024-05-01 12:00:07", id), QString());
     }
 
     void strangePathsAndNumbers()
@@ -163,37 +140,27 @@ private slots:
         QCOMPARE(FakeProgram::runs(m_curl).size(), 1);
     }
 
-    void endlessAnswerIsEnded_data()
-    {
-        QTest::addColumn<QByteArray>("curl");
-        QTest::addColumn<QString>("operation");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("catalog") << QByteArray("exec yes '{'") << QStringLiteral("getDataSources")
-                                 << QStringLiteral("The answer is larger than 64 MB. Check "
-                                                   "network/apiBase.");
-        QTest::newRow("picture") << QByteArray("truncate -s 1025M \"${11}\"; exec sleep 120")
-                                 << QStringLiteral("downloadImage")
-                                 << QStringLiteral("The download is larger than 1 GB. Check "
-                                                   "network/apiBase.");
-    }
-
     void endlessAnswerIsEnded()
     {
-        QFETCH(QByteArray, curl);
-        QFETCH(QString, operation);
-        QFETCH(QString, message);
-        TestFolder::setKey(QStringLiteral("paths/curl"),
-                           TestFolder::writeScript(QStringLiteral("endless-curl"), curl));
-        HelioviewerClient client;
-        QSignalSpy errors(&client, &HelioviewerClient::requestError);
-        if (operation == QLatin1String("downloadImage"))
-            client.downloadImage(1, 10, noon(), noon(), m_png, 64);
-        else
-            client.getDataSources();
-        QVERIFY(errors.wait(20'000));
-        QCOMPARE(errors, (QList<QList<QVariant>>{{operation, message}}));
-        QVERIFY(!client.isBusy());
-        QVERIFY(!QFile::exists(m_png));
+        for (const bool picture : {false, true}) {
+            const QByteArray commands =
+                picture ? "truncate -s 1025M \"${11}\"; exec sleep 120" : "exec yes '{'";
+            TestFolder::setKey(QStringLiteral("paths/curl"),
+                               TestFolder::writeScript(QStringLiteral("endless-curl"), commands));
+            HelioviewerClient client;
+            QSignalSpy errors(&client, &HelioviewerClient::requestError);
+            if (picture)
+                client.downloadImage(1, 10, noon(), noon(), m_png, 64);
+            else
+                client.getDataSources();
+            QVERIFY(errors.wait(20'000));
+            QCOMPARE(errors.size(), 1);
+            QCOMPARE(errors.first().last().toString(),
+                     (picture ? QStringLiteral("The download is larger than 1 GB.")
+                              : QStringLiteral("The answer is larger than 64 MB.")) +
+                         QStringLiteral(" Check network/apiBase."));
+            QVERIFY(!client.isBusy() && !QFile::exists(m_png));
+        }
     }
 
 private:

@@ -3,6 +3,9 @@
 #include "tests/support/fakeprogram.h"
 
 #include <QDir>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QTextStream>
 #include <QtTest>
 
 #include <optional>
@@ -11,6 +14,22 @@ using Simulator::FaultKind;
 using Simulator::Operation;
 
 namespace {
+
+const char *const lastLine = "Session completed.";
+
+/// One session without a window, in a process of its own, whose log goes to standard output.
+int runSession()
+{
+    QTextStream out(stdout);
+    AcquisitionController controller;
+    QObject::connect(&controller, &AcquisitionController::logMessage, &controller,
+                     [&out](const QString &line) { out << line << Qt::endl; });
+    QObject::connect(&controller, &AcquisitionController::finished, qApp, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+    const bool started = controller.start(
+        AcquisitionRoad::settings(180, {AcquisitionRoad::aia(), AcquisitionRoad::suvi()}));
+    return started ? QCoreApplication::exec() : 1;
+}
 
 const char *const crash = "#!/bin/sh\nkill -SEGV $$\n";
 const char *const noX264 = "#!/bin/sh\necho \"Unknown encoder 'libx264'\"\nexit 1\n";
@@ -335,24 +354,6 @@ private slots:
         QCOMPARE(check.pictures, 4);
     }
 
-    void nextSessionFromTheEncodersError()
-    {
-        Scene scene;
-        scene.road.onEvent = [&scene](const QString &event) {
-            if (event.startsWith(QLatin1String("ffmpeg: ")) && scene.road.count("ffmpeg: ") <= 3)
-                replaceProgram(QStringLiteral("ffmpeg"), "?");
-            if (!event.startsWith(QLatin1String("FFMPEG ERROR")))
-                return;
-            replaceProgram(QStringLiteral("ffmpeg"), std::nullopt);
-            scene.road.controller->stop();
-            QVERIFY(scene.road.controller->start(scene.settings));
-        };
-        QVERIFY(scene.road.controller->start(scene.settings));
-        QTRY_COMPARE_WITH_TIMEOUT(scene.road.count("[finished] completed"), 1, 30000);
-        QCOMPARE(scene.road.count("[finished] canceled"), 3);
-        QCOMPARE(scene.road.count("Video completed: SUVI"), 1);
-    }
-
     /// However many requests fail before they return, none lies on the stack of the one before.
     void failuresThatReturnAtOnce()
     {
@@ -374,7 +375,53 @@ private slots:
         QCOMPARE(scene.road.count("ERROR AIA 171 [getClosestImage]: curl.exe not found"), 241);
         QVERIFY(highest - lowest < 4096);
     }
+
+    void killed_data()
+    {
+        QTest::addColumn<int>("occurrence"); // of a line of the log that begins so
+        for (const auto &[line, occurrence] :
+             {std::pair("Session: ", 1), std::pair("curl: ", 1), std::pair("curl: ", 4),
+              std::pair("curl: ", 5), std::pair("OK ", 1), std::pair("OK ", 4),
+              std::pair("Summary ", 1), std::pair("ffmpeg: ", 2), std::pair(lastLine, 1)})
+            QTest::addRow("%s, %d", line, occurrence) << occurrence;
+    }
+
+    /// What a killed program has said to have is there, and whole.
+    void killed()
+    {
+        QFETCH(int, occurrence);
+        const QByteArray beginning = QByteArray(QTest::currentDataTag()).split(',').first();
+        AcquisitionRoad road; // for its service and its output root
+        QProcess session;
+        session.start(QCoreApplication::applicationFilePath(), {QStringLiteral("session")});
+        int accepted = 0;
+        while (occurrence > 0 && (session.canReadLine() || session.waitForReadyRead())) {
+            const QByteArray line = session.readLine();
+            accepted += line.startsWith("OK ") ? 1 : 0;
+            occurrence -= line.startsWith(beginning) ? 1 : 0;
+        }
+        QCOMPARE(occurrence, 0);
+        session.kill();
+        QVERIFY(session.waitForFinished());
+
+        const QDir root(road.output.path());
+        const QStringList sessions = root.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        QCOMPARE(sessions.size(), 1);
+        const SessionCheck check = SessionCheck::of(root.filePath(sessions.first()));
+        QCOMPARE(check.faults, QStringList());
+        QVERIFY(check.rows >= accepted && check.pictures >= 2 * accepted);
+        QVERIFY2(check.strays.size() <= 2, qPrintable(check.strays.join(QLatin1Char(' '))));
+        QCOMPARE(!check.descriptor.isEmpty(), beginning == lastLine);
+    }
 };
 
-QTEST_MAIN(TestSessionFaults)
+int main(int argc, char *argv[])
+{
+    QGuiApplication application(argc, argv);
+    if (application.arguments().value(1) == QLatin1String("session"))
+        return runSession();
+    TestSessionFaults test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_sessionfaults.moc"

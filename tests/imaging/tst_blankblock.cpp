@@ -45,9 +45,9 @@ class TestBlankBlock : public QObject
 private slots:
     void shapes_data()
     {
-        QTest::addColumn<QVector<QPoint>>("cells");
-        QTest::addColumn<QString>("expected");
         using Cells = QVector<QPoint>;
+        QTest::addColumn<Cells>("cells");
+        QTest::addColumn<QString>("expected");
         QTest::newRow("one cell") << Cells{{5, 6}} << warning(320, 384, 64, 64);
         QTest::newRow("centre cell") << Cells{{8, 8}} << QString();
         QTest::newRow("joined to the centre") << Cells{{7, 8}, {8, 8}} << QString();

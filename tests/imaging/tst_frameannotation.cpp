@@ -43,10 +43,8 @@ private slots:
         QCOMPARE(numbers(100), (QVector<int>{8, 6, 4, 8, 8, 5, 1}));
         QCOMPARE(numbers(1024), (QVector<int>{12, 8, 4, 18, 15, 5, 1}));
         QCOMPARE(numbers(2048), (QVector<int>{25, 17, 9, 37, 31, 11, 2}));
-        const auto tenPerPixel = [](int px) { return 10 * px; };
-        QCOMPARE(Layout::fittingTextPx(18, 180, tenPerPixel), 18);
-        QCOMPARE(Layout::fittingTextPx(18, 179, tenPerPixel), 17);
-        QCOMPARE(Layout::fittingTextPx(18, 1, tenPerPixel), 6);
+        for (const auto &[widest, px] : {std::pair(180, 18), std::pair(179, 17), std::pair(1, 6)})
+            QCOMPARE(Layout::fittingTextPx(18, widest, [](int size) { return 10 * size; }), px);
     }
 
     void scaleBars()
@@ -120,22 +118,24 @@ private slots:
 
     void lengthsAreRoundedDown()
     {
-        const QVector<double> lengths{1999, 2000, 4999, 5000,   356198.4,
-                                      0.3,  0,    -7,   qInf(), qQNaN()};
-        QVector<double> rounded;
-        for (const double length : lengths)
-            rounded.append(MetricScale::roundLengthKm(length));
-        QCOMPARE(rounded, (QVector<double>{1000, 2000, 2000, 5000, 200000, 0.2, 0, 0, 0, 0}));
-    }
-
-    void thousandsAreGrouped()
-    {
-        QCOMPARE(MetricScale::formatThousands(999), QStringLiteral("999"));
-        QCOMPARE(MetricScale::formatThousands(1000), QStringLiteral("1 000"));
-        QCOMPARE(MetricScale::formatThousands(5000000), QStringLiteral("5 000 000"));
-        QCOMPARE(MetricScale::formatThousands(-100), QStringLiteral("-100"));
-        QCOMPARE(MetricScale::formatThousands(std::numeric_limits<qint64>::min()),
-                 QStringLiteral("-9 223 372 036 854 775 808"));
+        for (const auto &[length, rounded] : {std::pair(1999.0, 1000.0),
+                                              {2000, 2000},
+                                              {4999, 2000},
+                                              {5000, 5000},
+                                              {356198.4, 200000},
+                                              {0.3, 0.2},
+                                              {0, 0},
+                                              {-7, 0},
+                                              {qInf(), 0},
+                                              {qQNaN(), 0}})
+            QCOMPARE(MetricScale::roundLengthKm(length), rounded);
+        for (const auto &[length, text] :
+             {std::pair(999LL, "999"),
+              {1000, "1 000"},
+              {5000000, "5 000 000"},
+              {-100, "-100"},
+              {std::numeric_limits<qint64>::min(), "-9 223 372 036 854 775 808"}})
+            QCOMPARE(MetricScale::formatThousands(length), QLatin1String(text));
     }
 
     void failuresAreNamed()

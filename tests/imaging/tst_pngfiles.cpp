@@ -41,39 +41,33 @@ private slots:
     void pixelsAreReadBack_data()
     {
         QTest::addColumn<QImage>("image");
-        QTest::addColumn<bool>("transparent");
+        QTest::addColumn<QImage::Format>("stored");
+        const auto row = [](const char *name, const QImage &image, QImage::Format stored) {
+            QTest::newRow(name) << image << stored;
+        };
         QImage large(8000, 5700, QImage::Format_RGB32);
         large.fill(qRgb(90, 20, 1));
         QImage veiled = sun({65, 64});
         veiled.setPixelColor(64, 63, QColor(1, 2, 3, 254));
-        QTest::newRow("noise with alpha") << noise({333, 301}) << true;
-        QTest::newRow("one pixel") << noise({1, 1}) << true;
-        QTest::newRow("one column") << noise({1, 257}) << true;
-        QTest::newRow("last pixel not quite opaque") << veiled << true;
-        QTest::newRow("opaque") << noise({255, 64}, QImage::Format_RGB32) << false;
-        QTest::newRow("opaque, with alpha") << sun({1024, 1024}) << false;
-        QTest::newRow("so large that Qt writes it") << large << false;
-        QTest::newRow("gray") << sun({65, 300}).convertToFormat(QImage::Format_Grayscale8) << false;
+        row("noise with alpha", noise({333, 301}), QImage::Format_ARGB32);
+        row("one pixel", noise({1, 1}), QImage::Format_ARGB32);
+        row("one column", noise({1, 257}), QImage::Format_ARGB32);
+        row("last pixel not quite opaque", veiled, QImage::Format_ARGB32);
+        row("opaque", noise({255, 64}, QImage::Format_RGB32), QImage::Format_RGB32);
+        row("opaque, with alpha", sun({1024, 1024}), QImage::Format_RGB32);
+        row("so large that Qt writes it", large, QImage::Format_RGB32);
+        row("gray", sun({65, 300}).convertToFormat(QImage::Format_Grayscale8),
+            QImage::Format_RGB32);
     }
+
     void pixelsAreReadBack()
     {
         QFETCH(QImage, image);
-        QFETCH(bool, transparent);
-        const auto stored = transparent ? QImage::Format_ARGB32 : QImage::Format_RGB32;
+        QFETCH(QImage::Format, stored);
         QVERIFY(PngWriter::save(image, path("ours.png")));
         const QImage decoded(path("ours.png"), "PNG");
         QCOMPARE(decoded.format(), stored);
         QCOMPARE(decoded, image.convertToFormat(stored));
-    }
-
-    /// Where every pixel differs a little from the one above, the differences pack best.
-    void smoothPicturesAreFiltered()
-    {
-        QImage ramps(256, 256, QImage::Format_RGB32);
-        for (int i = 0; i < 256 * 256; ++i)
-            ramps.setPixel(i % 256, i / 256, qRgb(i % 256 * 7, i / 256 * 5, i % 251));
-        QVERIFY(PngWriter::save(ramps, path("ours.png")));
-        QVERIFY(QFileInfo(path("ours.png")).size() < 4000); // a quarter of what it is unfiltered
     }
 
     void failuresLeaveNoFile()
@@ -114,27 +108,18 @@ private slots:
         }
     }
 
-    void onlyPngOfAKnownSizeIsRead_data()
+    void onlyPngOfABearableSizeIsRead()
     {
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QByteArray>("format");
-        QTest::addColumn<bool>("decodes");
-        QTest::newRow("largest side") << QSize(16384, 2) << QByteArray("png") << true;
-        QTest::newRow("too wide") << QSize(16385, 2) << QByteArray("png") << false;
-        QTest::newRow("too tall") << QSize(2, 16385) << QByteArray("png") << false;
-        QTest::newRow("too many pixels") << QSize(16384, 6104) << QByteArray("png") << false;
-        QTest::newRow("another format") << QSize(64, 48) << QByteArray("bmp") << false;
-    }
-
-    void onlyPngOfAKnownSizeIsRead()
-    {
-        QFETCH(QSize, size);
-        QFETCH(QByteArray, format);
-        QFETCH(bool, decodes);
-        QImage image(size, QImage::Format_Mono);
-        image.fill(1);
-        QVERIFY(image.save(path("frame.png"), format.constData()));
-        QCOMPARE(FrameDecoder::decode(path("frame.png")).size(), decodes ? size : QSize(0, 0));
+        for (const QSize &size : {QSize(16384, 2), QSize(16385, 2), QSize(2, 16385),
+                                  QSize(16384, 6104)}) { // the last has too many pixels
+            QImage image(size, QImage::Format_Mono);
+            image.fill(1);
+            QVERIFY(image.save(path("frame.png")));
+            const QSize bearable = size == QSize(16384, 2) ? size : QSize(0, 0);
+            QCOMPARE(FrameDecoder::decode(path("frame.png")).size(), bearable);
+        }
+        QVERIFY(sun({64, 48}).save(path("frame.png"), "bmp"));
+        QVERIFY(FrameDecoder::decode(path("frame.png")).isNull());
     }
 
     void pipeIsNotWaitedFor()
