@@ -145,6 +145,8 @@ int difference(const QImage &one, const QImage &other)
     return worst;
 }
 
+enum class Overlays { Scale, StampAndLabel };
+
 /// A request as the ledger has to have it.
 struct Row
 {
@@ -307,13 +309,8 @@ private slots:
         compare(textOf(m_journal), "regioncalls.txt");
 
         for (const char *source : {"GOES-R_SUVI_195", "AIA_171", "EIT_195", "LASCO_C2"})
-            expectTurnedFilm(QLatin1String(source) + QStringLiteral("_20240501_060007"));
-        QVector<QImage> stamped;
-        for (const Row &row : framesIn(QStringLiteral("EIT_195"))) {
-            stamped += frameOf(row).copy(64, 24, 160, 96);
-            drawFrameAnnotations(stamped.last(), row.actualUtc, row.nickname, true, true, false, 0);
-        }
-        expectFilm(QStringLiteral("EIT_195_20240501_060007"), "02_b", "160,96,5/1,", stamped);
+            expectFilm(QLatin1String(source), "01_Flare_west", "96,160,4/1", 90, Overlays::Scale);
+        expectFilm(QStringLiteral("EIT_195"), "02_b", "160,96,5/1", 0, Overlays::StampAndLabel);
     }
 
     /// With the first run there are four, in which no two of five choices are always alike.
@@ -402,11 +399,6 @@ private:
 
     QString sessionFile(const QString &name) const { return m_session + QLatin1Char('/') + name; }
 
-    QImage frameOf(const Row &row) const
-    {
-        return QImage(sessionFile(row.file)).convertToFormat(QImage::Format_RGB32);
-    }
-
     static QJsonObject descriptorIn(const QString &session)
     {
         return JsonFile::load(session + QStringLiteral("/session.json")).value_or(QJsonObject());
@@ -474,38 +466,38 @@ private:
         part<QPushButton>(*dialog, "closeButton")->click();
     }
 
-    /// The introduction: the whole frame squeezed, then the region. All of it turned.
-    void expectTurnedFilm(const QString &folder) const
+    /// A film with a scale begins with the introduction: the whole frame squeezed, then the region.
+    void expectFilm(const QString &source, const char *region, const char *shape, int rotation,
+                    Overlays overlays) const
     {
-        const auto turned = [](const QImage &image, double kmPerPixel) {
-            QImage picture = image.transformed(QTransform().rotate(-90));
-            drawFrameAnnotations(picture, {}, {}, false, false, true, kmPerPixel);
-            return picture;
-        };
+        const bool scale = overlays == Overlays::Scale;
         QVector<QImage> pictures;
-        for (const Row &row : framesIn(folder)) {
-            const QImage frame = frameOf(row);
-            const QImage region = turned(frame.copy(64, 24, 160, 96), row.kmPerPixel());
-            const QImage whole =
-                frame.scaled(160, 96, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-            if (pictures.isEmpty())
-                pictures = {turned(whole, row.kmPerPixel() * 192 / 96), region};
-            pictures += region;
+        for (const Row &row : framesIn(source)) {
+            const auto picture = [&](const QImage &upright, double kmPerPixel) {
+                QImage turned = upright.transformed(QTransform().rotate(-rotation));
+                drawFrameAnnotations(turned, row.actualUtc, row.nickname, !scale, !scale, scale,
+                                     kmPerPixel);
+                return turned;
+            };
+            const QImage frame =
+                QImage(sessionFile(row.file)).convertToFormat(QImage::Format_RGB32);
+            const QImage cut = picture(frame.copy(64, 24, 160, 96), row.kmPerPixel());
+            if (scale && pictures.isEmpty()) {
+                const QImage whole =
+                    frame.scaled(160, 96, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+                pictures = {picture(whole, row.kmPerPixel() * 192 / 96), cut};
+            }
+            pictures += cut;
         }
-        expectFilm(folder, "01_Flare_west", "96,160,4/1,", pictures);
-    }
-
-    void expectFilm(const QString &folder, const char *region, const char *shape,
-                    const QVector<QImage> &pictures) const
-    {
         const QString film =
-            sessionFile(QStringLiteral("%1/%1__ROI_%2.mp4").arg(folder, QLatin1String(region)));
-        QCOMPARE(shapeOf(film), QLatin1String(shape) + QString::number(pictures.size()));
+            sessionFile(QStringLiteral("%1_20240501_060007/%1_20240501_060007__ROI_%2.mp4")
+                            .arg(source, QLatin1String(region)));
+        QCOMPARE(shapeOf(film),
+                 QStringLiteral("%1,%2").arg(QLatin1String(shape)).arg(pictures.size()));
         const QString strip = m_output.filePath(QStringLiteral("strip.png")); // one below the other
-        outputOf(QStringLiteral("ffmpeg -v error -y -i FILM -vf tile=1x%1")
-                     .arg(pictures.size())
-                     .replace(QStringLiteral("FILM"), film),
-                 strip);
+        outputOf(
+            QStringLiteral("ffmpeg -v error -y -i %1 -vf tile=1x%2").arg(film).arg(pictures.size()),
+            strip);
         const QSize size = pictures.constFirst().size();
         for (int i = 0; i < pictures.size(); ++i) {
             const QRect place(QPoint(0, i * size.height()), size);
