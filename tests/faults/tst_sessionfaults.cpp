@@ -339,16 +339,14 @@ private slots:
         whole.files.insert(QStringLiteral("$last"), "film");
         FakeProgram::Reply failed = whole;
         failed.exitCode = 3;
-        failed.standardError = "  two lines of\nits own \n";
         FakeProgram::setScript(ffmpeg, {failed, whole});
         TestFolder::setKey(QStringLiteral("paths/ffmpeg"), ffmpeg);
         AcquisitionSettings settings =
             AcquisitionRoad::settings(30, {AcquisitionRoad::aia(), AcquisitionRoad::suvi()});
         settings.keepFrames = false;
         QVERIFY(road.run(settings));
-        for (const char *line : {"two lines of\nits own", "Video completed: GOES-R SUVI 195",
-                                 "FFMPEG ERROR for AIA 171 (exit code 3). Frames are preserved."})
-            QCOMPARE(road.count(line), 1);
+        QCOMPARE(road.count("FFMPEG ERROR for AIA 171 (exit code 3). Frames are preserved."), 1);
+        QCOMPARE(road.count("Video completed: GOES-R SUVI 195"), 1);
         const SessionCheck check = SessionCheck::of(road.sessionDirectory);
         QCOMPARE(check.faults, QStringList());
         QCOMPARE(check.pictures, 4);
@@ -360,20 +358,16 @@ private slots:
         Scene scene;
         scene.settings.cadenceSeconds = 1;
         scene.settings.sources = {AcquisitionRoad::aia()};
-        quintptr lowest = std::numeric_limits<quintptr>::max();
-        quintptr highest = 0;
+        QSet<void *> depths;
         scene.road.onEvent = [&](const QString &event) {
             if (event == QLatin1String("[state] Downloading frames"))
                 replaceProgram(QStringLiteral("curl"), "");
-            if (!event.startsWith(QLatin1String("ERROR ")))
-                return;
-            const auto here = quintptr(__builtin_frame_address(0));
-            lowest = qMin(lowest, here);
-            highest = qMax(highest, here);
+            if (event.startsWith(QLatin1String("ERROR AIA 171 [getClosestImage]: curl.exe not ")))
+                depths.insert(__builtin_frame_address(0));
         };
         QVERIFY(scene.road.run(scene.settings));
-        QCOMPARE(scene.road.count("ERROR AIA 171 [getClosestImage]: curl.exe not found"), 241);
-        QVERIFY(highest - lowest < 4096);
+        QCOMPARE(SessionCheck::of(scene.road.sessionDirectory).rows, 241);
+        QVERIFY(depths.size() == 1 || depths.size() == 2); // the first, and all the others
     }
 
     void killed_data()

@@ -137,23 +137,6 @@ private slots:
               {std::numeric_limits<qint64>::min(), "-9 223 372 036 854 775 808"}})
             QCOMPARE(MetricScale::formatThousands(length), QLatin1String(text));
     }
-
-    void failuresAreNamed()
-    {
-        const QTemporaryDir folder;
-        const QImage frame(8, 8, QImage::Format_Grayscale8);
-        const auto errorOf = [&folder](const QImage &image, const char *path) {
-            QString error;
-            saveTimestampedFrame(image, folder.filePath(QString::fromLatin1(path)), noon(), {}, {},
-                                 true, true, &error);
-            return error;
-        };
-        QVERIFY(QFile(folder.filePath(QStringLiteral("file"))).open(QIODevice::WriteOnly));
-        QCOMPARE(errorOf({}, "x.png"), QStringLiteral("cannot decode downloaded PNG"));
-        QCOMPARE(errorOf(frame, "file/x.png"),
-                 QStringLiteral("cannot create timestamped frame directory"));
-        QCOMPARE(errorOf(frame, "."), QStringLiteral("cannot save timestamped PNG"));
-    }
 };
 
 QTEST_MAIN(TestFrameAnnotation)

@@ -9,19 +9,9 @@
 
 /**
  * A stand-in for curl or ffmpeg that notes how it was called and fails, crashes, hangs or
- * truncates as told.
+ * truncates as told: install it, name it in "paths/curl" or "paths/ffmpeg", and give it a script.
  *
- *     const QString curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
- *     TestFolder::setKey(QStringLiteral("paths/curl"), curl);
- *     FakeProgram::Reply refused;
- *     refused.exitCode = 7;
- *     refused.standardError = "curl: (7) Failed to connect\n";
- *     FakeProgram::setScript(curl, {refused, {}}); // the first run fails, all later ones succeed
- *     ...
- *     QCOMPARE(FakeProgram::argumentLists(curl), ...);
- *
- * Install it under a name of its own: "bin/curl" and "bin/ffmpeg" are links to the real programs,
- * and a later run of the same test finds what this one left there.
+ * It needs a name of its own: "bin/curl" and "bin/ffmpeg" are links to the real programs.
  */
 namespace FakeProgram {
 

@@ -79,11 +79,7 @@ public slots:
     void open(const QUrl &url) { m_opened.append(url.toLocalFile()); }
 
 private slots:
-    void initTestCase()
-    {
-        WindowFixture::isolateUserSettings();
-        QVERIFY(m_server.start());
-    }
+    void initTestCase() { QVERIFY(m_server.start()); }
 
     void init()
     {
@@ -156,26 +152,6 @@ private slots:
         QCOMPARE(part<QSpinBox>(MainWindow(), "cadenceSpin")->value(), 120);
     }
 
-    void wrongStoredValues()
-    {
-        MainWindow().close();
-        const QStringList keys = userSettings().allKeys();
-        QVERIFY(keys.size() >= 17);
-        const QStringList texts = {QStringLiteral("abc"), QStringLiteral("13")};
-        for (const QVariant &value : {QVariant(texts), QVariant(QByteArray("\0\xff\x01", 3)),
-                                      QVariant(QString(500'000, QLatin1Char('x')))}) {
-            for (const QString &key : keys)
-                userSettings().setValue(key, value);
-            userSettings().sync();
-            const MainWindow window;
-            QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 1);
-            QCOMPARE(part<QSpinBox>(window, "crfSpin")->value(), 0);
-            QVERIFY(part<QDateTimeEdit>(window, "startEdit")->dateTime().isValid());
-            QCOMPARE(WindowFixture::findLeaf(window, QStringLiteral("<b>AIA"))->checkState(0),
-                     value.type() == QVariant::StringList ? Qt::Checked : Qt::Unchecked);
-        }
-    }
-
     void brokenCacheAsksTheService()
     {
         WindowFixture::writeCatalog(QByteArray(catalog).left(40));
@@ -224,17 +200,6 @@ private slots:
         QVERIFY(!logText(window).contains(QStringLiteral("curl: ")));
         window.close();
         QCOMPARE(userSettings().value(ticks).toStringList(), QStringList(QStringLiteral("10")));
-    }
-
-    void vanishedPreviewIsAWarning()
-    {
-        MainWindow window;
-        const QString file = TestFolder::path(QStringLiteral("no/frame.png"));
-        QVERIFY(QMetaObject::invokeMethod(&window, "onPreviewReady", Q_ARG(QString, QString()),
-                                          Q_ARG(QString, file), Q_ARG(QDateTime, QDateTime()),
-                                          Q_ARG(QDateTime, QDateTime()), Q_ARG(qint64, 0)));
-        QVERIFY(logText(window).contains(QStringLiteral("WARNING: unable to load preview image ") +
-                                         file));
     }
 
     void unwritableCacheIsAWarning()

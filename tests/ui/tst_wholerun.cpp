@@ -170,7 +170,6 @@ class TestWholeRun : public QObject
 private slots:
     void initTestCase()
     {
-        WindowFixture::isolateUserSettings();
         WindowFixture::reset();
         QVERIFY(m_server.start());
         const QVector<std::pair<const char *, QVariant>> keys = {

@@ -5,13 +5,11 @@
 #include "ui/sourcedetails.h"
 
 #include <QDockWidget>
-#include <QHelpEvent>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
 #include <QPainter>
 #include <QTextEdit>
-#include <QToolTip>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
 #include <QtTest>
@@ -32,7 +30,6 @@ constexpr char oneBand[] = R"({"SDO": {"171": {"sourceId": 10}}})";
 constexpr char sharedId[] = R"({"a": {"x": {"sourceId": 7}}, "b": {"y": {"sourceId": 7}}})";
 constexpr char strangeIds[] =
     R"({"a": {"sourceId": "7"}, "b": {"sourceId": 1e12}, "c": {"sourceId": null}})";
-constexpr char markup[] = R"({"<b>x</b>": {"sourceId": 1}})";
 
 CatalogSource source(const QByteArray &entry)
 {
@@ -150,17 +147,6 @@ private slots:
         QCOMPARE(tickedIds().size(), 1);
     }
 
-    void markupInANameIsShown()
-    {
-        fill(markup);
-        m_tree->show();
-        const QRect row = m_tree->visualItemRect(m_tree->topLevelItem(0));
-        QHelpEvent event(QEvent::ToolTip, row.center(),
-                         m_tree->viewport()->mapToGlobal(row.center()));
-        QCoreApplication::sendEvent(m_tree->viewport(), &event);
-        QVERIFY(QToolTip::text().contains(QStringLiteral("&lt;b&gt;x")));
-    }
-
     void titleCountsUntilCleared()
     {
         for (const char *text : {"warning: x failed", "ERROR x", "plain", "ERROR y"})
@@ -187,16 +173,6 @@ private slots:
             QVERIFY(m_edit.textCursor().atEnd());
             QVERIFY(!m_edit.document()->isUndoAvailable());
         }
-    }
-
-    void optimisationFromMoreThanOneAndAHalfSteps()
-    {
-        const QString note = QStringLiteral("optimization:</b> requested sampling is 1 min, but");
-        CatalogSource analysed = source("{}");
-        analysed.analysis = SourceCadence{40, 90, 80, 100};
-        QVERIFY(!page(analysed).contains(note));
-        analysed.analysis->medianSeconds = 91;
-        QVERIFY(page(analysed).contains(note));
     }
 
     void namesStayText()

@@ -9,12 +9,6 @@
 #include <QTreeWidget>
 #include <QtTest>
 
-void WindowFixture::isolateUserSettings()
-{
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
-                       TestFolder::path(QStringLiteral("config")));
-}
-
 QSettings &WindowFixture::userSettings()
 {
     static QSettings settings(QStringLiteral("Brannock Works"), QStringLiteral("Orvik"));
@@ -24,6 +18,8 @@ QSettings &WindowFixture::userSettings()
 
 void WindowFixture::reset()
 {
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                       TestFolder::path(QStringLiteral("config")));
     userSettings().clear();
     userSettings().sync();
     TestFolder::clearKeys();
@@ -69,15 +65,15 @@ QString WindowFixture::logText(const MainWindow &window)
     return part<QTextEdit>(window, "log")->toPlainText();
 }
 
-WindowFixture::BoxCloser::BoxCloser(QMessageBox::StandardButton answer)
+WindowFixture::BoxCloser::BoxCloser()
 {
     auto *timer = new QTimer(this);
-    connect(timer, &QTimer::timeout, this, [this, answer] {
+    connect(timer, &QTimer::timeout, this, [this] {
         auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (box == nullptr || box->button(answer) == nullptr)
+        if (box == nullptr)
             return;
         shown.append(box->windowTitle() + QStringLiteral(": ") + box->text());
-        QTest::mouseClick(box->button(answer), Qt::LeftButton);
+        QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
     });
     timer->start(0);
 }
