@@ -1,6 +1,7 @@
 #include "tests/acquisition/acquisitionroad.h"
 
 #include "simulator/archive/archive.h"
+#include "tests/support/literals.h"
 
 #include <QtTest>
 
@@ -15,7 +16,7 @@ Simulator::ArchiveSource regular(const DataSource &source, const char *start, in
     made.nickname = source.nickname;
     made.sourceId = source.sourceId;
     made.start = QLatin1String(start);
-    made.end = QStringLiteral("2024-05-02 00:00:00");
+    made.end = "2024-05-02 00:00:00"_s;
     made.spacingSeconds = spacingSeconds;
     return made;
 }
@@ -29,8 +30,8 @@ std::shared_ptr<const Simulator::Archive> archive()
 
 QString withoutQuery(const QString &line)
 {
-    static const QRegularExpression endpoint(QStringLiteral("^curl: .*/(\\w+)/.*$"));
-    return QString(line).replace(endpoint, QStringLiteral("curl: \\1"));
+    static const QRegularExpression endpoint("^curl: .*/(\\w+)/.*$"_s);
+    return QString(line).replace(endpoint, "curl: \\1"_s);
 }
 
 } // namespace
@@ -41,8 +42,7 @@ void SessionEvents::listenTo(const AcquisitionController *sender)
         QObject::connect(sender, signal, sender, slot);
     };
     listen(&Controller::logMessage, [this](const QString &text) { note(withoutQuery(text)); });
-    listen(&Controller::stateChanged,
-           [this](const QString &text) { note(QStringLiteral("[state] ") + text); });
+    listen(&Controller::stateChanged, [this](const QString &text) { note("[state] "_s + text); });
     listen(&Controller::progressChanged, [this](int value, int maximum) {
         note(QString::asprintf("[progress] %d/%d", value, maximum));
     });
@@ -50,24 +50,22 @@ void SessionEvents::listenTo(const AcquisitionController *sender)
                                                      int max) {
         note(QString::asprintf("[timing] %d: %d, %d %d-%d", sourceId, frames, median, min, max));
     });
-    listen(&Controller::previewReady,
-           [this](const QString &name, const QString &file, const QDateTime &requested,
-                  const QDateTime &actual, qint64 delta) {
-               const QString clock = QStringLiteral("m:ss");
-               note(QStringLiteral("[preview] %1 %2 %3 %4 %5")
-                        .arg(name, file, requested.toString(clock), actual.toString(clock),
-                             QString::number(delta)));
-           });
+    listen(&Controller::previewReady, [this](const QString &name, const QString &file,
+                                             const QDateTime &requested, const QDateTime &actual,
+                                             qint64 delta) {
+        const QString clock = "m:ss"_s;
+        note("[preview] %1 %2 %3 %4 %5"_s.arg(name, file, requested.toString(clock),
+                                              actual.toString(clock), QString::number(delta)));
+    });
     listen(&Controller::finished, [this](bool canceled, const QString &directory) {
         sessionDirectory = directory;
-        note(canceled ? QStringLiteral("[finished] canceled")
-                      : QStringLiteral("[finished] completed"));
+        note(canceled ? "[finished] canceled"_s : "[finished] completed"_s);
     });
 }
 
 QStringList SessionEvents::logLines() const
 {
-    static const QRegularExpression logLine(QStringLiteral("^(?!\\[|curl: )"));
+    static const QRegularExpression logLine("^(?!\\[|curl: )"_s);
     return events.filter(logLine);
 }
 
@@ -89,18 +87,18 @@ AcquisitionRoad::AcquisitionRoad() : server(archive()), controller(new Acquisiti
 {
     if (!server.start())
         qFatal("cannot start the service");
-    TestFolder::setKey(QStringLiteral("network/apiBase"), server.baseUrl());
+    TestFolder::setKey("network/apiBase"_s, server.baseUrl());
     listenTo(controller.get());
 }
 
 DataSource AcquisitionRoad::aia()
 {
-    return {10, QStringLiteral("AIA 171"), QStringLiteral("SDO/AIA/171")};
+    return {10, "AIA 171"_s, "SDO/AIA/171"_s};
 }
 
 DataSource AcquisitionRoad::suvi()
 {
-    return {2003, QStringLiteral("GOES-R SUVI 195"), QStringLiteral("GOES/SUVI/195")};
+    return {2003, "GOES-R SUVI 195"_s, "GOES/SUVI/195"_s};
 }
 
 AcquisitionSettings AcquisitionRoad::settings(int seconds, const QVector<DataSource> &sources)
@@ -123,8 +121,7 @@ bool AcquisitionRoad::run(const AcquisitionSettings &settings)
 
 QString AcquisitionRoad::children()
 {
-    QFile file(
-        QStringLiteral("/proc/self/task/%1/children").arg(QCoreApplication::applicationPid()));
+    QFile file("/proc/self/task/%1/children"_s.arg(QCoreApplication::applicationPid()));
     return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll())
-                                          : QStringLiteral("this system does not list them");
+                                          : "this system does not list them"_s;
 }

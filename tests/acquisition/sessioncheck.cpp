@@ -4,6 +4,7 @@
 #include "output/csvfields.h"
 #include "output/filmfile.h"
 #include "output/manifestcolumns.h"
+#include "tests/support/literals.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -22,8 +23,8 @@ QStringList readRow(const QByteArray &line, SessionCheck &check)
     if (!line.endsWith('\n') || fields.count() != ManifestColumns::Count ||
         fields.at(ManifestColumns::RequestIndex) != QString::number(check.rows) ||
         (status == QLatin1String("OK")) == file.isEmpty())
-        check.faults += QStringLiteral("row: ") + QString::fromUtf8(line);
-    check.statuses += (check.rows++ > 0 ? QStringLiteral(" ") : QString()) + status;
+        check.faults += "row: "_s + QString::fromUtf8(line);
+    check.statuses += (check.rows++ > 0 ? " "_s : QString()) + status;
     QStringList pictures{file, fields.at(ManifestColumns::VideoFrame).toString()};
     pictures.removeAll(QString());
     return pictures;
@@ -38,7 +39,7 @@ void checkDescriptor(const QString &path, SessionCheck &check)
         pictures += source.toObject().value(QLatin1String("acceptedFrames")).toInt() +
                     source.toObject().value(QLatin1String("timestampedVideoFrames")).toInt();
     if (QFile::exists(path) && pictures != check.pictures)
-        check.faults += QStringLiteral("session.json does not agree with the manifest");
+        check.faults += "session.json does not agree with the manifest"_s;
 }
 
 } // namespace
@@ -47,17 +48,17 @@ SessionCheck SessionCheck::of(const QString &sessionDirectory)
 {
     SessionCheck check;
     const QDir session(sessionDirectory);
-    QStringList known{QStringLiteral("manifest.csv"), QStringLiteral("session.json")};
+    QStringList known{"manifest.csv"_s, "session.json"_s};
     QFile manifest(session.filePath(known.first()));
     if (!manifest.open(QIODevice::ReadOnly) || manifest.readLine().isEmpty())
-        check.faults += QStringLiteral("no manifest in ") + sessionDirectory;
+        check.faults += "no manifest in "_s + sessionDirectory;
     while (!manifest.atEnd()) {
         const QStringList pictures = readRow(manifest.readLine(), check);
         for (const QString &picture : pictures) {
             known += picture;
             ++check.pictures;
             if (QImage(session.filePath(picture)).isNull())
-                check.faults += QStringLiteral("does not decode: ") + picture;
+                check.faults += "does not decode: "_s + picture;
         }
     }
     checkDescriptor(session.filePath(known.at(1)), check);

@@ -4,6 +4,7 @@
 #include "acquisition/sourceplan.h"
 #include "acquisition/sourcetiming.h"
 #include "session/acquisitionsettings.h"
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QDir>
@@ -20,10 +21,7 @@ QDateTime startUtc()
 
 RequestSchedule schedule(int sourceId, qint64 firstMs, qint64 lastMs, qint64 stepMs)
 {
-    return {{sourceId, QStringLiteral("SUVI 195"), QStringLiteral("GOES/SUVI/195")},
-            firstMs,
-            lastMs,
-            stepMs};
+    return {{sourceId, "SUVI 195"_s, "GOES/SUVI/195"_s}, firstMs, lastMs, stepMs};
 }
 
 } // namespace
@@ -105,14 +103,14 @@ private slots:
         settings.endUtc = startUtc().addSecs(3600);
         for (qint64 &seconds : frames)
             seconds += startUtc().toSecsSinceEpoch();
-        const SourcePlan plan = SourcePlanning::plan({0, QStringLiteral("EIT 171"), {}},
-                                                     PreflightMode::QuickProbe, frames, settings);
+        const SourcePlan plan =
+            SourcePlanning::plan({0, "EIT 171"_s, {}}, PreflightMode::QuickProbe, frames, settings);
         QCOMPARE(plan.schedule.stepMs, qint64(stepSeconds) * 1000);
         QCOMPARE(plan.schedule.firstMs, startUtc().addSecs(firstOffset).toMSecsSinceEpoch());
         QCOMPARE(plan.schedule.lastMs, settings.endUtc.toMSecsSinceEpoch());
         if (!found.endsWith(QLatin1Char('.')))
-            found += QStringLiteral("; acquisition step=%1 s.").arg(stepSeconds);
-        QCOMPARE(plan.logLine, QStringLiteral("Quick probe EIT 171: ") + found);
+            found += "; acquisition step=%1 s."_s.arg(stepSeconds);
+        QCOMPARE(plan.logLine, "Quick probe EIT 171: "_s + found);
     }
 
     void everyDatasourceHasItsOwnFolder()
@@ -120,34 +118,31 @@ private slots:
         const QTemporaryDir root;
         AcquisitionSettings settings;
         settings.startUtc = settings.endUtc = startUtc();
-        const QStringList nicknames = {QStringLiteral("RHESSI"), QStringLiteral("Rhessi "),
-                                       QStringLiteral(" SUVI  195 / x"), QStringLiteral(" ")};
+        const QStringList nicknames = {"RHESSI"_s, "Rhessi "_s, " SUVI  195 / x"_s, " "_s};
         for (int sourceId = 0; sourceId < nicknames.size(); ++sourceId)
             settings.sources.append({sourceId, nicknames.at(sourceId), QString()});
         settings.sources.append(settings.sources.first()); // listed twice, it keeps its folder
 
         const auto session = SessionLayout::create(root.path(), settings, nullptr);
         QVERIFY(session);
-        const QStringList names = {
-            QStringLiteral("RHESSI_20240501_000000"), QStringLiteral("Rhessi_20240501_000000_1"),
-            QStringLiteral("SUVI_195_x_20240501_000000"), QStringLiteral("source_20240501_000000")};
+        const QStringList names = {"RHESSI_20240501_000000"_s, "Rhessi_20240501_000000_1"_s,
+                                   "SUVI_195_x_20240501_000000"_s, "source_20240501_000000"_s};
         QCOMPARE(session->sources.size(), names.size());
         for (int sourceId = 0; sourceId < names.size(); ++sourceId) {
             const SourceFolder folder = session->sources.value(sourceId);
             QCOMPARE(folder.directory, session->directory + QLatin1Char('/') + names.at(sourceId));
             QCOMPARE(folder.name, names.at(sourceId));
-            QVERIFY(QDir(folder.directory + QStringLiteral("/video_frames")).exists());
+            QVERIFY(QDir(folder.directory + "/video_frames"_s).exists());
         }
-        QVERIFY(QFile::link(root.path() + QStringLiteral("/nowhere"),
-                            session->directory + QStringLiteral("_2")));
+        QVERIFY(QFile::link(root.path() + "/nowhere"_s, session->directory + "_2"_s));
         QCOMPARE(SessionLayout::create(root.path(), settings, nullptr)->directory,
-                 session->directory + QStringLiteral("_3"));
+                 session->directory + "_3"_s);
     }
 
     void profileAndTolerance()
     {
-        TestFolder::setKey(QStringLiteral("timing/aiaMaxTimeErrorSeconds"), -5); // reads as 0
-        TestFolder::setKey(QStringLiteral("timing/suviMaxTimeErrorSeconds"), 12);
+        TestFolder::setKey("timing/aiaMaxTimeErrorSeconds"_s, -5); // reads as 0
+        TestFolder::setKey("timing/suviMaxTimeErrorSeconds"_s, 12);
         AcquisitionSettings settings;
         settings.maxTimeErrorSeconds = 77;
         struct Row

@@ -2,6 +2,7 @@
 #include "tests/acquisition/acquisitionroad.h"
 #include "tests/acquisition/sessioncheck.h"
 #include "tests/support/fakeprogram.h"
+#include "tests/support/literals.h"
 
 #include <QDir>
 #include <QImage>
@@ -18,9 +19,9 @@ void installEncoder(bool endless)
     FakeProgram::Reply reply;
     reply.hang = endless;
     reply.standardOutput = "encoding\n";
-    const QString ffmpeg = FakeProgram::install(QStringLiteral("bin/fake-ffmpeg"));
+    const QString ffmpeg = FakeProgram::install("bin/fake-ffmpeg"_s);
     FakeProgram::setScript(ffmpeg, {reply});
-    TestFolder::setKey(QStringLiteral("paths/ffmpeg"), ffmpeg);
+    TestFolder::setKey("paths/ffmpeg"_s, ffmpeg);
 }
 
 /// AIA is sampled directly, SUVI after a probe; one image each.
@@ -78,8 +79,7 @@ private slots:
             else
                 road.controller->stop();
             QCOMPARE(AcquisitionRoad::children(), QString());
-            const QString session =
-                road.output.path() + QStringLiteral("/20240501_000000__20240501_000059");
+            const QString session = road.output.path() + "/20240501_000000__20240501_000059"_s;
             const SessionCheck check = SessionCheck::of(session);
             QCOMPARE(check.faults + check.strays, QStringList());
             if (destroys) {
@@ -87,8 +87,7 @@ private slots:
                 QCOMPARE(road.logLines().size(), before); // not a word
                 continue;
             }
-            QStringList lines = {QStringLiteral("Stop requested by user."), line,
-                                 QStringLiteral("Session canceled.")};
+            QStringList lines = {"Stop requested by user."_s, line, "Session canceled."_s};
             lines.removeAll(QString());
             QCOMPARE(QStringList(road.logLines().mid(before)), lines);
             QCOMPARE(check.statuses, statuses);
@@ -96,7 +95,7 @@ private slots:
             QCOMPARE(check.descriptor.value(QLatin1String("sources")).toArray().size(), 2);
             road.controller->stop(); // idle: nothing happens
             QCoreApplication::processEvents();
-            QCOMPARE(road.events.last(), QStringLiteral("[finished] canceled"));
+            QCOMPARE(road.events.last(), "[finished] canceled"_s);
             QCOMPARE(road.count("[finished]"), 1);
         }
     }
@@ -106,9 +105,8 @@ private slots:
         for (const auto &[annotated, destroys] :
              {std::pair(false, false), {false, true}, {true, false}, {true, true}}) {
             AcquisitionRoad road;
-            const QString session =
-                road.output.path() + QStringLiteral("/20240501_000000__20240501_001000");
-            QString statusesBefore = QStringLiteral("not ended");
+            const QString session = road.output.path() + "/20240501_000000__20240501_001000"_s;
+            QString statusesBefore = "not ended"_s;
             const auto end = [&, destroying = destroys] {
                 statusesBefore = SessionCheck::of(session).statuses;
                 if (destroying)
@@ -128,7 +126,7 @@ private slots:
             QTRY_COMPARE(statusesBefore, QString());
             const SessionCheck check = SessionCheck::of(session);
             QCOMPARE(check.faults + check.strays, QStringList());
-            QCOMPARE(check.statuses, QStringLiteral("OK"));
+            QCOMPARE(check.statuses, "OK"_s);
             QCOMPARE(check.pictures, 2);
             QCOMPARE(check.descriptor.isEmpty(), destroys);
         }
@@ -142,7 +140,7 @@ private slots:
         AcquisitionSettings settings = smallSession();
         settings.keepFrames = false;
         bool tooLate = false; // the session ended by itself
-        const QString events = QStringLiteral(
+        const QString events =
             "Session: |[progress] 0/1|[state] Quick cadence probe|[state] Analyzing|curl: getJPX|"
             "[progress] 1/1|[timing] 10|Fast path AIA 171: direct|Quick probe GOES-R|"
             "Acquisition plan ready|[progress] 0/4|[state] Downloading frames|[state] AIA 171|"
@@ -150,7 +148,7 @@ private slots:
             "[preview] AIA 171|[progress] 1/4|REJECT GOES-R|Summary AIA 171|No accepted frames|"
             "[state] Encoding videos|ffmpeg: |encoding|Video completed|[progress] 3/4|"
             "Original and timestamped|[progress] 4/4|[state] Completed|Session completed.|"
-            "[finished]");
+            "[finished]"_s;
         const QStringList stages = events.split(QLatin1Char('|'));
         for (const QString &event : stages) {
             road.server.clearFaults();
@@ -179,7 +177,7 @@ private slots:
         }
         road.onEvent = nullptr;
         QVERIFY(road.run(settings));
-        QCOMPARE(SessionCheck::of(road.sessionDirectory).statuses, QStringLiteral("OK OK"));
+        QCOMPARE(SessionCheck::of(road.sessionDirectory).statuses, "OK OK"_s);
     }
 };
 

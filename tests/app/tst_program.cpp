@@ -1,6 +1,7 @@
 #include "base/jsonfile.h"
 #include "simulator/archive/archive.h"
 #include "simulator/service/server.h"
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QDir>
@@ -22,19 +23,19 @@ private slots:
         QVERIFY(server.start());
         const QTemporaryDir folder;
         const QDir home(folder.path());
-        QVERIFY(home.mkpath(QStringLiteral("sys")) && home.mkpath(QStringLiteral("bin")));
-        const QString program = home.filePath(QStringLiteral("orvik"));
+        QVERIFY(home.mkpath("sys"_s) && home.mkpath("bin"_s));
+        const QString program = home.filePath("orvik"_s);
         QVERIFY(QFile::copy(QStringLiteral(ORVIK_PROGRAM), program)); // a link would lead back
-        const QFileInfo curl(TestFolder::path(QStringLiteral("bin/curl")));
-        QVERIFY(QFile::link(curl.canonicalFilePath(), home.filePath(QStringLiteral("bin/curl"))));
-        QSettings ini(home.filePath(QStringLiteral("sys/orvik.ini")), QSettings::IniFormat);
-        ini.setValue(QStringLiteral("network/apiBase"), server.baseUrl());
+        const QFileInfo curl(TestFolder::path("bin/curl"_s));
+        QVERIFY(QFile::link(curl.canonicalFilePath(), home.filePath("bin/curl"_s)));
+        QSettings ini(home.filePath("sys/orvik.ini"_s), QSettings::IniFormat);
+        ini.setValue("network/apiBase"_s, server.baseUrl());
         ini.sync();
 
         QProcess orvik;
         orvik.setProcessChannelMode(QProcess::MergedChannels);
         orvik.start(program, {});
-        const QString cache = home.filePath(QStringLiteral("sys/helioviewer_sources.json"));
+        const QString cache = home.filePath("sys/helioviewer_sources.json"_s);
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(cache) || orvik.state() == QProcess::NotRunning,
                                  30'000);
         QCOMPARE(orvik.state(), QProcess::Running);
@@ -42,13 +43,13 @@ private slots:
         QVERIFY(orvik.waitForFinished());
 
         const QString said = QString::fromLocal8Bit(orvik.readAll());
-        QVERIFY2(!said.contains(QStringLiteral("QObject::")),
+        QVERIFY2(!said.contains("QObject::"_s),
                  qPrintable(said)); // a lost connection
         QVERIFY(JsonFile::load(cache));
         ini.sync();
-        QCOMPARE(ini.value(QStringLiteral("network/apiBase")).toString(), server.baseUrl());
+        QCOMPARE(ini.value("network/apiBase"_s).toString(), server.baseUrl());
         QCOMPARE(ini.allKeys().size(), 13);
-        QVERIFY(home.exists(QStringLiteral("out")));
+        QVERIFY(home.exists("out"_s));
     }
 };
 

@@ -1,5 +1,6 @@
 #include "base/jsonfile.h"
 #include "base/runtimeconfig.h"
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QJsonObject>
@@ -28,19 +29,19 @@ class TestFiles : public QObject
 private slots:
     void init()
     {
-        QDir(TestFolder::path(QStringLiteral("sys"))).removeRecursively();
+        QDir(TestFolder::path("sys"_s)).removeRecursively();
         QCOMPARE(JsonFile::save(m_path, m_old), JsonFile::SaveResult::Saved);
     }
 
     void firstStart()
     {
-        const QString curl = TestFolder::path(QStringLiteral("bin/curl"));
+        const QString curl = TestFolder::path("bin/curl"_s);
         QCOMPARE(RuntimeConfig::curlPath(), curl); // a missing file reads as the defaults
         QCOMPARE(RuntimeConfig::preflightProbeSeconds(), 7200);
         QVERIFY(RuntimeConfig::allowInsecureFallback());
         QVERIFY(!QFile::exists(RuntimeConfig::configFilePath()));
         RuntimeConfig::ensureRuntimeConfig();
-        QVERIFY(QDir(TestFolder::path(QStringLiteral("out"))).exists());
+        QVERIFY(QDir(TestFolder::path("out"_s)).exists());
         QCOMPARE(iniText(), QByteArray(R"([network]
 allowInsecureFallback=true
 apiBase=https://api.helioviewer.org/v2
@@ -74,9 +75,9 @@ suviMaxTimeErrorSeconds=900
         QCOMPARE(RuntimeConfig::connectTimeoutSeconds(), 5);
         QCOMPARE(RuntimeConfig::apiBase(), QString()); // empty is a value too
         QCOMPARE(RuntimeConfig::maxTransferSeconds(), 0);
-        QCOMPARE(RuntimeConfig::outputRoot(), QStringLiteral("/data/Sch\u00f6ne Sonne, a"));
-        QCOMPARE(RuntimeConfig::preset(QStringLiteral("video/fps")).toInt(), 50);
-        QVERIFY(!RuntimeConfig::preset(QStringLiteral("video/crf")).isValid());
+        QCOMPARE(RuntimeConfig::outputRoot(), "/data/Sch\u00f6ne Sonne, a"_s);
+        QCOMPARE(RuntimeConfig::preset("video/fps"_s).toInt(), 50);
+        QVERIFY(!RuntimeConfig::preset("video/crf"_s).isValid());
         QCOMPARE(iniText().count('='), 14);
         QVERIFY(iniText().contains("/data/Sch\u00f6ne Sonne"));
     }
@@ -99,22 +100,22 @@ suviMaxTimeErrorSeconds=900
 
     void addressesAndPaths()
     {
-        setKey("network/apiBase", QStringLiteral("http://[::1]:80/v2///"));
-        QCOMPARE(RuntimeConfig::apiBase(), QStringLiteral("http://[::1]:80/v2"));
-        setKey("paths/curl", QStringLiteral("/opt//x/./../curl"));
-        QCOMPARE(RuntimeConfig::curlPath(), QStringLiteral("/opt/curl"));
+        setKey("network/apiBase", "http://[::1]:80/v2///"_s);
+        QCOMPARE(RuntimeConfig::apiBase(), "http://[::1]:80/v2"_s);
+        setKey("paths/curl", "/opt//x/./../curl"_s);
+        QCOMPARE(RuntimeConfig::curlPath(), "/opt/curl"_s);
 
         const QString workingDirectory = QDir::currentPath();
         QVERIFY(QDir::setCurrent(QDir::rootPath()));
-        setKey("paths/curl", QStringLiteral("tools/curl"));
-        QCOMPARE(RuntimeConfig::curlPath(), TestFolder::path(QStringLiteral("tools/curl")));
+        setKey("paths/curl", "tools/curl"_s);
+        QCOMPARE(RuntimeConfig::curlPath(), TestFolder::path("tools/curl"_s));
         QVERIFY(QDir::setCurrent(workingDirectory));
     }
 
     void diskFullHalfWayKeepsTheOldFile()
     {
         for (const int length : {100'000, 2'000}) { // seen when written, when the buffer is flushed
-            const QJsonObject large{{QStringLiteral("text"), QString(length, QLatin1Char('x'))}};
+            const QJsonObject large{{"text"_s, QString(length, QLatin1Char('x'))}};
             TestFolder::leaveRoom(1000);
             const JsonFile::SaveResult result = JsonFile::save(m_path, large);
             TestFolder::leaveRoom();
@@ -129,17 +130,17 @@ suviMaxTimeErrorSeconds=900
         QString errorText;
         QVERIFY(QFile::resize(m_path, 5)); // cut off
         QVERIFY(!JsonFile::load(m_path, &errorText));
-        QCOMPARE(errorText, QStringLiteral("unterminated object"));
-        const QString nowhere = m_folder.filePath(QStringLiteral("no folder/x.json"));
+        QCOMPARE(errorText, "unterminated object"_s);
+        const QString nowhere = m_folder.filePath("no folder/x.json"_s);
         QCOMPARE(JsonFile::save(nowhere, {}), JsonFile::SaveResult::CannotOpen);
         QVERIFY(!JsonFile::load(nowhere, &errorText) && !JsonFile::load(nowhere));
-        QCOMPARE(errorText, QStringLiteral("No such file or directory"));
+        QCOMPARE(errorText, "No such file or directory"_s);
     }
 
 private:
     QTemporaryDir m_folder;
-    QString m_path = m_folder.filePath(QStringLiteral("session.json"));
-    QJsonObject m_old{{QStringLiteral("Sch\u00f6n"), 9007199254740991.0}};
+    QString m_path = m_folder.filePath("session.json"_s);
+    QJsonObject m_old{{"Sch\u00f6n"_s, 9007199254740991.0}};
 };
 
 QTEST_GUILESS_MAIN(TestFiles)

@@ -1,6 +1,7 @@
 #include "base/filenames.h"
 #include "base/loglineclass.h"
 #include "base/utctext.h"
+#include "tests/support/literals.h"
 
 #include <QtTest>
 
@@ -21,7 +22,7 @@ private slots:
 
     void timeFromText()
     {
-        const QString noon = QStringLiteral("2024-05-01T12:00:07Z");
+        const QString noon = "2024-05-01T12:00:07Z"_s;
         for (const char *text : {" \t2024-05-01T12:00:07Z\r\n", "2024-05-01T12:00:07.999Z",
                                  "2024-05-01T14:00:07+02:00", "2024-05-01T14:00:07"})
             QCOMPARE(UtcText::toText(UtcText::fromText(QLatin1String(text))), noon);
@@ -32,25 +33,24 @@ private slots:
     void timeToText()
     {
         const QDateTime time(QDate(2024, 1, 1), QTime(0, 30, 9, 999), Qt::OffsetFromUTC, 3600);
-        QCOMPARE(UtcText::toText(time), QStringLiteral("2023-12-31T23:30:09Z"));
+        QCOMPARE(UtcText::toText(time), "2023-12-31T23:30:09Z"_s);
         QCOMPARE(UtcText::toText({}), QString());
-        QCOMPARE(UtcText::toOverlayText(time), QStringLiteral("2023-12-31 23:30:09 UTC"));
-        QCOMPARE(UtcText::toDisplayText(time), QStringLiteral("2023-12-31 23:30:09"));
-        QCOMPARE(FileNames::datasourceFolder(QString(), time),
-                 QStringLiteral("source_20231231_233009"));
-        QCOMPARE(UtcText::signedDelta(0), QStringLiteral("+0"));
-        QCOMPARE(UtcText::signedDelta(-7), QStringLiteral("-7"));
+        QCOMPARE(UtcText::toOverlayText(time), "2023-12-31 23:30:09 UTC"_s);
+        QCOMPARE(UtcText::toDisplayText(time), "2023-12-31 23:30:09"_s);
+        QCOMPARE(FileNames::datasourceFolder(QString(), time), "source_20231231_233009"_s);
+        QCOMPARE(UtcText::signedDelta(0), "+0"_s);
+        QCOMPARE(UtcText::signedDelta(-7), "-7"_s);
     }
 
     void longNamesFitTheFileSystem()
     {
         const QDateTime time(QDate(2024, 1, 1), QTime(0, 0), Qt::UTC);
-        const QString stamp = QStringLiteral("_20240101_000000");
+        const QString stamp = "_20240101_000000"_s;
         const QString letters(300, QLatin1Char('x'));
         QCOMPARE(FileNames::datasourceFolder(letters.left(235), time), letters.left(235) + stamp);
         QCOMPARE(FileNames::datasourceFolder(letters, time), letters.left(235) + stamp);
-        QCOMPARE(FileNames::datasourceFolder(letters, time, QStringLiteral("_7")),
-                 letters.left(233) + stamp + QStringLiteral("_7"));
+        QCOMPARE(FileNames::datasourceFolder(letters, time, "_7"_s),
+                 letters.left(233) + stamp + "_7"_s);
         const QString sun = QString::fromUtf8("\xf0\x9f\x8c\x9e"); // four bytes, two QChars
         QCOMPARE(FileNames::shortened(sun.repeated(3), 11), sun.repeated(2));
     }

@@ -2,6 +2,7 @@
 #include "simulator/archive/archive.h"
 #include "simulator/service/server.h"
 #include "tests/support/fakeprogram.h"
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QThread>
@@ -22,7 +23,7 @@ FakeProgram::Reply badCertificate()
 /// A child that nobody has waited for yet is a zombie: "Z" behind its name.
 bool hasEnded(qint64 processId)
 {
-    QFile status(QStringLiteral("/proc/%1/stat").arg(processId));
+    QFile status("/proc/%1/stat"_s.arg(processId));
     return status.open(QIODevice::ReadOnly) && status.readAll().contains(") Z ");
 }
 
@@ -40,8 +41,8 @@ private slots:
 
     void curlDecides()
     {
-        TestFolder::setKey(QStringLiteral("network/allowInsecureFallback"), false);
-        const QString refused = QStringLiteral("curl: (60)");
+        TestFolder::setKey("network/allowInsecureFallback"_s, false);
+        const QString refused = "curl: (60)"_s;
         QCOMPARE(answerOf(Transport::HttpsSelfSigned, false), refused);
         QCOMPARE(answerOf(Transport::HttpsTrusted, false), refused); // an unknown authority
         QCOMPARE(answerOf(Transport::HttpsForeignHost, true), refused);
@@ -65,7 +66,7 @@ private slots:
     void switchedOnceForAllClients()
     {
         FakeProgram::Reply partial = badCertificate();
-        partial.files.insert(QStringLiteral("$-o"), "half");
+        partial.files.insert("$-o"_s, "half");
         const QString curl = installCurl({partial, {}, badCertificate()});
         HelioviewerClient first;
         HelioviewerClient second;
@@ -74,31 +75,30 @@ private slots:
         QSignalSpy firstErrors(&first, &HelioviewerClient::requestError);
         QSignalSpy secondErrors(&second, &HelioviewerClient::requestError);
 
-        first.downloadImage(77, 10, {}, {}, TestFolder::path(QStringLiteral("frame.png")), 64);
+        first.downloadImage(77, 10, {}, {}, TestFolder::path("frame.png"_s), 64);
         QVERIFY(firstErrors.wait());
         // The restart brought no file; that of the first attempt would have looked like success.
-        QCOMPARE(firstErrors.first().at(1).toString(),
-                 QStringLiteral("Downloaded file is missing or empty."));
+        QCOMPARE(firstErrors.first().at(1).toString(), "Downloaded file is missing or empty."_s);
         second.getDataSources(); // its own restart fails as the first attempt did
         QVERIFY(secondErrors.wait());
         QCOMPARE(firstErrors.size() + secondErrors.size(), 2);
 
         const QVector<QStringList> runs = FakeProgram::argumentLists(curl);
-        const QString insecure = QStringLiteral("--insecure");
+        const QString insecure = "--insecure"_s;
         QCOMPARE(runs.size(), 4);
-        QCOMPARE(runs.at(0).first(), QStringLiteral("-f"));
+        QCOMPARE(runs.at(0).first(), "-f"_s);
         QCOMPARE(runs.at(1), QStringList{insecure} + runs.at(0));
-        QCOMPARE(runs.at(2).mid(0, 2), (QStringList{insecure, QStringLiteral("-f")}));
+        QCOMPARE(runs.at(2).mid(0, 2), (QStringList{insecure, "-f"_s}));
         QCOMPARE(firstLog.size(), 2); // the URL of the request, not of its restart, and
         QCOMPARE(firstLog.at(1).at(0).toString(),
-                 QStringLiteral("WARNING: curl SSL certificate validation failed (error 60). "
-                                "Insecure HTTPS fallback enabled for this Orvik session."));
+                 "WARNING: curl SSL certificate validation failed (error 60). "
+                 "Insecure HTTPS fallback enabled for this Orvik session."_s);
         QCOMPARE(secondLog.size(), 1);
 
-        TestFolder::setKey(QStringLiteral("network/allowInsecureFallback"), false);
+        TestFolder::setKey("network/allowInsecureFallback"_s, false);
         second.getDataSources();
         QVERIFY(secondErrors.wait());
-        QCOMPARE(FakeProgram::argumentLists(curl).constLast().first(), QStringLiteral("-f"));
+        QCOMPARE(FakeProgram::argumentLists(curl).constLast().first(), "-f"_s);
     }
 
     void switchIsOn() { QCOMPARE(answerOf(Transport::HttpsSelfSigned, false), QString()); }
@@ -106,9 +106,9 @@ private slots:
 private:
     static QString installCurl(const QVector<FakeProgram::Reply> &replies)
     {
-        const QString curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
+        const QString curl = FakeProgram::install("bin/fake-curl"_s);
         FakeProgram::setScript(curl, replies);
-        TestFolder::setKey(QStringLiteral("paths/curl"), curl);
+        TestFolder::setKey("paths/curl"_s, curl);
         return curl;
     }
 
@@ -117,16 +117,15 @@ private:
     {
         Simulator::Server server(Simulator::Archive::sample(), transport);
         if (!server.start())
-            return QStringLiteral("no service");
-        TestFolder::setKey(QStringLiteral("network/apiBase"), server.baseUrl());
-        TestFolder::setKey(QStringLiteral("network/caBundle"),
-                           bundle ? server.caCertificateFile() : QStringLiteral("none"));
+            return "no service"_s;
+        TestFolder::setKey("network/apiBase"_s, server.baseUrl());
+        TestFolder::setKey("network/caBundle"_s, bundle ? server.caCertificateFile() : "none"_s);
         HelioviewerClient client;
         QSignalSpy errors(&client, &HelioviewerClient::requestError);
         QSignalSpy catalogs(&client, &HelioviewerClient::catalogReceived);
         client.getDataSources();
         if (!QTest::qWaitFor([&] { return errors.size() + catalogs.size() == 1; }, 20'000))
-            return QStringLiteral("no answer");
+            return "no answer"_s;
         return errors.value(0).value(1).toString().left(10);
     }
 };

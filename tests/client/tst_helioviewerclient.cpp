@@ -1,6 +1,7 @@
 #include "client/helioviewerclient.h"
 #include "client/helioviewerresponses.h"
 #include "tests/support/fakeprogram.h"
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QJsonDocument>
@@ -40,11 +41,10 @@ private slots:
     void init()
     {
         TestFolder::clearKeys();
-        m_curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
-        TestFolder::setKey(QStringLiteral("paths/curl"), QStringLiteral("bin/../bin/fake-curl"));
-        TestFolder::setKey(QStringLiteral("network/apiBase"),
-                           QStringLiteral("http://[::1]/my s\u00fcn//"));
-        m_png = TestFolder::path(QStringLiteral("frame one.png"));
+        m_curl = FakeProgram::install("bin/fake-curl"_s);
+        TestFolder::setKey("paths/curl"_s, "bin/../bin/fake-curl"_s);
+        TestFolder::setKey("network/apiBase"_s, "http://[::1]/my s\u00fcn//"_s);
+        m_png = TestFolder::path("frame one.png"_s);
         QFile::remove(m_png);
     }
 
@@ -55,7 +55,7 @@ private slots:
         for (const QDateTime &frame : index.framesUtc)
             seconds.append(frame.timeSpec() == Qt::UTC ? frame.toSecsSinceEpoch() : -1);
         QCOMPARE(seconds, (QVector<qint64>{1715299211, 1715299451, 1, 1}));
-        QCOMPARE(index.message, QStringLiteral("thinned"));
+        QCOMPARE(index.message, "thinned"_s);
         QCOMPARE(HelioviewerResponses::frameIndex(object("{\"message\":null}")).message, QString());
     }
 
@@ -68,15 +68,14 @@ private slots:
                                QString::number(image->imageId)
                          : QString();
         };
-        QCOMPARE(read("2024-05-01 12:00:07", "\"5\""),
-                 QStringLiteral("2024-05-01T12:00:07.000Z 5"));
+        QCOMPARE(read("2024-05-01 12:00:07", "\"5\""), "2024-05-01T12:00:07.000Z 5"_s);
         for (const char *date : {"2024-05-01 12:00:07", "2024-05-01T12:00:07.000Z",
                                  "2024-05-01T14:00:07+02:00", "2024-05-01T10:00:07-02:00"})
-            QCOMPARE(read(date, "5"), QStringLiteral("2024-05-01T12:00:07.000Z 5"));
+            QCOMPARE(read(date, "5"), "2024-05-01T12:00:07.000Z 5"_s);
         for (const char *date : {"2024-03-31 02:30:00", "2024-03-31T02:30:00.000"})
             QCOMPARE(read(date, "5"),
-                     QStringLiteral("2024-03-31T02:30:00.000Z 5")); // a skipped hour
-        QCOMPARE(read("2024-05-01", "5"), QStringLiteral("2024-05-01T00:00:00.000Z 5"));
+                     "2024-03-31T02:30:00.000Z 5"_s); // a skipped hour
+        QCOMPARE(read("2024-05-01", "5"), "2024-05-01T00:00:00.000Z 5"_s);
         for (const char *date : {"2024-02-30 12:00:00", ""})
             QCOMPARE(read(date, "5"), QString());
         for (const char *id : {"0", "-4", "\"\"", "\"12a\"", "null", "true", "[12]"})
@@ -85,13 +84,13 @@ private slots:
 
     void strangePathsAndNumbers()
     {
-        const QString bundle = TestFolder::path(QStringLiteral("ca.pem"));
+        const QString bundle = TestFolder::path("ca.pem"_s);
         QVERIFY(QFile(bundle).open(QIODevice::WriteOnly));
-        TestFolder::setKey(QStringLiteral("network/caBundle"), QStringLiteral("ca.pem"));
+        TestFolder::setKey("network/caBundle"_s, "ca.pem"_s);
         FakeProgram::Reply index;
         index.standardOutput = "{}";
         FakeProgram::Reply picture;
-        picture.files.insert(QStringLiteral("$-o"), "png");
+        picture.files.insert("$-o"_s, "png");
         FakeProgram::setScript(m_curl, {index, picture});
         HelioviewerClient client;
         QSignalSpy frames(&client, &HelioviewerClient::frameIndexReceived);
@@ -104,19 +103,17 @@ private slots:
         QCOMPARE(downloaded.first(), (QList<QVariant>{10, noon(), noon().addSecs(7),
                                                       Q_INT64_C(9007199254740993), m_png}));
 
-        const QStringList common = QStringLiteral("-f -sS -L --retry 2 --connect-timeout 20 "
-                                                  "--max-time 180 --cacert")
-                                       .split(QLatin1Char(' '))
+        const QStringList common = "-f -sS -L --retry 2 --connect-timeout 20 "
+                                   "--max-time 180 --cacert"_s.split(QLatin1Char(' '))
                                    << bundle;
-        const QString base = QStringLiteral("http://[::1]/my%20s%C3%BCn/");
+        const QString base = "http://[::1]/my%20s%C3%BCn/"_s;
         const QVector<QStringList> expected{
-            common + QStringList(base +
-                                 QStringLiteral("getJPX/?startTime=2024-05-01T12:00:00Z&endTime="
-                                                "2024-05-01T12:01:00Z&sourceId=0&linked=true&jpip="
-                                                "true&verbose=true&cadence=45")),
-            common + QStringList{QStringLiteral("-o"), m_png,
-                                 base + QStringLiteral("downloadImage/?id=9007199254740993&width="
-                                                       "1024&type=png")}};
+            common + QStringList(base + "getJPX/?startTime=2024-05-01T12:00:00Z&endTime="
+                                        "2024-05-01T12:01:00Z&sourceId=0&linked=true&jpip="
+                                        "true&verbose=true&cadence=45"_s),
+            common + QStringList{"-o"_s, m_png,
+                                 base + "downloadImage/?id=9007199254740993&width="
+                                        "1024&type=png"_s}};
         QCOMPARE(FakeProgram::argumentLists(m_curl), expected);
     }
 
@@ -130,9 +127,8 @@ private slots:
         QSignalSpy images(&client, &HelioviewerClient::closestImageReceived);
         client.getClosestImage(10, noon());
         client.downloadImage(1, 99, {}, {}, m_png, 64);
-        QCOMPARE(errors,
-                 (QList<QList<QVariant>>{{QStringLiteral("downloadImage"),
-                                          QStringLiteral("HelioviewerClient is already busy.")}}));
+        QCOMPARE(errors, (QList<QList<QVariant>>{
+                             {"downloadImage"_s, "HelioviewerClient is already busy."_s}}));
         QVERIFY(images.wait());
         QCOMPARE(images.first().mid(0, 4),
                  (QList<QVariant>{10, noon(), Q_INT64_C(5), noon().addSecs(7)}));
@@ -145,8 +141,7 @@ private slots:
         for (const bool picture : {false, true}) {
             const QByteArray commands =
                 picture ? "truncate -s 1025M \"${11}\"; exec sleep 120" : "exec yes '{'";
-            TestFolder::setKey(QStringLiteral("paths/curl"),
-                               TestFolder::writeScript(QStringLiteral("endless-curl"), commands));
+            TestFolder::setKey("paths/curl"_s, TestFolder::writeScript("endless-curl"_s, commands));
             HelioviewerClient client;
             QSignalSpy errors(&client, &HelioviewerClient::requestError);
             if (picture)
@@ -156,9 +151,9 @@ private slots:
             QVERIFY(errors.wait(20'000));
             QCOMPARE(errors.size(), 1);
             QCOMPARE(errors.first().last().toString(),
-                     (picture ? QStringLiteral("The download is larger than 1 GB.")
-                              : QStringLiteral("The answer is larger than 64 MB.")) +
-                         QStringLiteral(" Check network/apiBase."));
+                     (picture ? "The download is larger than 1 GB."_s
+                              : "The answer is larger than 64 MB."_s) +
+                         " Check network/apiBase."_s);
             QVERIFY(!client.isBusy() && !QFile::exists(m_png));
         }
     }

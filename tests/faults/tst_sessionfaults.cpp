@@ -1,6 +1,7 @@
 #include "tests/acquisition/acquisitionroad.h"
 #include "tests/acquisition/sessioncheck.h"
 #include "tests/support/fakeprogram.h"
+#include "tests/support/literals.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -37,10 +38,10 @@ const char *const noX264 = "#!/bin/sh\necho \"Unknown encoder 'libx264'\"\nexit 
 /// Puts a script in the place of a program, or nothing when it is empty; no script restores it.
 void replaceProgram(const QString &name, const std::optional<QByteArray> &script)
 {
-    const QString path = TestFolder::path(QStringLiteral("bin/link-") + name);
+    const QString path = TestFolder::path("bin/link-"_s + name);
     QFile::remove(path);
     if (!script) {
-        const QString program = TestFolder::path(QStringLiteral("bin/") + name);
+        const QString program = TestFolder::path("bin/"_s + name);
         QVERIFY(QFile::link(QFileInfo(program).symLinkTarget(), path));
     } else if (!script->isEmpty()) {
         QFile file(path);
@@ -48,7 +49,7 @@ void replaceProgram(const QString &name, const std::optional<QByteArray> &script
         if (script->startsWith("#!"))
             file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
     }
-    TestFolder::setKey(QStringLiteral("paths/") + name, path);
+    TestFolder::setKey("paths/"_s + name, path);
 }
 
 /// A session of three requests to which something happens.
@@ -57,8 +58,8 @@ struct Scene
     Scene()
     {
         allIsWell();
-        TestFolder::setKey(QStringLiteral("timing/suviMaxTimeErrorSeconds"), 30);
-        settings.sources[0].nickname = QStringLiteral("SUVI");
+        TestFolder::setKey("timing/suviMaxTimeErrorSeconds"_s, 30);
+        settings.sources[0].nickname = "SUVI"_s;
         settings.cadenceSeconds = 120;
         settings.imageWidth = 512;
     }
@@ -67,16 +68,16 @@ struct Scene
     void allIsWell()
     {
         TestFolder::leaveRoom();
-        replaceProgram(QStringLiteral("curl"), std::nullopt);
-        replaceProgram(QStringLiteral("ffmpeg"), std::nullopt);
+        replaceProgram("curl"_s, std::nullopt);
+        replaceProgram("ffmpeg"_s, std::nullopt);
         if (std::exchange(serviceIsDown, false))
             QVERIFY(road.server.start(nullptr, port));
-        const QString aside = folder() + QStringLiteral("aside");
-        if (QFile::exists(aside) && QFile::remove(folder() + QStringLiteral("video_frames")))
-            QVERIFY(QFile::rename(aside, folder() + QStringLiteral("video_frames")));
+        const QString aside = folder() + "aside"_s;
+        if (QFile::exists(aside) && QFile::remove(folder() + "video_frames"_s))
+            QVERIFY(QFile::rename(aside, folder() + "video_frames"_s));
     }
 
-    QString folder() const { return session + QStringLiteral("/SUVI_20240501_000000/"); }
+    QString folder() const { return session + "/SUVI_20240501_000000/"_s; }
 
     AcquisitionRoad road;
     int port = road.server.port();
@@ -96,27 +97,27 @@ Event programIs(const char *name, const QByteArray &script)
 Event roomFor(double pictures)
 {
     return [pictures](Scene &scene) {
-        const QFileInfo first(scene.folder() + QStringLiteral("frame_000000.png"));
+        const QFileInfo first(scene.folder() + "frame_000000.png"_s);
         TestFolder::leaveRoom(qint64(pictures * double(first.size())));
     };
 }
 
 void fileInPlaceOfFolder(Scene &scene)
 {
-    const QString frames = scene.folder() + QStringLiteral("video_frames");
-    QVERIFY(QFile::rename(frames, scene.folder() + QStringLiteral("aside")));
+    const QString frames = scene.folder() + "video_frames"_s;
+    QVERIFY(QFile::rename(frames, scene.folder() + "aside"_s));
     QVERIFY(QFile(frames).open(QIODevice::WriteOnly));
 }
 
 void lastCopyLosesItsEnd(Scene &scene)
 {
-    QFile copy(scene.folder() + QStringLiteral("video_frames/frame_000002.png"));
+    QFile copy(scene.folder() + "video_frames/frame_000002.png"_s);
     QVERIFY(copy.resize(copy.size() - 1));
 }
 
 void lastPictureGoes(Scene &scene)
 {
-    QVERIFY(QFile::remove(scene.folder() + QStringLiteral("video_frames/frame_000002.png")));
+    QVERIFY(QFile::remove(scene.folder() + "video_frames/frame_000002.png"_s));
 }
 
 void sessionIsRemoved(Scene &scene)
@@ -161,8 +162,7 @@ private slots:
               Row{1, 0, 60, "full", "", "Cannot create manifest.csv."}}) {
             TestFolder::clearKeys();
             AcquisitionRoad road;
-            TestFolder::setKey(QStringLiteral("paths/") + QLatin1String(row.key),
-                               QLatin1String(row.value));
+            TestFolder::setKey("paths/"_s + QLatin1String(row.key), QLatin1String(row.value));
             AcquisitionSettings settings = AcquisitionRoad::settings(row.seconds, {});
             settings.sources.fill(AcquisitionRoad::aia(), row.sources);
             settings.cadenceSeconds = row.cadenceSeconds;
@@ -279,7 +279,7 @@ private slots:
 
         Scene scene;
         if (line == QLatin1String("curl: (28)"))
-            TestFolder::setKey(QStringLiteral("network/maxTransferSeconds"), 1);
+            TestFolder::setKey("network/maxTransferSeconds"_s, 1);
         scene.road.onEvent = [&](const QString &event) {
             if (event.startsWith(QLatin1String("Session: ")))
                 scene.session = event.mid(9);
@@ -294,7 +294,7 @@ private slots:
 
         const QString log = scene.road.events.join(QLatin1Char('\n')); // "[mp4] ..." as well
         QVERIFY2(log.contains(line) && log.contains(film), qPrintable(log));
-        QCOMPARE(scene.road.events.last(), QStringLiteral("[finished] completed"));
+        QCOMPARE(scene.road.events.last(), "[finished] completed"_s);
         QCOMPARE(scene.road.count("ERROR session.json"), 0); // also when its folder is gone
         const SessionCheck check = SessionCheck::of(scene.session);
         QVERIFY(check.descriptor.isEmpty() != QFile::exists(scene.session));
@@ -334,13 +334,13 @@ private slots:
     void oneFailedFilmKeepsAllFrames()
     {
         AcquisitionRoad road;
-        const QString ffmpeg = FakeProgram::install(QStringLiteral("bin/fake-ffmpeg"));
+        const QString ffmpeg = FakeProgram::install("bin/fake-ffmpeg"_s);
         FakeProgram::Reply whole;
-        whole.files.insert(QStringLiteral("$last"), "film");
+        whole.files.insert("$last"_s, "film");
         FakeProgram::Reply failed = whole;
         failed.exitCode = 3;
         FakeProgram::setScript(ffmpeg, {failed, whole});
-        TestFolder::setKey(QStringLiteral("paths/ffmpeg"), ffmpeg);
+        TestFolder::setKey("paths/ffmpeg"_s, ffmpeg);
         AcquisitionSettings settings =
             AcquisitionRoad::settings(30, {AcquisitionRoad::aia(), AcquisitionRoad::suvi()});
         settings.keepFrames = false;
@@ -361,7 +361,7 @@ private slots:
         QSet<void *> depths;
         scene.road.onEvent = [&](const QString &event) {
             if (event == QLatin1String("[state] Downloading frames"))
-                replaceProgram(QStringLiteral("curl"), "");
+                replaceProgram("curl"_s, "");
             if (event.startsWith(QLatin1String("ERROR AIA 171 [getClosestImage]: curl.exe not ")))
                 depths.insert(__builtin_frame_address(0));
         };
@@ -387,7 +387,7 @@ private slots:
         const QByteArray beginning = QByteArray(QTest::currentDataTag()).split(',').first();
         AcquisitionRoad road; // for its service and its output root
         QProcess session;
-        session.start(QCoreApplication::applicationFilePath(), {QStringLiteral("session")});
+        session.start(QCoreApplication::applicationFilePath(), {"session"_s});
         int accepted = 0;
         while (occurrence > 0 && (session.canReadLine() || session.waitForReadyRead())) {
             const QByteArray line = session.readLine();

@@ -1,4 +1,5 @@
 #include "imaging/blankblock.h"
+#include "tests/support/literals.h"
 
 #include <QImage>
 #include <QJsonObject>
@@ -23,11 +24,11 @@ void fill(QImage &image, const QRect &rect, QRgb colour = 0xff000000U)
 
 QJsonObject disk(QSize native, double radius)
 {
-    return {{QStringLiteral("width"), native.width()},
-            {QStringLiteral("height"), QString::number(native.height())},
-            {QStringLiteral("rsun"), radius},
-            {QStringLiteral("refPixelX"), (native.width() + 1) / 2.0},
-            {QStringLiteral("refPixelY"), (native.height() + 1) / 2.0}};
+    return {{"width"_s, native.width()},
+            {"height"_s, QString::number(native.height())},
+            {"rsun"_s, radius},
+            {"refPixelX"_s, (native.width() + 1) / 2.0},
+            {"refPixelY"_s, (native.height() + 1) / 2.0}};
 }
 
 QString warning(int x, int y, int width, int height)
@@ -95,11 +96,11 @@ private slots:
         };
         const QRect cell(64, 128, 64, 64);
         QJsonObject noCentre = disk({256, 256}, 200);
-        noCentre.remove(QStringLiteral("refPixelX"));
+        noCentre.remove("refPixelX"_s);
         QVERIFY(isFound({256, 256}, disk({256, 256}, 200), cell));
         QVERIFY(!isFound({256, 255}, disk({256, 255}, 200), cell));
         QVERIFY(isFound({256, 256}, noCentre, cell));
-        QVERIFY(!isFound({256, 256}, {{QStringLiteral("width"), 256}}, cell));
+        QVERIFY(!isFound({256, 256}, {{"width"_s, 256}}, cell));
         QVERIFY(isFound({256, 256}, disk({4, 4}, 1e300), cell));
         QVERIFY(isFound({4096, 4096}, disk({4096, 4096}, 1600), {1024, 1280, 256, 256}));
     }

@@ -1,6 +1,7 @@
 #include "imaging/annotationlayout.h"
 #include "imaging/frameannotation.h"
 #include "imaging/metricscale.h"
+#include "tests/support/literals.h"
 
 #include <QBitmap>
 #include <QJsonObject>
@@ -51,7 +52,7 @@ private slots:
     {
         const auto bar = Layout::scaleBarFor(1024, 1739.25);
         QCOMPARE(bar.lengthPx, 115);
-        QCOMPARE(bar.label, QStringLiteral("200 000 km"));
+        QCOMPARE(bar.label, "200 000 km"_s);
         const auto scale = Layout::scaleBoxFor(1024, Layout::measuresFor(1024), 115, {80, 18});
         QCOMPARE(scale.box, QRect(1024 - 12 - 131, 12, 131, 18 + 4 + 5 + 8));
         QCOMPARE(scale.label, QRect(889, 16, 115, 18));
@@ -68,27 +69,26 @@ private slots:
             const int margin = Layout::measuresFor(size.width()).margin;
             const QRect inner = QRect(QPoint(), size).adjusted(margin, margin, -margin, -margin);
             QCOMPARE(paintedArea(size, noon(), {}, 0).bottomLeft(), inner.bottomLeft());
-            QCOMPARE(paintedArea(size, {}, QStringLiteral(" A "), 0).bottomRight(),
-                     inner.bottomRight());
+            QCOMPARE(paintedArea(size, {}, " A "_s, 0).bottomRight(), inner.bottomRight());
             QCOMPARE(paintedArea(size, {}, {}, 1e-4).topRight(), inner.topRight());
             const QRect clipped = paintedArea(size, {}, QString(2000, QLatin1Char('W')), 0);
             QCOMPARE(clipped.width(), inner.width());
         }
-        QCOMPARE(paintedArea({640, 480}, {}, QStringLiteral(" \t "), 0), QRect());
+        QCOMPARE(paintedArea({640, 480}, {}, " \t "_s, 0), QRect());
     }
 
     void annotatedCopyIsSaved()
     {
         const QTemporaryDir folder;
-        const QString path = folder.filePath(QStringLiteral("a/b/frame_000000.png"));
+        const QString path = folder.filePath("a/b/frame_000000.png"_s);
         QImage original(511, 507, QImage::Format_RGB32); // as odd as some instruments are
         original.fill(Qt::white);
         for (int i = 0; i < 507; ++i) {
             original.setPixel(i, 506, qRgb(i / 2, 0, 0));
             original.setPixel(510, i, qRgb(0, i / 2, 0));
         }
-        const QJsonObject metadata{{QStringLiteral("rsun"), 200}, {QStringLiteral("width"), 512}};
-        const QString label = QStringLiteral("AIA 171");
+        const QJsonObject metadata{{"rsun"_s, 200}, {"width"_s, 512}};
+        const QString label = "AIA 171"_s;
         QVERIFY(saveTimestampedFrame(original, path, noon(), label, metadata, true, true));
         QCOMPARE(original.pixel(8, 498), 0xffffffffU);
         const QImage copy(path);
@@ -104,13 +104,12 @@ private slots:
     void kilometresPerPixel()
     {
         const auto scale = [](const QJsonValue &rsun, int width, int imageWidth) {
-            return MetricScale::kmPerPixel(
-                {{QStringLiteral("rsun"), rsun}, {QStringLiteral("width"), width}}, imageWidth);
+            return MetricScale::kmPerPixel({{"rsun"_s, rsun}, {"width"_s, width}}, imageWidth);
         };
         QCOMPARE(scale(1600, 4096, 1024), 1739.25);
-        QCOMPARE(scale(QStringLiteral("1600.5"), 4096, 4096), 695700.0 / 1600.5);
+        QCOMPARE(scale("1600.5"_s, 4096, 4096), 695700.0 / 1600.5);
         QCOMPARE(scale(1600, 4096, 1), 695700.0 / 1600 * 4096);
-        QCOMPARE(scale(QStringLiteral("16OO"), 4096, 1024), 0.0);
+        QCOMPARE(scale("16OO"_s, 4096, 1024), 0.0);
         QCOMPARE(scale({}, 4096, 1024), 0.0);
         QCOMPARE(scale(1600, -1, 1024), 0.0);
         QCOMPARE(scale(1600, 4096, 0), 0.0);

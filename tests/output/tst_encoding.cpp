@@ -1,5 +1,6 @@
 #include "output/filmfile.h"
 #include "output/framecleanup.h"
+#include "tests/support/literals.h"
 
 #include <QtTest>
 
@@ -31,8 +32,8 @@ private slots:
         const QByteArray pictures = box("mdat", QByteArray(1000, 'x'));
         const QByteArray longHead("\0\0\0\1mdat\0\0\0\0\0\0\0\x11x", 17);
         const QByteArray movie = box("moov", box("mvhd", "") + track("soun", 9) + track("vide", 3));
-        const QString cutOff = QStringLiteral("the film is cut off. Is the disk full?");
-        const QString noPictures = QStringLiteral("the film shows 0 of 3 pictures.");
+        const QString cutOff = "the film is cut off. Is the disk full?"_s;
+        const QString noPictures = "the film shows 0 of 3 pictures."_s;
         QTest::newRow("whole") << begun + pictures + movie << "";
         QTest::newRow("with a 64-bit length") << begun + longHead + movie << "";
         QTest::newRow("nothing") << QByteArray() << cutOff;
@@ -43,7 +44,7 @@ private slots:
             << begun + QByteArray("\0\0\0\0mdat", 8) + movie << cutOff;
         QTest::newRow("before the last box") << begun + pictures << cutOff;
         QTest::newRow("short") << begun + box("moov", track("vide", 2))
-                               << QStringLiteral("the film shows 2 of 3 pictures.");
+                               << "the film shows 2 of 3 pictures."_s;
         QTest::newRow("no video") << begun + box("moov", track("soun", 3)) << noPictures;
         QTest::newRow("a table longer than its track")
             << begun + box("moov", track("vide", 3).replace(0, 4, bytes(60))) << noPictures;
@@ -58,16 +59,15 @@ private slots:
         QTemporaryFile film;
         QVERIFY(film.open() && film.write(content) == content.size() && film.flush());
         QTEST(FilmFile::flaw(film.fileName(), 3), "flaw");
-        QVERIFY(FilmFile::flaw(film.fileName() + QStringLiteral(" not there"), 3).isEmpty());
+        QVERIFY(FilmFile::flaw(film.fileName() + " not there"_s, 3).isEmpty());
     }
 
     void removesOnlyFrames()
     {
         const QTemporaryDir folder;
-        const QDir source(folder.filePath(QStringLiteral("source")));
-        const QDir elsewhere(folder.filePath(QStringLiteral("elsewhere")));
-        QVERIFY(source.mkpath(QStringLiteral("video_frames")) &&
-                elsewhere.mkpath(QStringLiteral(".")));
+        const QDir source(folder.filePath("source"_s));
+        const QDir elsewhere(folder.filePath("elsewhere"_s));
+        QVERIFY(source.mkpath("video_frames"_s) && elsewhere.mkpath("."_s));
         for (const char *name : {"source/frame_000000.png", "source/film.mp4",
                                  "source/frame_000000.jpg", "source/video_frames/frame_000000.png",
                                  "source/video_frames/notes.txt", "elsewhere/frame_000000.png"})
@@ -76,16 +76,16 @@ private slots:
             return dir.entryList(QDir::AllEntries | QDir::NoDotAndDotDot).join(QLatin1Char(' '));
         };
         FrameCleanup::removeFrames(source.path());
-        QCOMPARE(filesIn(source), QStringLiteral("film.mp4 frame_000000.jpg video_frames"));
-        const QString videoFrames = source.filePath(QStringLiteral("video_frames"));
-        QCOMPARE(filesIn(videoFrames), QStringLiteral("notes.txt"));
-        QVERIFY(QFile::remove(videoFrames + QStringLiteral("/notes.txt"))); // it kept the folder
+        QCOMPARE(filesIn(source), "film.mp4 frame_000000.jpg video_frames"_s);
+        const QString videoFrames = source.filePath("video_frames"_s);
+        QCOMPARE(filesIn(videoFrames), "notes.txt"_s);
+        QVERIFY(QFile::remove(videoFrames + "/notes.txt"_s)); // it kept the folder
         FrameCleanup::removeFrames(source.path());
-        QCOMPARE(filesIn(source), QStringLiteral("film.mp4 frame_000000.jpg"));
+        QCOMPARE(filesIn(source), "film.mp4 frame_000000.jpg"_s);
 
         QVERIFY(QFile::link(elsewhere.path(), videoFrames));
         FrameCleanup::removeFrames(source.path());
-        QCOMPARE(filesIn(videoFrames), QStringLiteral("frame_000000.png"));
+        QCOMPARE(filesIn(videoFrames), "frame_000000.png"_s);
     }
 };
 

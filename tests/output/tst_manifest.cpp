@@ -2,6 +2,7 @@
 #include "output/manifestreader.h"
 #include "output/manifestrow.h"
 #include "output/manifestwriter.h"
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QtTest>
@@ -24,13 +25,13 @@ ManifestRow acceptedRow()
 {
     const QDateTime requestedUtc({2024, 5, 1}, {12, 0}, Qt::UTC);
     const QByteArray answer = R"({"scale":0.6,"width":4096,"rsun":"1580.25","refPixelX":-12.5})";
-    return {{{10, QStringLiteral("AIA \"171\""), {}}, requestedUtc, 0},
+    return {{{10, "AIA \"171\""_s, {}}, requestedUtc, 0},
             requestedUtc.addSecs(-7),
             150753140000,
             -7,
             30,
-            QStringLiteral("AIA/frame_000000.png"),
-            QStringLiteral("AIA/copy.png"),
+            "AIA/frame_000000.png"_s,
+            "AIA/copy.png"_s,
             FrameStatus::Ok,
             QJsonDocument::fromJson(answer).object()};
 }
@@ -83,20 +84,20 @@ private slots:
         QStringList texts;
         for (const QJsonValue &value : values) {
             ManifestRow row;
-            row.metadata = {{QStringLiteral("refPixelY"), value}};
-            texts.append(toLine(row).section(QStringLiteral("OK,,,,,,,"), 1).trimmed());
+            row.metadata = {{"refPixelY"_s, value}};
+            texts.append(toLine(row).section("OK,,,,,,,"_s, 1).trimmed());
         }
         QCOMPARE(texts.join(QLatin1Char(' ')),
-                 QStringLiteral("0.6 4096 1.5e-05 150753140000 999999999999999 1e+15 -2048.125 "
-                                "1.7e+308 0.3 0,6\" 1  2   "));
+                 "0.6 4096 1.5e-05 150753140000 999999999999999 1e+15 -2048.125 "
+                 "1.7e+308 0.3 0,6\" 1  2   "_s);
     }
 
     void writtenFileIsReadBack()
     {
         QString error;
-        const QString absent = m_folder.filePath(QStringLiteral("absent"));
+        const QString absent = m_folder.filePath("absent"_s);
         QVERIFY(!ManifestReader::read(absent, &error));
-        QCOMPARE(error, QStringLiteral("Cannot open ") + absent);
+        QCOMPARE(error, "Cannot open "_s + absent);
         ManifestWriter writer;
         QVERIFY(!writer.create(absent));
         QVERIFY(writer.create(m_folder.path()));
@@ -123,7 +124,7 @@ private slots:
         TestFolder::leaveRoom();
         QString error;
         QVERIFY(!writer.isOpen() && !ManifestReader::read(m_path, &error));
-        QCOMPARE(error, QStringLiteral("manifest.csv is empty."));
+        QCOMPARE(error, "manifest.csv is empty."_s);
 
         QVERIFY(writer.create(m_folder.path()));
         QByteArray expected = m_header;
@@ -173,10 +174,8 @@ private slots:
         QVERIFY(read);
         QStringList found;
         for (const ManifestFrame &frame : read->bySource.value(0))
-            found.append(
-                QStringLiteral("%1@%2+%3")
-                    .arg(frame.file, frame.actualUtc.toString(Qt::ISODateWithMs),
-                         QString::number(frame.metadata[QStringLiteral("width")].toDouble())));
+            found.append("%1@%2+%3"_s.arg(frame.file, frame.actualUtc.toString(Qt::ISODateWithMs),
+                                          QString::number(frame.metadata["width"_s].toDouble())));
         QCOMPARE(found.join(QLatin1Char(' ')), frames);
     }
 
@@ -206,7 +205,7 @@ private:
 
     const QByteArray m_header = header;
     QTemporaryDir m_folder;
-    QString m_path = m_folder.filePath(QStringLiteral("manifest.csv"));
+    QString m_path = m_folder.filePath("manifest.csv"_s);
 };
 
 QTEST_GUILESS_MAIN(TestManifest)

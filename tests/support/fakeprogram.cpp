@@ -1,5 +1,6 @@
 #include "tests/support/fakeprogram.h"
 
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QFile>
@@ -32,8 +33,8 @@ QByteArray commands(const FakeProgram::Reply &reply)
     QByteArray lines = print(reply.standardOutput, "&1") + print(reply.standardError, "&2");
     for (auto file = reply.files.begin(); file != reply.files.end(); ++file) {
         QString target = file.key();
-        target.replace(QStringLiteral("$-o"), QStringLiteral("$out"));
-        target.replace(QStringLiteral("$last"), QStringLiteral("${!#}"));
+        target.replace("$-o"_s, "$out"_s);
+        target.replace("$last"_s, "${!#}"_s);
         lines += print(file.value(), '"' + target.toUtf8() + '"');
     }
     if (reply.hang)

@@ -1,4 +1,5 @@
 #include "tests/support/testfolder.h"
+#include "tests/support/literals.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -14,7 +15,7 @@ namespace {
 
 QString iniPath()
 {
-    return TestFolder::path(QStringLiteral("sys/orvik.ini"));
+    return TestFolder::path("sys/orvik.ini"_s);
 }
 
 } // namespace
@@ -26,7 +27,7 @@ QString TestFolder::path(const QString &relativePath)
 
 void TestFolder::setKey(const QString &key, const QVariant &value)
 {
-    QDir().mkpath(path(QStringLiteral("sys")));
+    QDir().mkpath(path("sys"_s));
     QSettings file(iniPath(), QSettings::IniFormat);
     file.setIniCodec("UTF-8");
     file.setValue(key, value);
@@ -63,5 +64,5 @@ TestFolder::OutputRoot::OutputRoot()
 {
     if (!m_folder.isValid())
         qFatal("cannot make a temporary folder: %s", qPrintable(m_folder.errorString()));
-    setKey(QStringLiteral("paths/output"), m_folder.path());
+    setKey("paths/output"_s, m_folder.path());
 }

@@ -2,6 +2,7 @@
 #include "app/terminationsignals.h"
 #include "simulator/archive/archive.h"
 #include "simulator/service/server.h"
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 #include "tests/ui/windowfixture.h"
 
@@ -36,7 +37,7 @@ constexpr char catalog[] = R"({"SDO": {"AIA": {
     "171": {"sourceId": 10, "nickname": "AIA 171", "start": "2010", "end": "2024"},
     "<b>": {"sourceId": 13, "nickname": "<b>AIA</b>"}}}})";
 
-const QString nowhere = QStringLiteral("http://127.0.0.1:9/<i>"); // markup in an error's text
+const QString nowhere = "http://127.0.0.1:9/<i>"_s; // markup in an error's text
 
 constexpr int stopping = 0;
 constexpr int closing = -1;
@@ -56,11 +57,11 @@ QStringList nameless(QAccessibleInterface *interface)
 /// What of all that a run locks or frees can be used now.
 QStringList enabledParts(const MainWindow &window)
 {
-    const QString parts = QStringLiteral(
+    const QString parts =
         "sourcesTree refreshButton aiaButton clearButton startEdit endEdit cadenceSpin "
         "timeErrorSpin sourceTimingProfilesCheck widthSpin fpsSpin crfSpin keepFramesCheck "
         "sourceOverlayCheck scaleOverlayCheck createVideosCheck actionCreateRoiVideo "
-        "actionStartAcquisition actionStopAcquisition");
+        "actionStartAcquisition actionStopAcquisition"_s;
     QStringList names = parts.split(QLatin1Char(' '));
     const auto isDisabled = [&window](const QString &name) {
         return !window.findChild<QObject *>(name)->property("enabled").toBool();
@@ -100,22 +101,22 @@ private slots:
 
     void detailsFollowCurrentAndSampling()
     {
-        userSettings().setValue(QStringLiteral("sources/currentId"), 10);
+        userSettings().setValue("sources/currentId"_s, 10);
         MainWindow window;
         const auto *details = part<QTextBrowser>(window, "catalogInfo");
         QVERIFY(QMetaObject::invokeMethod(&window, "onSourceTimingAnalyzed", Q_ARG(int, 10),
                                           Q_ARG(int, 9), Q_ARG(int, 240), Q_ARG(int, 180),
                                           Q_ARG(int, 300)));
-        QVERIFY(details->toPlainText().contains(QStringLiteral("requested sampling is 1 min")));
+        QVERIFY(details->toPlainText().contains("requested sampling is 1 min"_s));
         part<QSpinBox>(window, "cadenceSpin")->stepUp();
-        QVERIFY(details->toPlainText().contains(QStringLiteral("not prepared yet")));
+        QVERIFY(details->toPlainText().contains("not prepared yet"_s));
 
         part<QDateTimeEdit>(window, "startEdit")
             ->setDateTime(part<QDateTimeEdit>(window, "endEdit")->dateTime());
         part<QSpinBox>(window, "fpsSpin")->setValue(50);
         QCOMPARE(part<QLabel>(window, "estimateLabel")->text(),
-                 QStringLiteral("Nominal estimate: 1 frame(s) per datasource  |  video "
-                                "00:00:00.020 @ 50 fps"));
+                 "Nominal estimate: 1 frame(s) per datasource  |  video "
+                 "00:00:00.020 @ 50 fps"_s);
     }
 
     void refusedStartSavesSettingsAndKeepsTheLog()
@@ -123,110 +124,104 @@ private slots:
         MainWindow window;
         window.show();
         QVERIFY(QTest::qWaitForWindowActive(&window));
-        const QString cadence = QStringLiteral("acquisition/cadenceSeconds");
+        const QString cadence = "acquisition/cadenceSeconds"_s;
         part<QSpinBox>(window, "cadenceSpin")->setValue(7);
         const BoxCloser boxes;
         QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
         QCOMPARE(userSettings().value(cadence).toInt(), 7);
-        QVERIFY(logText(window).contains(QStringLiteral("Loaded cached catalog: ")));
+        QVERIFY(logText(window).contains("Loaded cached catalog: "_s));
         part<QSpinBox>(window, "cadenceSpin")->setValue(8);
         part<QCheckBox>(window, "keepFramesCheck")->setChecked(false);
         part<QCheckBox>(window, "createVideosCheck")->setChecked(false);
         WindowFixture::clickToolButton(window, "actionStartAcquisition");
         QCOMPARE(userSettings().value(cadence).toInt(), 7);
-        QCOMPARE(boxes.shown,
-                 QStringList({QStringLiteral("Orvik: Select at least one Helioviewer datasource."),
-                              QStringLiteral("Orvik: Enable PNG frame storage or MP4 creation.")}));
+        QCOMPARE(boxes.shown, QStringList({"Orvik: Select at least one Helioviewer datasource."_s,
+                                           "Orvik: Enable PNG frame storage or MP4 creation."_s}));
         QVERIFY(!part<QAction>(window, "actionStopAcquisition")->isEnabled());
     }
 
     void presetCountsUntilTheUserSaved()
     {
-        TestFolder::setKey(QStringLiteral("acquisition/cadenceSeconds"), 120);
-        TestFolder::setKey(QStringLiteral("video/sourceOverlay"), false);
+        TestFolder::setKey("acquisition/cadenceSeconds"_s, 120);
+        TestFolder::setKey("video/sourceOverlay"_s, false);
         MainWindow window;
         QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 120);
         QVERIFY(part<QCheckBox>(window, "sourceOverlayCheck")->isChecked());
         window.close();
-        TestFolder::setKey(QStringLiteral("acquisition/cadenceSeconds"), 240);
+        TestFolder::setKey("acquisition/cadenceSeconds"_s, 240);
         QCOMPARE(part<QSpinBox>(MainWindow(), "cadenceSpin")->value(), 120);
     }
 
     void brokenCacheAsksTheService()
     {
         WindowFixture::writeCatalog(QByteArray(catalog).left(40));
-        TestFolder::setKey(QStringLiteral("network/apiBase"), nowhere);
+        TestFolder::setKey("network/apiBase"_s, nowhere);
         const BoxCloser boxes;
         const MainWindow window;
         const auto *refresh = part<QPushButton>(window, "refreshButton");
         QVERIFY(!refresh->isEnabled());
         QTRY_COMPARE_WITH_TIMEOUT(boxes.shown.size(), 1, 20'000);
         QVERIFY(refresh->isEnabled());
-        QVERIFY(boxes.shown.first().startsWith(
-            QStringLiteral("Helioviewer: getDataSources failed:\n")));
-        QVERIFY(logText(window).contains(QStringLiteral("] ERROR getDataSources: curl: (7)")));
-        QCOMPARE(part<QDockWidget>(window, "logWidget")->windowTitle(),
-                 QStringLiteral("Log  -  ERR 1 / WARN 0"));
+        QVERIFY(boxes.shown.first().startsWith("Helioviewer: getDataSources failed:\n"_s));
+        QVERIFY(logText(window).contains("] ERROR getDataSources: curl: (7)"_s));
+        QCOMPARE(part<QDockWidget>(window, "logWidget")->windowTitle(), "Log  -  ERR 1 / WARN 0"_s);
     }
 
     void answerWithoutDatasourcesIsAnError()
     {
-        const QJsonObject error{{QStringLiteral("error"), QJsonObject{{QStringLiteral("x"), 1}}}};
+        const QJsonObject error{{"error"_s, QJsonObject{{"x"_s, 1}}}};
         for (const bool cached : {false, true}) {
             if (!cached)
                 WindowFixture::reset();
             else
                 WindowFixture::writeCatalog(catalog);
-            TestFolder::setKey(QStringLiteral("network/apiBase"), nowhere);
+            TestFolder::setKey("network/apiBase"_s, nowhere);
             const BoxCloser boxes;
             MainWindow window;
             for (const QJsonObject &answer : {error, cached ? QJsonObject() : error})
                 receive(window, answer);
             QCOMPARE(part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount(), int(cached));
-            QCOMPARE(logText(window).count(QStringLiteral("The answer holds no datasource.")), 2);
-            QCOMPARE(
-                QFile::exists(TestFolder::path(QStringLiteral("sys/helioviewer_sources.json"))),
-                cached);
+            QCOMPARE(logText(window).count("The answer holds no datasource."_s), 2);
+            QCOMPARE(QFile::exists(TestFolder::path("sys/helioviewer_sources.json"_s)), cached);
         }
     }
 
     void emptyCacheIsShownAndCostsNoTicks()
     {
         WindowFixture::writeCatalog("{}");
-        const QString ticks = QStringLiteral("sources/selectedIds");
-        userSettings().setValue(ticks, QStringList(QStringLiteral("10")));
+        const QString ticks = "sources/selectedIds"_s;
+        userSettings().setValue(ticks, QStringList("10"_s));
         MainWindow window;
-        QVERIFY(logText(window).contains(QStringLiteral("Loaded cached catalog: ")));
-        QVERIFY(!logText(window).contains(QStringLiteral("curl: ")));
+        QVERIFY(logText(window).contains("Loaded cached catalog: "_s));
+        QVERIFY(!logText(window).contains("curl: "_s));
         window.close();
-        QCOMPARE(userSettings().value(ticks).toStringList(), QStringList(QStringLiteral("10")));
+        QCOMPARE(userSettings().value(ticks).toStringList(), QStringList("10"_s));
     }
 
     void unwritableCacheIsAWarning()
     {
-        TestFolder::setKey(QStringLiteral("paths/catalog"), QStringLiteral("bin")); // a folder
-        TestFolder::setKey(QStringLiteral("network/apiBase"), nowhere);
+        TestFolder::setKey("paths/catalog"_s, "bin"_s); // a folder
+        TestFolder::setKey("network/apiBase"_s, nowhere);
         const BoxCloser boxes;
         MainWindow window;
-        receive(window, {{QStringLiteral("x"), QJsonObject()}});
+        receive(window, {{"x"_s, QJsonObject()}});
         QCOMPARE(part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount(), 1);
-        QVERIFY(logText(window).contains(
-            QStringLiteral("WARNING: unable to save catalog cache in ./sys.")));
-        QVERIFY(!logText(window).contains(QStringLiteral("catalog updated.")));
+        QVERIFY(logText(window).contains("WARNING: unable to save catalog cache in ./sys."_s));
+        QVERIFY(!logText(window).contains("catalog updated."_s));
     }
 
     void playsTheNewestVideo()
     {
         const TestFolder::OutputRoot root;
-        const QString film = root.path() + QStringLiteral("/%1 film.mp4");
+        const QString film = root.path() + "/%1 film.mp4"_s;
         QVERIFY(QFile(film).open(QIODevice::WriteOnly));
-        QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open");
+        QDesktopServices::setUrlHandler("file"_s, this, "open");
         const MainWindow window;
         part<QAction>(window, "actionPlayLatestVideo")->trigger();
         part<QAction>(window, "actionOpenOutputFolder")->trigger();
-        QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+        QDesktopServices::unsetUrlHandler("file"_s);
         QCOMPARE(m_opened, QVector<QString>({film, root.path()}));
-        QVERIFY(logText(window).contains(QStringLiteral("Playing video: ") + film));
+        QVERIFY(logText(window).contains("Playing video: "_s + film));
     }
 
     void stoppedAndClosedAtEveryStage_data()
@@ -258,10 +253,9 @@ private slots:
             const QStringList idleParts = enabledParts(window);
             QCOMPARE(idleParts.size(), 18);
             const auto act = [&] {
-                QCOMPARE(enabledParts(window),
-                         QStringList(QStringLiteral("actionStopAcquisition")));
+                QCOMPARE(enabledParts(window), QStringList("actionStopAcquisition"_s));
                 part<QAction>(window, "actionRefreshCatalog")->trigger();
-                WindowFixture::clickLeaf(window, QStringLiteral("AIA 193 "));
+                WindowFixture::clickLeaf(window, "AIA 193 "_s);
                 if (end == closing)
                     window.close();
                 else if (end != stopping)
@@ -276,21 +270,19 @@ private slots:
                     });
             WindowFixture::clickToolButton(window, "actionStartAcquisition");
             QCOMPARE(part<QLabel>(window, "previewLabel")->text(),
-                     QStringLiteral("Waiting for the first accepted frame..."));
+                     "Waiting for the first accepted frame..."_s);
             QTRY_VERIFY_WITH_TIMEOUT(hasActed, 20'000);
             if (end != stopping)
                 QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), 20'000);
             if (end != closing)
                 QTRY_COMPARE_WITH_TIMEOUT(enabledParts(window), idleParts, 20'000);
-            QCOMPARE(logText(window).count(QStringLiteral("Session canceled.")),
-                     end == closing ? 0 : 1);
-            QCOMPARE(WindowFixture::findLeaf(window, QStringLiteral("AIA 193 "))->checkState(0),
-                     Qt::Unchecked);
+            QCOMPARE(logText(window).count("Session canceled."_s), end == closing ? 0 : 1);
+            QCOMPARE(WindowFixture::findLeaf(window, "AIA 193 "_s)->checkState(0), Qt::Unchecked);
         }
         QCOMPARE(m_server.requestCount(Operation::GetDataSources), 0);
-        const QDir session(output.path() + QStringLiteral("/20240501_120000__20240501_120300"));
-        QVERIFY(session.exists(QStringLiteral("manifest.csv")));
-        QCOMPARE(session.exists(QStringLiteral("session.json")), end != closing);
+        const QDir session(output.path() + "/20240501_120000__20240501_120300"_s);
+        QVERIFY(session.exists("manifest.csv"_s));
+        QCOMPARE(session.exists("session.json"_s), end != closing);
     }
 
 private:
@@ -303,7 +295,7 @@ private:
     /// A window on the service, with one datasource ticked.
     void prepareRun(MainWindow &window, const QString &source)
     {
-        TestFolder::setKey(QStringLiteral("network/apiBase"), m_server.baseUrl());
+        TestFolder::setKey("network/apiBase"_s, m_server.baseUrl());
         QVERIFY(QMetaObject::invokeMethod(&window, "refreshSources"));
         window.show();
         QVERIFY(QTest::qWaitForWindowActive(&window));

@@ -4,6 +4,7 @@
 #include "roi/roiset.h"
 #include "simulator/archive/archive.h"
 #include "tests/acquisition/acquisitionroad.h"
+#include "tests/support/literals.h"
 #include "tests/ui/windowfixture.h"
 
 #include <QAction>
@@ -81,7 +82,7 @@ ArchiveSource source(int sourceId, const char *nickname, const char *path, int s
     made.nickname = QLatin1String(nickname);
     made.path = QLatin1String(path);
     made.start = QLatin1String(start);
-    made.end = QStringLiteral("2024-05-02 00:00:00");
+    made.end = "2024-05-02 00:00:00"_s;
     made.spacingSeconds = spacingSeconds;
     made.widthPx = 4096 - 32 * spacingSeconds / 10;
     made.heightPx = made.widthPx * 3 / 4;
@@ -105,7 +106,7 @@ QString textOf(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll())
-                                          : QStringLiteral("cannot open ") + path;
+                                          : "cannot open "_s + path;
 }
 
 /// What a program prints; its options have no blanks within, its last argument may have some.
@@ -121,11 +122,10 @@ QByteArray outputOf(const QString &command, const QString &last)
 /// Width, height, frames per second and number of frames of a film, as in "96,160,4/1,5".
 QString shapeOf(const QString &film)
 {
-    return QString::fromLatin1(
-        outputOf(QStringLiteral("ffprobe -v error -count_frames -of csv=p=0 -show_entries "
-                                "stream=width,height,r_frame_rate,nb_read_frames"),
-                 film)
-            .trimmed());
+    return QString::fromLatin1(outputOf("ffprobe -v error -count_frames -of csv=p=0 -show_entries "
+                                        "stream=width,height,r_frame_rate,nb_read_frames"_s,
+                                        film)
+                                   .trimmed());
 }
 
 /// How far two pictures are apart at the worst place, 0 to 255. What an encoder does to single
@@ -179,8 +179,8 @@ private slots:
             {"timing/suviMaxTimeErrorSeconds", 95},   {"timing/preflightProbeSeconds", 345}};
         for (const auto &[key, value] : keys)
             TestFolder::setKey(QLatin1String(key), value);
-        noteCallsOf("curl", QStringLiteral("curl"));
-        noteCallsOf("ffmpeg", QStringLiteral("${PWD##*/}: ffmpeg"));
+        noteCallsOf("curl", "curl"_s);
+        noteCallsOf("ffmpeg", "${PWD##*/}: ffmpeg"_s);
         m_server.addFault({Simulator::Operation::GetJPX, Simulator::FaultKind::Status, 400, 2, 1});
     }
 
@@ -197,7 +197,7 @@ private slots:
                 QCOMPARE(event.mid(8), part<QLabel>(window, "stateLabel")->text());
         };
         window.show();
-        QTRY_VERIFY(WindowFixture::findLeaf(window, QStringLiteral("EIT")) != nullptr);
+        QTRY_VERIFY(WindowFixture::findLeaf(window, "EIT"_s) != nullptr);
         for (int i = 0; i < choices.size(); ++i) {
             QCOMPARE(valueOf(window, choices[i].widget) == choices[i].value, i >= unlikeDefault);
             choose(window, choices[i].widget, choices[i].value);
@@ -207,26 +207,25 @@ private slots:
         const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
         WindowFixture::clickToolButton(window, "actionStartAcquisition");
         const int opening = heard.logLines().size();
-        QTRY_COMPARE_WITH_TIMEOUT(heard.events.last(), QStringLiteral("[finished] completed"),
-                                  60'000);
+        QTRY_COMPARE_WITH_TIMEOUT(heard.events.last(), "[finished] completed"_s, 60'000);
         m_session = heard.sessionDirectory;
-        QCOMPARE(m_session, m_output.path() + QStringLiteral("/20240501_060007__20240501_061000"));
+        QCOMPARE(m_session, m_output.path() + "/20240501_060007__20240501_061000"_s);
         const QDateTime completed = QDateTime::fromString(completedUtc(), Qt::ISODate);
         QVERIFY(before <= completed && completed <= QDateTime::currentDateTimeUtc());
 
         readExpectedRows();
         compare(heard.events.join(QLatin1Char('\n')), "events.txt");
         compare(textOf(m_journal), "calls.txt");
-        compare(textOf(sessionFile(QStringLiteral("manifest.csv"))), "manifest.csv");
-        compare(textOf(sessionFile(QStringLiteral("session.json"))), "session.json");
-        const QRegularExpression clock(QStringLiteral("\\[\\d\\d:\\d\\d:\\d\\d\\] (curl: .*\n)?"));
+        compare(textOf(sessionFile("manifest.csv"_s)), "manifest.csv");
+        compare(textOf(sessionFile("session.json"_s)), "session.json");
+        const QRegularExpression clock("\\[\\d\\d:\\d\\d:\\d\\d\\] (curl: .*\n)?"_s);
         QCOMPARE(named(WindowFixture::logText(window).remove(clock)),
-                 named(QStringLiteral("Acquisition started.\n") +
+                 named("Acquisition started.\n"_s +
                        QStringList(heard.logLines().mid(opening)).join(QLatin1Char('\n')) +
-                       QStringLiteral("\nOutput: ") + m_session + QLatin1Char('\n')));
+                       "\nOutput: "_s + m_session + QLatin1Char('\n')));
         QTRY_COMPARE(part<QLabel>(window, "previewMeta")->text(),
-                     QStringLiteral("Source: LASCO C2   |   Actual: 2024-05-01 06:09:10 UTC\n"
-                                    "Requested: 2024-05-01 06:09:15 UTC   |   Delta: -5 s"));
+                     "Source: LASCO C2   |   Actual: 2024-05-01 06:09:10 UTC\n"
+                     "Requested: 2024-05-01 06:09:15 UTC   |   Delta: -5 s"_s);
     }
 
     void choicesAreStored()
@@ -236,23 +235,21 @@ private slots:
             QCOMPARE(WindowFixture::userSettings().value(QLatin1String(choice.key)), choice.value);
             QCOMPARE(valueOf(window, choice.widget), choice.value);
         }
-        QCOMPARE(WindowFixture::userSettings().value(QStringLiteral("sources/selectedIds")),
-                 QStringList({QStringLiteral("2003"), QStringLiteral("10"), QStringLiteral("1"),
-                              QStringLiteral("4")}));
-        QCOMPARE(WindowFixture::userSettings().value(QStringLiteral("sources/currentId")), 1);
+        QCOMPARE(WindowFixture::userSettings().value("sources/selectedIds"_s),
+                 QStringList({"2003"_s, "10"_s, "1"_s, "4"_s}));
+        QCOMPARE(WindowFixture::userSettings().value("sources/currentId"_s), 1);
     }
 
     void framesAreAsServedAndAnnotated()
     {
         for (const Row &row : framesIn(QString())) {
-            const QByteArray served = ask(
-                QStringLiteral("/downloadImage/?type=png&width=%1&id=%2")
-                    .arg(QString::number(widthPx), row.answer[QStringLiteral("id")].toString()));
+            const QByteArray served = ask("/downloadImage/?type=png&width=%1&id=%2"_s.arg(
+                QString::number(widthPx), row.answer["id"_s].toString()));
             QFile original(sessionFile(row.file));
             QVERIFY(original.open(QIODevice::ReadOnly));
             QCOMPARE(original.readAll(), served);
-            const QImage copy(sessionFile(
-                QString(row.file).replace(QLatin1Char('/'), QStringLiteral("/video_frames/"))));
+            const QImage copy(
+                sessionFile(QString(row.file).replace(QLatin1Char('/'), "/video_frames/"_s)));
             const auto annotated = [&](const QDateTime &utc) {
                 QImage image = QImage::fromData(served).convertToFormat(copy.format());
                 drawFrameAnnotations(image, utc, row.nickname, true, false, true, row.kmPerPixel());
@@ -279,8 +276,7 @@ private slots:
                     QCOMPARE(source.frames[i].metadata[QLatin1String(key)].toDouble(),
                              rows[i].number(key));
             }
-            QCOMPARE(shapeOf(source.folder + QLatin1Char('/') + source.archiveName +
-                             QStringLiteral(".mp4")),
+            QCOMPARE(shapeOf(source.folder + QLatin1Char('/') + source.archiveName + ".mp4"_s),
                      QString::asprintf("256,192,7/1,%d", rows.size()));
         }
     }
@@ -288,15 +284,14 @@ private slots:
     /// One scale is not in the ledger and has to be asked for.
     void regionFilmsShowTheSession()
     {
-        QFile manifest(sessionFile(QStringLiteral("manifest.csv")));
+        QFile manifest(sessionFile("manifest.csv"_s));
         QByteArray rows = textOf(manifest.fileName()).toUtf8();
         QCOMPARE(rows.count(",1320,"), 3); // the solar radius in SUVI's pixels
         QVERIFY(manifest.open(QIODevice::WriteOnly) &&
                 manifest.write(rows.replace(",1320,", ",,")) == rows.size());
         manifest.close();
         const QRectF pixels(64 / 256.0, 24 / 192.0, 160 / 256.0, 96 / 192.0);
-        QVERIFY(RoiSet::save({{QStringLiteral("Flare / west"), pixels, true, 90},
-                              {QStringLiteral("b"), pixels, false, 0}},
+        QVERIFY(RoiSet::save({{"Flare / west"_s, pixels, true, 90}, {"b"_s, pixels, false, 0}},
                              m_session));
         QVERIFY(QFile::remove(m_journal));
 
@@ -309,13 +304,13 @@ private slots:
 
         for (const char *source : {"GOES-R_SUVI_195", "AIA_171", "EIT_195", "LASCO_C2"})
             expectFilm(QLatin1String(source), "01_Flare_west", "96,160,4/1", 90, Overlays::Scale);
-        expectFilm(QStringLiteral("EIT_195"), "02_b", "160,96,5/1", 0, Overlays::StampAndLabel);
+        expectFilm("EIT_195"_s, "02_b", "160,96,5/1", 0, Overlays::StampAndLabel);
     }
 
     /// With the first run there are four, in which no two of five choices are always alike.
     void eachChoiceOfItsOwn()
     {
-        const QString folder = QStringLiteral("AIA_171_20240501_060007");
+        const QString folder = "AIA_171_20240501_060007"_s;
         using Texts = std::array<const char *, 3>;
         for (const auto &[off, flags, files] :
              {Texts{"keepFramesCheck", "10011", ".mp4"},
@@ -324,7 +319,7 @@ private slots:
             MainWindow window;
             window.show();
             part<QPushButton>(window, "clearButton")->click();
-            WindowFixture::clickLeaf(window, QStringLiteral("AIA 171"));
+            WindowFixture::clickLeaf(window, "AIA 171"_s);
             choose(window, "endEdit", sixOClock(7));
             choose(window, "scaleOverlayCheck", false);
             choose(window, "sourceOverlayCheck", true);
@@ -353,23 +348,21 @@ private:
     void noteCallsOf(const char *program, const QString &caller) const
     {
         const QString name = QLatin1String(program);
-        const QString commands =
-            QStringLiteral("echo \"%1 $*\" >>'%2'\nexec '%3' \"$@\"")
-                .arg(caller, m_journal, TestFolder::path(QStringLiteral("bin/") + name));
-        TestFolder::setKey(
-            QStringLiteral("paths/") + name,
-            TestFolder::writeScript(QStringLiteral("noted-") + name, commands.toUtf8()));
+        const QString commands = "echo \"%1 $*\" >>'%2'\nexec '%3' \"$@\""_s.arg(
+            caller, m_journal, TestFolder::path("bin/"_s + name));
+        TestFolder::setKey("paths/"_s + name,
+                           TestFolder::writeScript("noted-"_s + name, commands.toUtf8()));
     }
 
     /// What the service answers when it is asked by other means than the program's.
     QByteArray ask(const QString &question) const
     {
-        return outputOf(QStringLiteral("curl -sS"), m_server.baseUrl() + question);
+        return outputOf("curl -sS"_s, m_server.baseUrl() + question);
     }
 
     static QString expected(const char *name)
     {
-        return textOf(QFINDTESTDATA(QStringLiteral("wholerun/") + QLatin1String(name)));
+        return textOf(QFINDTESTDATA("wholerun/"_s + QLatin1String(name)));
     }
 
     void readExpectedRows()
@@ -378,8 +371,8 @@ private:
             expected("manifest.csv").remove(QLatin1Char('"')).split(QLatin1Char('\n'));
         for (int i = 1; i + 1 < lines.size(); ++i) {
             const QStringList fields = lines.at(i).split(QLatin1Char(','));
-            const QByteArray answer = ask(QStringLiteral("/getClosestImage/?date=%1&sourceId=%2")
-                                              .arg(fields.at(3), fields.at(0)));
+            const QByteArray answer =
+                ask("/getClosestImage/?date=%1&sourceId=%2"_s.arg(fields.at(3), fields.at(0)));
             m_rows.append({fields.at(1), QDateTime::fromString(fields.at(3), Qt::ISODate),
                            QDateTime::fromString(fields.at(4), Qt::ISODate), fields.at(8),
                            QJsonDocument::fromJson(answer).object()});
@@ -400,32 +393,28 @@ private:
 
     static QJsonObject descriptorIn(const QString &session)
     {
-        return JsonFile::load(session + QStringLiteral("/session.json")).value_or(QJsonObject());
+        return JsonFile::load(session + "/session.json"_s).value_or(QJsonObject());
     }
 
-    QString completedUtc() const
-    {
-        return descriptorIn(m_session)[QStringLiteral("completedUtc")].toString();
-    }
+    QString completedUtc() const { return descriptorIn(m_session)["completedUtc"_s].toString(); }
 
     /// @p text with names in the place of what differs from run to run.
     QString named(QString text) const
     {
         static const QRegularExpression chatter(
-            QStringLiteral("(?<=\\.mp4\n)(?!Video|FFMPEG).*?(?=Video completed|FFMPEG ERROR)"),
+            "(?<=\\.mp4\n)(?!Video|FFMPEG).*?(?=Video completed|FFMPEG ERROR)"_s,
             QRegularExpression::DotMatchesEverythingOption);
         text.remove(chatter)
-            .replace(m_session, QStringLiteral("SESSION"))
-            .replace(m_server.baseUrl(), QStringLiteral("API"))
-            .replace(completedUtc(), QStringLiteral("NOW"));
+            .replace(m_session, "SESSION"_s)
+            .replace(m_server.baseUrl(), "API"_s)
+            .replace(completedUtc(), "NOW"_s);
         for (const Row &row : m_rows) {
             QStringList geometry;
             for (const char *key : geometryKeys)
                 geometry += QString::number(row.number(key), 'g', 15);
-            text.replace(geometry.join(QLatin1Char(',')),
-                         QStringLiteral("geometry of ") + row.nickname);
-            text.replace(row.answer[QStringLiteral("id")].toString(),
-                         row.nickname + row.actualUtc.toString(QStringLiteral("@HH:mm:ss")));
+            text.replace(geometry.join(QLatin1Char(',')), "geometry of "_s + row.nickname);
+            text.replace(row.answer["id"_s].toString(),
+                         row.nickname + row.actualUtc.toString("@HH:mm:ss"_s));
         }
         return text;
     }
@@ -454,14 +443,14 @@ private:
         QCOMPARE(valueOf(*dialog, "crfSpin"), 29);
         QCOMPARE(valueOf(*dialog, "sourceOverlayCheck"), false);
         QCOMPARE(valueOf(*dialog, "scaleOverlayCheck"), true);
-        film(QStringLiteral("fpsSpin=4 crfSpin=2 timestampCheck=false introCheck=true "
-                            "zoomDurationSpin=0.5 allSourcesCheck=true"));
+        film("fpsSpin=4 crfSpin=2 timestampCheck=false introCheck=true "
+             "zoomDurationSpin=0.5 allSourcesCheck=true"_s);
         part<QComboBox>(*dialog, "sourceCombo")->setCurrentIndex(2);
         part<QListWidget>(*dialog, "roiList")->item(0)->setCheckState(Qt::Unchecked);
         part<QListWidget>(*dialog, "roiList")->item(1)->setCheckState(Qt::Checked);
-        film(QStringLiteral("fpsSpin=5 crfSpin=3 timestampCheck=true introCheck=false "
-                            "sourceOverlayCheck=true scaleOverlayCheck=false "
-                            "allSourcesCheck=false"));
+        film("fpsSpin=5 crfSpin=3 timestampCheck=true introCheck=false "
+             "sourceOverlayCheck=true scaleOverlayCheck=false "
+             "allSourcesCheck=false"_s);
         part<QPushButton>(*dialog, "closeButton")->click();
     }
 
@@ -488,27 +477,23 @@ private:
             }
             pictures += cut;
         }
-        const QString film =
-            sessionFile(QStringLiteral("%1_20240501_060007/%1_20240501_060007__ROI_%2.mp4")
-                            .arg(source, QLatin1String(region)));
-        QCOMPARE(shapeOf(film),
-                 QStringLiteral("%1,%2").arg(QLatin1String(shape)).arg(pictures.size()));
-        const QString strip = m_output.filePath(QStringLiteral("strip.png")); // one below the other
-        outputOf(
-            QStringLiteral("ffmpeg -v error -y -i %1 -vf tile=1x%2").arg(film).arg(pictures.size()),
-            strip);
+        const QString film = sessionFile("%1_20240501_060007/%1_20240501_060007__ROI_%2.mp4"_s.arg(
+            source, QLatin1String(region)));
+        QCOMPARE(shapeOf(film), "%1,%2"_s.arg(QLatin1String(shape)).arg(pictures.size()));
+        const QString strip = m_output.filePath("strip.png"_s); // one below the other
+        outputOf("ffmpeg -v error -y -i %1 -vf tile=1x%2"_s.arg(film).arg(pictures.size()), strip);
         const QSize size = pictures.constFirst().size();
         for (int i = 0; i < pictures.size(); ++i) {
             const QRect place(QPoint(0, i * size.height()), size);
             const int found = difference(QImage(strip).copy(place), pictures.at(i));
             QVERIFY2(found < 16, // a stamp that is a second off makes 25
-                     qPrintable(QStringLiteral("%1, picture %2: %3").arg(film).arg(i).arg(found)));
+                     qPrintable("%1, picture %2: %3"_s.arg(film).arg(i).arg(found)));
         }
     }
 
     Simulator::Server m_server{archive()};
     QTemporaryDir m_output;
-    QString m_journal = m_output.filePath(QStringLiteral("calls"));
+    QString m_journal = m_output.filePath("calls"_s);
     QString m_session;
     QVector<Row> m_rows;
 };

@@ -1,3 +1,4 @@
+#include "tests/support/literals.h"
 #include "ui/catalogtree.h"
 #include "ui/logview.h"
 #include "ui/outputsearch.h"
@@ -33,9 +34,8 @@ constexpr char strangeIds[] =
 
 CatalogSource source(const QByteArray &entry)
 {
-    return {{10, QStringLiteral("<b>%2</b>"), QStringLiteral("SDO/A&A")},
-            QJsonDocument::fromJson(entry).object(),
-            std::nullopt};
+    return {
+        {10, "<b>%2</b>"_s, "SDO/A&A"_s}, QJsonDocument::fromJson(entry).object(), std::nullopt};
 }
 
 QString page(const CatalogSource &described)
@@ -90,9 +90,9 @@ private slots:
         for (QTreeWidgetItemIterator it(m_tree.get()); *it != nullptr; ++it)
             texts.append((*it)->text(0));
         QCOMPARE(texts.join(QLatin1Char('|')),
-                 QStringLiteral("Empty|SDO|AIA|AIA 1600   [sourceId 15]|AIA 171   [sourceId 10]|"
-                                "AIA 94   [sourceId 8]|HMI|HMI Mag   [sourceId 19]|"
-                                "Zero   [sourceId 0]"));
+                 "Empty|SDO|AIA|AIA 1600   [sourceId 15]|AIA 171   [sourceId 10]|"
+                 "AIA 94   [sourceId 8]|HMI|HMI Mag   [sourceId 19]|"
+                 "Zero   [sourceId 0]"_s);
         const QTreeWidgetItem *group = item("AIA");
         QVERIFY(!CatalogTree::isLeaf(group));
         QVERIFY(!(group->flags() & Qt::ItemIsSelectable));
@@ -151,25 +151,24 @@ private slots:
     {
         for (const char *text : {"warning: x failed", "ERROR x", "plain", "ERROR y"})
             m_log.append(QString::fromLatin1(text));
-        QCOMPARE(m_dock.windowTitle(), QStringLiteral("Log  -  ERR 2 / WARN 1"));
+        QCOMPARE(m_dock.windowTitle(), "Log  -  ERR 2 / WARN 1"_s);
         m_log.clear();
-        QCOMPARE(m_dock.windowTitle(), QStringLiteral("Log  -  ERR 0 / WARN 0"));
+        QCOMPARE(m_dock.windowTitle(), "Log  -  ERR 0 / WARN 0"_s);
         QVERIFY(m_edit.document()->isEmpty());
     }
 
     void anyTextIsOneEntry()
     {
         m_edit.show();
-        for (const QString &text :
-             {QString(), QStringLiteral("a\nb\n\nc"), QStringLiteral("<b>x</b> &amp; %1"),
-              QStringLiteral("太陽 الشمس ☀"), QString(1'000'000, QLatin1Char('x'))}) {
+        for (const QString &text : {QString(), "a\nb\n\nc"_s, "<b>x</b> &amp; %1"_s,
+                                    "太陽 الشمس ☀"_s, QString(1'000'000, QLatin1Char('x'))}) {
             m_log.clear();
             m_log.append(text);
-            m_log.append(QStringLiteral("next"));
+            m_log.append("next"_s);
             const QString shown = m_edit.toPlainText();
             QCOMPARE(shown.mid(11, text.size()), text);
-            QCOMPARE(shown.mid(11 + text.size(), 2), QStringLiteral("\n["));
-            QVERIFY(shown.endsWith(QStringLiteral("] next\n")));
+            QCOMPARE(shown.mid(11 + text.size(), 2), "\n["_s);
+            QVERIFY(shown.endsWith("] next\n"_s));
             QVERIFY(m_edit.textCursor().atEnd());
             QVERIFY(!m_edit.document()->isUndoAvailable());
         }
@@ -179,11 +178,11 @@ private slots:
     {
         const QString described = page(source(
             "{\"uiLabels\": [{\"label\": \"Observatory\", \"name\": \"S<D>O\"}, \"text\"]}"));
-        QVERIFY(described.startsWith(QStringLiteral("<h2>&lt;b&gt;%2&lt;/b&gt;</h2><p><b>Catalog "
-                                                    "path:</b> SDO/A&amp;A<br>")));
-        QVERIFY(described.contains(QStringLiteral(
+        QVERIFY(described.startsWith("<h2>&lt;b&gt;%2&lt;/b&gt;</h2><p><b>Catalog "
+                                     "path:</b> SDO/A&amp;A<br>"_s));
+        QVERIFY(described.contains(
             "</p><table cellspacing='2' cellpadding='2'><tr><td><b>Observatory</b></td>"
-            "<td>S&lt;D&gt;O</td></tr><tr><td><b></b></td><td></td></tr></table><hr>")));
+            "<td>S&lt;D&gt;O</td></tr><tr><td><b></b></td><td></td></tr></table><hr>"_s));
     }
 
     void newestFilesAtAnyDepth()
@@ -197,7 +196,7 @@ private slots:
         create(folder, "c/Session.json", 0);
         QCOMPARE(OutputSearch::newestVideo(folder.path()), film);
         QCOMPARE(OutputSearch::newestSession(folder.path()), QFileInfo(session).path());
-        QCOMPARE(OutputSearch::newestSession(folder.filePath(QStringLiteral("gone"))), QString());
+        QCOMPARE(OutputSearch::newestSession(folder.filePath("gone"_s)), QString());
     }
 
     void frameFillsTheLabelPixelByPixel()
@@ -230,9 +229,9 @@ private slots:
         const qint64 shown = m_label.pixmap(Qt::ReturnByValue).cacheKey();
         QVERIFY(!m_pane.showFrame(QImage()));
         QCOMPARE(m_label.pixmap(Qt::ReturnByValue).cacheKey(), shown);
-        m_pane.clear(QStringLiteral("Waiting"));
+        m_pane.clear("Waiting"_s);
         m_label.resize(500, 500);
-        QCOMPARE(m_label.text(), QStringLiteral("Waiting"));
+        QCOMPARE(m_label.text(), "Waiting"_s);
     }
 
 private:
@@ -259,7 +258,7 @@ private:
     std::unique_ptr<QTreeWidget> m_tree;
     CatalogTree::Selection m_selection;
     QTextEdit m_edit;
-    QDockWidget m_dock{QStringLiteral("Log")};
+    QDockWidget m_dock{"Log"_s};
     LogView m_log{&m_edit, &m_dock};
     QLabel m_label;
     PreviewPane m_pane{&m_label};

@@ -1,5 +1,6 @@
 #include "tests/ui/windowfixture.h"
 
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QAbstractButton>
@@ -11,25 +12,24 @@
 
 QSettings &WindowFixture::userSettings()
 {
-    static QSettings settings(QStringLiteral("Brannock Works"), QStringLiteral("Orvik"));
+    static QSettings settings("Brannock Works"_s, "Orvik"_s);
     settings.sync();
     return settings;
 }
 
 void WindowFixture::reset()
 {
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
-                       TestFolder::path(QStringLiteral("config")));
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, TestFolder::path("config"_s));
     userSettings().clear();
     userSettings().sync();
     TestFolder::clearKeys();
-    QFile::remove(TestFolder::path(QStringLiteral("sys/helioviewer_sources.json")));
+    QFile::remove(TestFolder::path("sys/helioviewer_sources.json"_s));
 }
 
 void WindowFixture::writeCatalog(const QByteArray &json)
 {
-    QDir().mkpath(TestFolder::path(QStringLiteral("sys")));
-    QFile file(TestFolder::path(QStringLiteral("sys/helioviewer_sources.json")));
+    QDir().mkpath(TestFolder::path("sys"_s));
+    QFile file(TestFolder::path("sys/helioviewer_sources.json"_s));
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(json);
 }
@@ -72,7 +72,7 @@ WindowFixture::BoxCloser::BoxCloser()
         auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
         if (box == nullptr)
             return;
-        shown.append(box->windowTitle() + QStringLiteral(": ") + box->text());
+        shown.append(box->windowTitle() + ": "_s + box->text());
         QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
     });
     timer->start(0);
