@@ -110,13 +110,6 @@ private slots:
         QVERIFY(details->toPlainText().contains("requested sampling is 1 min"_s));
         part<QSpinBox>(window, "cadenceSpin")->stepUp();
         QVERIFY(details->toPlainText().contains("not prepared yet"_s));
-
-        part<QDateTimeEdit>(window, "startEdit")
-            ->setDateTime(part<QDateTimeEdit>(window, "endEdit")->dateTime());
-        part<QSpinBox>(window, "fpsSpin")->setValue(50);
-        QCOMPARE(part<QLabel>(window, "estimateLabel")->text(),
-                 "Nominal estimate: 1 frame(s) per datasource  |  video "
-                 "00:00:00.020 @ 50 fps"_s);
     }
 
     void refusedStartSavesSettingsAndKeepsTheLog()

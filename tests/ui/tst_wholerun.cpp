@@ -202,6 +202,8 @@ private slots:
             QCOMPARE(valueOf(window, choices[i].widget) == choices[i].value, i >= unlikeDefault);
             choose(window, choices[i].widget, choices[i].value);
         }
+        QCOMPARE(part<QLabel>(window, "estimateLabel")->text(),
+                 "Nominal estimate: 5 frame(s) per datasource  |  video 00:00:00.714 @ 7 fps"_s);
         for (const char *name : {"LASCO C2", "AIA 171", "GOES-R SUVI 195", "EIT 195"})
             WindowFixture::clickLeaf(window, QLatin1String(name));
         const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);

@@ -1,4 +1,5 @@
 #include "tests/support/literals.h"
+#include "ui/acquisitionestimate.h"
 #include "ui/catalogtree.h"
 #include "ui/logview.h"
 #include "ui/outputsearch.h"
@@ -183,6 +184,16 @@ private slots:
         QVERIFY(described.contains(
             "</p><table cellspacing='2' cellpadding='2'><tr><td><b>Observatory</b></td>"
             "<td>S&lt;D&gt;O</td></tr><tr><td><b></b></td><td></td></tr></table><hr>"_s));
+    }
+
+    void durations()
+    {
+        QString texts;
+        for (const int seconds : {0, 59, 60, 61, 3599, 3600, 3661, 5400})
+            texts += AcquisitionEstimate::formatDuration(seconds) + QLatin1Char('|');
+        QCOMPARE(texts, "n/a|59 s|1 min|1 min 1 s|59 min 59 s|1 h|1 h 1 min|90 min|"_s);
+        QCOMPARE(AcquisitionEstimate::formatVideoDuration(90'061'500, 1000), "25:01:01.500"_s);
+        QCOMPARE(AcquisitionEstimate::formatVideoDuration(0, 25), "--"_s);
     }
 
     void newestFilesAtAnyDepth()
