@@ -32,12 +32,8 @@ private:
     void note(const QString &event);
 };
 
-/**
- * A service with two datasources, and a controller that talks to it through the real curl.
- *
- * AIA 171 (10) has an image at every full minute, SUVI 195 (2003) every two minutes from second 10
- * on.
- */
+/// A service that has an image of aia() at every full minute and of suvi() every two minutes from
+/// second 10 on, and a controller that talks to it through the real curl.
 class AcquisitionRoad : public SessionEvents
 {
 public:

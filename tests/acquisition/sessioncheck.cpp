@@ -30,15 +30,21 @@ QStringList readRow(const QByteArray &line, SessionCheck &check)
     return pictures;
 }
 
-void checkDescriptor(const QString &path, SessionCheck &check)
+void checkDescriptor(const QDir &session, SessionCheck &check)
 {
-    check.descriptor = JsonFile::load(path).value_or(QJsonObject());
+    check.descriptor = JsonFile::load(session.filePath("session.json"_s)).value_or(QJsonObject());
+    int accepted = 0;
     int pictures = 0;
+    bool hasFolders = true;
     const QJsonArray sources = check.descriptor.value(QLatin1String("sources")).toArray();
-    for (const auto &source : sources)
-        pictures += source.toObject().value(QLatin1String("acceptedFrames")).toInt() +
-                    source.toObject().value(QLatin1String("timestampedVideoFrames")).toInt();
-    if (QFile::exists(path) && pictures != check.pictures)
+    for (const auto &source : sources) {
+        accepted += source[QLatin1String("acceptedFrames")].toInt();
+        pictures += source[QLatin1String("timestampedVideoFrames")].toInt();
+        hasFolders &= session.exists(source[QLatin1String("archiveName")].toString());
+    }
+    if (!check.descriptor.isEmpty() &&
+        (!hasFolders || accepted != check.statuses.split(QLatin1Char(' ')).count("OK"_s) ||
+         pictures + accepted != check.pictures))
         check.faults += "session.json does not agree with the manifest"_s;
 }
 
@@ -61,7 +67,7 @@ SessionCheck SessionCheck::of(const QString &sessionDirectory)
                 check.faults += "does not decode: "_s + picture;
         }
     }
-    checkDescriptor(session.filePath(known.at(1)), check);
+    checkDescriptor(session, check);
     QDirIterator files(session.path(), QDir::Files, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         const QString file = session.relativeFilePath(files.next());

@@ -4,9 +4,7 @@
 #include "tests/support/fakeprogram.h"
 #include "tests/support/literals.h"
 
-#include <QDir>
 #include <QImage>
-#include <QJsonArray>
 #include <QtTest>
 
 using Simulator::FaultKind;
@@ -63,13 +61,11 @@ private slots:
         QFETCH(QString, statuses);
         for (const bool destroys : {true, false}) {
             AcquisitionRoad road;
-            for (const auto &[event, operation] :
-                 {std::pair("curl: getJPX", Operation::GetJPX),
-                  std::pair("curl: getClosestImage", Operation::GetClosestImage),
-                  std::pair("curl: downloadImage", Operation::DownloadImage)}) {
-                if (waiting == QLatin1String(event))
-                    road.server.addFault({operation, FaultKind::Hang});
-            }
+            const int operation = QStringList{"curl: getDataSources"_s, "curl: getJPX"_s,
+                                              "curl: getClosestImage"_s, "curl: downloadImage"_s}
+                                      .indexOf(waiting);
+            if (operation > 0)
+                road.server.addFault({Operation(operation), FaultKind::Hang});
             installEncoder(true);
             QVERIFY(road.controller->start(smallSession()));
             QTRY_VERIFY(road.events.last() == waiting && !AcquisitionRoad::children().isEmpty());

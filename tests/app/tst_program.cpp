@@ -4,11 +4,6 @@
 #include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
-#include <QDir>
-#include <QFileInfo>
-#include <QJsonObject>
-#include <QProcess>
-#include <QSettings>
 #include <QtTest>
 
 /// The program itself, in a folder where it never ran before.

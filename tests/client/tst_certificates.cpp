@@ -5,7 +5,6 @@
 #include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
-#include <QThread>
 #include <QtTest>
 
 using Simulator::Transport;

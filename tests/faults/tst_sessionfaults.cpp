@@ -3,13 +3,8 @@
 #include "tests/support/fakeprogram.h"
 #include "tests/support/literals.h"
 
-#include <QDir>
 #include <QGuiApplication>
-#include <QProcess>
-#include <QTextStream>
 #include <QtTest>
-
-#include <optional>
 
 using Simulator::FaultKind;
 using Simulator::Operation;
@@ -32,24 +27,21 @@ int runSession()
     return started ? QCoreApplication::exec() : 1;
 }
 
-const char *const crash = "#!/bin/sh\nkill -SEGV $$\n";
-const char *const noX264 = "#!/bin/sh\necho \"Unknown encoder 'libx264'\"\nexit 1\n";
+const char *const crash = "kill -SEGV $$";
+const char *const noX264 = "echo \"Unknown encoder 'libx264'\"; exit 1";
 
-/// Puts a script in the place of a program, or nothing when it is empty; no script restores it.
-void replaceProgram(const QString &name, const std::optional<QByteArray> &script)
+/// Puts a script in the place of a program, or nothing when it is empty; a null one restores it.
+void replaceProgram(const QString &name, const QByteArray &script)
 {
-    const QString path = TestFolder::path("bin/link-"_s + name);
-    QFile::remove(path);
-    if (!script) {
-        const QString program = TestFolder::path("bin/"_s + name);
-        QVERIFY(QFile::link(QFileInfo(program).symLinkTarget(), path));
-    } else if (!script->isEmpty()) {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(*script) == script->size());
-        if (script->startsWith("#!"))
-            file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
+    const QString link = "bin/link-"_s + name;
+    QFile::remove(TestFolder::path(link));
+    if (script.isNull()) {
+        const QFileInfo program(TestFolder::path("bin/"_s + name));
+        QVERIFY(QFile::link(program.symLinkTarget(), TestFolder::path(link)));
+    } else if (!script.isEmpty()) {
+        TestFolder::writeScript(link, script);
     }
-    TestFolder::setKey("paths/"_s + name, path);
+    TestFolder::setKey("paths/"_s + name, link);
 }
 
 /// A session of three requests to which something happens.
@@ -68,8 +60,8 @@ struct Scene
     void allIsWell()
     {
         TestFolder::leaveRoom();
-        replaceProgram("curl"_s, std::nullopt);
-        replaceProgram("ffmpeg"_s, std::nullopt);
+        replaceProgram("curl"_s, {});
+        replaceProgram("ffmpeg"_s, {});
         if (std::exchange(serviceIsDown, false))
             QVERIFY(road.server.start(nullptr, port));
     }
@@ -216,12 +208,10 @@ private slots:
         looking("lookup: just in time", FaultKind::StaleDate, -40, 1, "delta -30 s", allOk);
         looking("lookup: a second too early", FaultKind::StaleDate, -41, 1, "delta -31 s",
                 "REJECTED_TIME OK OK");
-        looking("lookup: no solar radius", FaultKind::NoRsun, 0, 1, film, allOk);
         const auto loading = [&](const char *name, FaultKind kind, int value, int count,
                                  const char *line, const char *statuses) {
             answer(name, Operation::DownloadImage, kind, value, count, statuses, line);
         };
-        loading("picture: server error once", FaultKind::Status, 502, 1, film, allOk);
         loading("picture: reset", FaultKind::ResetInBody, 0, 1, "[downloadImage]: curl: (56)",
                 "DOWNLOAD_ERROR OK OK");
         loading("picture: nothing", FaultKind::EmptyBody, 0, 1, "file is missing or empty.",
@@ -231,8 +221,6 @@ private slots:
         loading("picture: half of it twice", FaultKind::TruncatedPng, 0, 2, "retry 2/2", allOk);
         loading("picture: black", FaultKind::BlackBlock, 0, 1, "SUVI: possible blank", allOk);
         // Programs.
-        row("no curl for the probe", "[state] Analyzing", 1, programIs("curl", ""), allOk,
-            "WARNING preflight SUVI: curl.exe not found: ", film);
         row("no curl", lookup, 2, programIs("curl", ""), noLookup, "curl.exe not found: ", film);
         row("curl crashes", load, 2, programIs("curl", crash), noLoad, "]: Process crashed", film);
         row("ffmpeg without libx264", encode, 1, programIs("ffmpeg", noX264), allOk,
@@ -332,10 +320,11 @@ private slots:
         TestFolder::setKey("paths/ffmpeg"_s, ffmpeg);
         AcquisitionSettings settings =
             AcquisitionRoad::settings(30, {AcquisitionRoad::aia(), AcquisitionRoad::suvi()});
+        settings.sources[1].nickname = "Aia 171"_s; // for some disks the same name
         settings.keepFrames = false;
         QVERIFY(road.run(settings));
         QCOMPARE(road.count("FFMPEG ERROR for AIA 171 (exit code 3). Frames are preserved."), 1);
-        QCOMPARE(road.count("Video completed: GOES-R SUVI 195"), 1);
+        QCOMPARE(road.count("Video completed: Aia 171"), 1);
         const SessionCheck check = SessionCheck::of(road.sessionDirectory);
         QCOMPARE(check.faults, QStringList());
         QCOMPARE(check.pictures, 4);
@@ -344,11 +333,15 @@ private slots:
     void killed_data()
     {
         QTest::addColumn<int>("occurrence"); // of a line of the log that begins so
-        for (const auto &[line, occurrence] :
-             {std::pair("Session: ", 1), std::pair("curl: ", 1), std::pair("curl: ", 4),
-              std::pair("curl: ", 5), std::pair("OK ", 1), std::pair("OK ", 4),
-              std::pair("Summary ", 1), std::pair("ffmpeg: ", 2), std::pair(lastLine, 1)})
+        const auto row = [](const char *line, int occurrence) {
             QTest::addRow("%s, %d", line, occurrence) << occurrence;
+        };
+        for (const char *line : {"Session: ", "curl: ", "OK ", "Summary ", "ffmpeg: ", lastLine})
+            row(line, 1);
+        row("curl: ", 4); // a lookup
+        row("curl: ", 5); // a download
+        row("OK ", 4);
+        row("ffmpeg: ", 2);
     }
 
     /// What a killed program has said to have is there, and whole.

@@ -9,9 +9,7 @@
 
 #include <QBitmap>
 #include <QImage>
-#include <QJsonObject>
 #include <QPainter>
-#include <QRandomGenerator>
 #include <QtTest>
 
 #include <limits>
@@ -120,20 +118,13 @@ private slots:
         QTEST(detectBlankRendererBlock(image, disk({4096, 4096}, 1600)), "expected");
     }
 
-    /// Whatever format a picture is decoded to, the answer is that for its ARGB32 form.
-    void coloursAndFormats()
+    void blankIsBlackOrClear()
     {
         for (const QRgb colour : {0xff010101U, 0xff020000U, 0x01ff80ffU, 0x02ff80ffU}) {
-            const bool blank = colour == 0xff010101U || colour == 0x01ff80ffU;
             QImage image = grey({512, 512});
             fill(image, {64, 192, 64, 64}, colour);
-            QCOMPARE(!detectBlankRendererBlock(image, disk({512, 512}, 250)).isEmpty(), blank);
-            for (const auto format : {QImage::Format_RGB32, QImage::Format_RGBA8888}) {
-                const QImage other = image.convertToFormat(format);
-                const QImage argb = other.convertToFormat(QImage::Format_ARGB32);
-                QCOMPARE(detectBlankRendererBlock(other, disk({512, 512}, 250)),
-                         detectBlankRendererBlock(argb, disk({512, 512}, 250)));
-            }
+            QCOMPARE(!detectBlankRendererBlock(image, disk({512, 512}, 250)).isEmpty(),
+                     colour == 0xff010101U || colour == 0x01ff80ffU);
         }
     }
 

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <QByteArray>
 #include <QMap>
 #include <QMetaType>
-#include <QString>
 #include <QStringList>
 #include <QVector>
 
@@ -15,20 +13,15 @@
  */
 namespace FakeProgram {
 
-/**
- * What one run does, in this order: prints, writes files, ends.
- *
- * The key in @c files is a path, "$-o" for the argument after "-o", or "$last" for the last
- * argument; the value is the whole content.
- */
+/// What one run does, in this order: prints, writes files, ends.
 struct Reply
 {
     int exitCode = 0;
     QByteArray standardOutput;
     QByteArray standardError;
-    QMap<QString, QByteArray> files;
-    bool hang = false;  ///< does not end until killed (gives up after two minutes)
-    bool crash = false; ///< ends by a signal
+    QMap<QString, QByteArray> files; ///< by path, or by "$last" or "$-o": the argument after "-o"
+    bool hang = false;               ///< does not end until killed (gives up after two minutes)
+    bool crash = false;              ///< ends by a signal
 };
 
 /// How one run was called.
@@ -38,10 +31,7 @@ struct Run
     qint64 processId = 0;
 };
 
-/**
- * Puts the program at @p path, without script and journal; a relative path is taken against the
- * application directory. Returns the absolute path.
- */
+/// Puts the program into the application folder, without script and journal; its absolute path.
 QString install(const QString &path);
 
 /// One reply for each run, counted from the installation; the last one repeats.

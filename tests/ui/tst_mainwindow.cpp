@@ -11,9 +11,7 @@
 #include <QCheckBox>
 #include <QDateTimeEdit>
 #include <QDesktopServices>
-#include <QDir>
 #include <QDockWidget>
-#include <QJsonObject>
 #include <QLabel>
 #include <QPushButton>
 #include <QSpinBox>
@@ -41,18 +39,6 @@ const QString nowhere = "http://127.0.0.1:9/<i>"_s; // markup in an error's text
 
 constexpr int stopping = 0;
 constexpr int closing = -1;
-
-/// The focusable parts below @p interface that a screen reader could not name.
-QStringList nameless(QAccessibleInterface *interface)
-{
-    QStringList found;
-    const QAccessible::State state = interface->state();
-    if (state.focusable && !state.invisible && interface->text(QAccessible::Name).isEmpty())
-        found += interface->object() ? interface->object()->objectName() : QString();
-    for (int i = 0; i < interface->childCount(); ++i)
-        found += nameless(interface->child(i));
-    return found;
-}
 
 /// What of all that a run locks or frees can be used now.
 QStringList enabledParts(const MainWindow &window)
@@ -88,15 +74,18 @@ private slots:
         WindowFixture::writeCatalog(catalog);
     }
 
+    /// A screen reader says it; Qt's own parts of parts have their whole's.
     void everyInteractivePartHasAName()
     {
-        MainWindow window;
-        window.show();
-        auto *tabs = window.findChild<QTabWidget *>();
-        for (int tab = 0; tab < tabs->count(); ++tab) {
-            tabs->setCurrentIndex(tab);
-            QCOMPARE(nameless(QAccessible::queryAccessibleInterface(&window)), QStringList());
+        const MainWindow window;
+        QString nameless;
+        for (QWidget *part : window.findChildren<QWidget *>()) {
+            QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(part);
+            if (accessible->state().focusable && accessible->text(QAccessible::Name).isEmpty() &&
+                !part->objectName().startsWith("qt_"_s))
+                nameless += part->objectName() + QLatin1Char(' ');
         }
+        QCOMPARE(nameless, QString());
     }
 
     void detailsFollowCurrentAndSampling()

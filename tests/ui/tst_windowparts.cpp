@@ -7,8 +7,6 @@
 #include "ui/sourcedetails.h"
 
 #include <QDockWidget>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QLabel>
 #include <QPainter>
 #include <QTextEdit>
@@ -137,15 +135,12 @@ private slots:
 
     void strangeCatalogs()
     {
-        const QByteArray deep = QByteArray("{\"a\":").repeated(900) + "{\"sourceId\":1}" +
-                                QByteArray("}").repeated(900);
-        m_selection = {{0, 1}, -1};
+        m_selection = {{0}, -1};
         fill(strangeIds);
         QCOMPARE(tickedIds().size(), 3);
-        m_tree->clear();
-        m_selection = {{0, 1}, -1};
-        fill(deep);
-        QCOMPARE(tickedIds().size(), 1);
+        fill(QByteArray("{\"a\":").repeated(900) + "{\"sourceId\":1}" +
+             QByteArray("}").repeated(900));
+        QCOMPARE(CatalogTree::tickedSources(m_tree.get()).size(), 0);
     }
 
     void titleCountsUntilCleared()
