@@ -36,9 +36,9 @@ QImage FrameDecoder::decode(const QString &file)
     QFile device(file);
     if (!RegularFile::open(device))
         return {};
-    QImageReader reader(&device, "png");
-    reader.setAutoDetectImageFormat(false);
-    if (!isWithinLimits(reader))
+    QImageReader reader(&device);
+    reader.setDecideFormatFromContent(true);
+    if (reader.format() != "png" || !isWithinLimits(reader))
         return {};
     QImage image = reader.read();
     const bool alpha = image.hasAlphaChannel();
