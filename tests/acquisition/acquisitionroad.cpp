@@ -1,6 +1,5 @@
 #include "tests/acquisition/acquisitionroad.h"
 
-#include "simulator/archive/archive.h"
 #include "tests/support/literals.h"
 
 #include <QtTest>
@@ -9,23 +8,11 @@ namespace {
 
 using Controller = AcquisitionController;
 
-Simulator::ArchiveSource regular(const DataSource &source, const char *start, int spacingSeconds)
-{
-    Simulator::ArchiveSource made;
-    made.path = source.path;
-    made.nickname = source.nickname;
-    made.sourceId = source.sourceId;
-    made.start = QLatin1String(start);
-    made.end = "2024-05-02 00:00:00"_s;
-    made.spacingSeconds = spacingSeconds;
-    return made;
-}
-
 std::shared_ptr<const Simulator::Archive> archive()
 {
     return std::make_shared<const Simulator::Archive>(QVector<Simulator::ArchiveSource>{
-        regular(AcquisitionRoad::aia(), "2024-05-01 00:00:00", 60),
-        regular(AcquisitionRoad::suvi(), "2024-05-01 00:00:10", 120)});
+        AcquisitionRoad::regular(AcquisitionRoad::aia(), "2024-05-01 00:00:00", 60),
+        AcquisitionRoad::regular(AcquisitionRoad::suvi(), "2024-05-01 00:00:10", 120)});
 }
 
 QString withoutQuery(const QString &line)
@@ -89,6 +76,19 @@ AcquisitionRoad::AcquisitionRoad() : server(archive()), controller(new Acquisiti
         qFatal("cannot start the service");
     TestFolder::setKey("network/apiBase"_s, server.baseUrl());
     listenTo(controller.get());
+}
+
+Simulator::ArchiveSource AcquisitionRoad::regular(const DataSource &source, const char *start,
+                                                  int spacingSeconds)
+{
+    Simulator::ArchiveSource made;
+    made.path = source.path;
+    made.nickname = source.nickname;
+    made.sourceId = source.sourceId;
+    made.start = QLatin1String(start);
+    made.end = "2024-05-02 00:00:00"_s;
+    made.spacingSeconds = spacingSeconds;
+    return made;
 }
 
 DataSource AcquisitionRoad::aia()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "acquisition/acquisitioncontroller.h"
+#include "simulator/archive/archive.h"
 #include "simulator/service/server.h"
 #include "tests/support/testfolder.h"
 
@@ -41,6 +42,10 @@ public:
 
     static DataSource aia();
     static DataSource suvi();
+
+    /// With an image every @p spacingSeconds from @p start to 2024-05-02.
+    static Simulator::ArchiveSource regular(const DataSource &source, const char *start,
+                                            int spacingSeconds);
 
     /// Seconds from 2024-05-01T00:00:00Z on, one request a minute, 256 px wide.
     static AcquisitionSettings settings(int seconds, const QVector<DataSource> &sources);

@@ -4,7 +4,6 @@
 #include "tests/support/fakeprogram.h"
 #include "tests/support/literals.h"
 
-#include <QImage>
 #include <QtTest>
 
 using Simulator::FaultKind;

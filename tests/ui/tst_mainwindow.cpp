@@ -15,7 +15,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSpinBox>
-#include <QTabWidget>
 #include <QTextBrowser>
 #include <QTreeWidget>
 #include <QtTest>

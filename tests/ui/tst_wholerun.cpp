@@ -2,7 +2,6 @@
 #include "imaging/frameannotation.h"
 #include "roi/roisession.h"
 #include "roi/roiset.h"
-#include "simulator/archive/archive.h"
 #include "tests/acquisition/acquisitionroad.h"
 #include "tests/support/literals.h"
 #include "tests/ui/windowfixture.h"
@@ -70,16 +69,10 @@ void choose(const QWidget &window, const char *widget, const QVariant &value)
 }
 
 /// An image every @p spacingSeconds, of a shape and a scale that no other datasource has.
-ArchiveSource source(int sourceId, const char *nickname, const char *path, int spacingSeconds,
+ArchiveSource source(const DataSource &named, int spacingSeconds,
                      const char *start = "2010-06-02 00:00:00")
 {
-    ArchiveSource made;
-    made.sourceId = sourceId;
-    made.nickname = QLatin1String(nickname);
-    made.path = QLatin1String(path);
-    made.start = QLatin1String(start);
-    made.end = "2024-05-02 00:00:00"_s;
-    made.spacingSeconds = spacingSeconds;
+    ArchiveSource made = AcquisitionRoad::regular(named, start, spacingSeconds);
     made.widthPx = 4096 - 32 * spacingSeconds / 10;
     made.heightPx = made.widthPx * 3 / 4;
     made.rsunPx = 600 + 3 * spacingSeconds;
@@ -91,11 +84,11 @@ ArchiveSource source(int sourceId, const char *nickname, const char *path, int s
 std::shared_ptr<const Simulator::Archive> archive()
 {
     return std::make_shared<const Simulator::Archive>(QVector<ArchiveSource>{
-        source(10, "AIA 171", "SDO/AIA/171", 400),              // asked too often
-        source(19, "HMI Mag", "SDO/HMI/magnetogram", 45),       // not ticked
-        source(1, "EIT 195", "SOHO/EIT/195", 30),               // its probe fails
-        source(4, "LASCO C2", "SOHO/LASCO/C2/white-light", 50), // at times too far off
-        source(2003, "GOES-R SUVI 195", "GOES/SUVI/195", 240, "2010-06-02 00:00:41")}); // sparse
+        source({10, "AIA 171"_s, "SDO/AIA/171"_s}, 400),              // asked too often
+        source({19, "HMI Mag"_s, "SDO/HMI/magnetogram"_s}, 45),       // not ticked
+        source({1, "EIT 195"_s, "SOHO/EIT/195"_s}, 30),               // its probe fails
+        source({4, "LASCO C2"_s, "SOHO/LASCO/C2/white-light"_s}, 50), // at times too far off
+        source({2003, "GOES-R SUVI 195"_s, "GOES/SUVI/195"_s}, 240, "2010-06-02 00:00:41")});
 }
 
 QString textOf(const QString &path)
