@@ -91,16 +91,6 @@ Simulator::ArchiveSource AcquisitionRoad::regular(const DataSource &source, cons
     return made;
 }
 
-DataSource AcquisitionRoad::aia()
-{
-    return {10, "AIA 171"_s, "SDO/AIA/171"_s};
-}
-
-DataSource AcquisitionRoad::suvi()
-{
-    return {2003, "GOES-R SUVI 195"_s, "GOES/SUVI/195"_s};
-}
-
 AcquisitionSettings AcquisitionRoad::settings(int seconds, const QVector<DataSource> &sources)
 {
     AcquisitionSettings settings;

@@ -3,6 +3,7 @@
 #include "acquisition/acquisitioncontroller.h"
 #include "simulator/archive/archive.h"
 #include "simulator/service/server.h"
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QStringList>
@@ -40,8 +41,8 @@ class AcquisitionRoad : public SessionEvents
 public:
     AcquisitionRoad();
 
-    static DataSource aia();
-    static DataSource suvi();
+    static DataSource aia() { return {10, "AIA 171"_s, "SDO/AIA/171"_s}; }
+    static DataSource suvi() { return {2003, "GOES-R SUVI 195"_s, "GOES/SUVI/195"_s}; }
 
     /// With an image every @p spacingSeconds from @p start to 2024-05-02.
     static Simulator::ArchiveSource regular(const DataSource &source, const char *start,

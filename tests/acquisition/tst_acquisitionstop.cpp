@@ -11,14 +11,12 @@ using Simulator::Operation;
 
 namespace {
 
-void installEncoder(bool endless)
+void replaceEncoder(bool endless)
 {
     FakeProgram::Reply reply;
     reply.hang = endless;
     reply.standardOutput = "encoding\n";
-    const QString ffmpeg = FakeProgram::install("bin/fake-ffmpeg"_s);
-    FakeProgram::setScript(ffmpeg, {reply});
-    TestFolder::setKey("paths/ffmpeg"_s, ffmpeg);
+    FakeProgram::replace("ffmpeg"_s, {reply});
 }
 
 /// AIA is sampled directly, SUVI after a probe; one image each.
@@ -65,7 +63,7 @@ private slots:
                                       .indexOf(waiting);
             if (operation > 0)
                 road.server.addFault({Operation(operation), FaultKind::Hang});
-            installEncoder(true);
+            replaceEncoder(true);
             QVERIFY(road.controller->start(smallSession()));
             QTRY_VERIFY(road.events.last() == waiting && !AcquisitionRoad::children().isEmpty());
             const int before = road.logLines().size();
@@ -131,7 +129,7 @@ private slots:
     void stopFromInsideASlot()
     {
         AcquisitionRoad road;
-        installEncoder(false);
+        replaceEncoder(false);
         AcquisitionSettings settings = smallSession();
         settings.keepFrames = false;
         bool tooLate = false; // the session ended by itself

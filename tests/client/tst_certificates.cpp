@@ -19,13 +19,6 @@ FakeProgram::Reply badCertificate()
     return reply;
 }
 
-/// A child that nobody has waited for yet is a zombie: "Z" behind its name.
-bool hasEnded(qint64 processId)
-{
-    QFile status("/proc/%1/stat"_s.arg(processId));
-    return status.open(QIODevice::ReadOnly) && status.readAll().contains(") Z ");
-}
-
 } // namespace
 
 /// Whom the real curl trusts, and the switch to unverified HTTPS. That lasts for the whole run: no
@@ -50,12 +43,15 @@ private slots:
 
     void noSwitchWhileCanceling()
     {
-        const QString curl = installCurl({badCertificate(), {}});
+        const QString curl = FakeProgram::replace("curl"_s, {badCertificate(), {}});
         HelioviewerClient client;
         QSignalSpy errors(&client, &HelioviewerClient::requestError);
         client.getDataSources();
-        while (!hasEnded(FakeProgram::runs(curl).value(0).processId))
-            QThread::msleep(1); // without events: the client must not notice its end before
+        QByteArray state; // without events: the client must not notice its end before
+        while (!state.contains(") Z ")) { // a zombie: nobody has waited for it
+            QFile file("/proc/%1/stat"_s.arg(FakeProgram::runs(curl).value(0).processId));
+            state = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        }
         client.cancel();
         QCOMPARE(errors.size(), 1);
         QVERIFY(!client.isBusy());
@@ -66,7 +62,7 @@ private slots:
     {
         FakeProgram::Reply partial = badCertificate();
         partial.files.insert("$-o"_s, "half");
-        const QString curl = installCurl({partial, {}, badCertificate()});
+        const QString curl = FakeProgram::replace("curl"_s, {partial, {}, badCertificate()});
         HelioviewerClient first;
         HelioviewerClient second;
         QSignalSpy firstLog(&first, &HelioviewerClient::logMessage);
@@ -103,14 +99,6 @@ private slots:
     void switchIsOn() { QCOMPARE(answerOf(Transport::HttpsSelfSigned, false), QString()); }
 
 private:
-    static QString installCurl(const QVector<FakeProgram::Reply> &replies)
-    {
-        const QString curl = FakeProgram::install("bin/fake-curl"_s);
-        FakeProgram::setScript(curl, replies);
-        TestFolder::setKey("paths/curl"_s, curl);
-        return curl;
-    }
-
     /// The beginning of the error that the real curl has with a service; empty without one.
     static QString answerOf(Transport transport, bool bundle)
     {

@@ -62,15 +62,11 @@ struct Scene
         TestFolder::leaveRoom();
         replaceProgram("curl"_s, {});
         replaceProgram("ffmpeg"_s, {});
-        if (std::exchange(serviceIsDown, false))
-            QVERIFY(road.server.start(nullptr, port));
     }
 
     QString folder() const { return session + "/SUVI_20240501_000000/"_s; }
 
     AcquisitionRoad road;
-    int port = road.server.port();
-    bool serviceIsDown = false;
     AcquisitionSettings settings = AcquisitionRoad::settings(240, {AcquisitionRoad::suvi()});
     QString session;
 };
@@ -106,17 +102,6 @@ Event lastCopyIs(bool there)
     };
 }
 
-void sessionIsRemoved(Scene &scene)
-{
-    QVERIFY(QDir(scene.session).removeRecursively());
-}
-
-void serviceStops(Scene &scene)
-{
-    scene.road.server.stop();
-    scene.serviceIsDown = true;
-}
-
 } // namespace
 
 Q_DECLARE_METATYPE(Event)
@@ -132,32 +117,28 @@ private slots:
 
     void refusedStart()
     {
-        struct Row
-        {
-            int sources, seconds, cadenceSeconds;
-            const char *key, *value, *message;
-        };
-        for (const Row &row :
-             {Row{0, -1, 0, "curl", "none", "Select at least one Helioviewer datasource."},
-              Row{1, -1, 0, "curl", "none", "Invalid UTC time interval."},
-              Row{1, 0, 0, "curl", "none", "Cadence must be greater than zero."},
-              Row{1, 0, 60, "curl", "bin", "./bin/curl.exe was not found."}, // a folder
-              Row{1, 0, 60, "ffmpeg", "none", "./bin/ffmpeg.exe was not found."},
-              Row{1, 0, 60, "output", "sys/orvik.ini/x", "Cannot create output root directory."},
-              Row{1, 0, 60, "output", "/proc/self", "Cannot create session directory."},
-              Row{1, 0, 60, "full", "", "Cannot create manifest.csv."}}) {
+        for (const char *row :
+             {"0,-1,0,curl,none,Select at least one Helioviewer datasource.",
+              "1,-1,0,curl,none,Invalid UTC time interval.",
+              "1,0,0,curl,none,Cadence must be greater than zero.",
+              "1,0,60,curl,bin,./bin/curl.exe was not found.", // a folder
+              "1,0,60,ffmpeg,none,./bin/ffmpeg.exe was not found.",
+              "1,0,60,output,sys/orvik.ini/x,Cannot create output root directory.",
+              "1,0,60,output,/proc/self,Cannot create session directory.",
+              "1,0,60,full,,Cannot create manifest.csv."}) {
+            const QStringList fields = QString::fromLatin1(row).split(QLatin1Char(','));
             TestFolder::clearKeys();
             AcquisitionRoad road;
-            TestFolder::setKey("paths/"_s + QLatin1String(row.key), QLatin1String(row.value));
-            AcquisitionSettings settings = AcquisitionRoad::settings(row.seconds, {});
-            settings.sources.fill(AcquisitionRoad::aia(), row.sources);
-            settings.cadenceSeconds = row.cadenceSeconds;
-            TestFolder::leaveRoom(qstrcmp(row.key, "full") == 0 ? 0 : -1);
+            TestFolder::setKey("paths/"_s + fields.at(3), fields.at(4));
+            AcquisitionSettings settings = AcquisitionRoad::settings(fields.at(1).toInt(), {});
+            settings.sources.fill(AcquisitionRoad::aia(), fields.at(0).toInt());
+            settings.cadenceSeconds = fields.at(2).toInt();
+            TestFolder::leaveRoom(fields.at(3) == "full"_s ? 100 : -1);
             QString error;
             const bool started = road.controller->start(settings, &error);
             const bool startedUnasked = road.controller->start(settings); // nobody asks why
             TestFolder::leaveRoom();
-            QCOMPARE(error, QLatin1String(row.message));
+            QCOMPARE(error, fields.at(5));
             QVERIFY(!started && !startedUnasked && !road.controller->isRunning());
             QCOMPARE(road.events, QStringList());
         }
@@ -232,9 +213,11 @@ private slots:
             "FFMPEG ERROR for SUVI (exit code 0). Frames are preserved.",
             noFilm);
         // The machine.
-        row("service down from the start", "Session: ", 1, serviceStops,
+        const auto stopService = [](Scene &scene) { scene.road.server.stop(); };
+        row("service down from the start", "Session: ", 1, stopService,
             "LOOKUP_ERROR LOOKUP_ERROR LOOKUP_ERROR", "curl: (7)", "No accepted frames for SUVI");
-        row("session removed", lookup, 3, sessionIsRemoved, "", "curl: (23)", "VIDEO SKIPPED SUVI");
+        const auto remove = [](Scene &scene) { QDir(scene.session).removeRecursively(); };
+        row("session removed", lookup, 3, remove, "", "curl: (23)", "VIDEO SKIPPED SUVI");
         row("copy cut off later", "Summary ", 1, lastCopyIs(true), "", cut, cut);
         row("full for a download", lookup, 2, roomFor(0.5), noLoad, "curl: (23)", film);
         row("room for a plain copy", lookup, 2, roomFor(1.2), allOk,
@@ -273,6 +256,7 @@ private slots:
         QVERIFY2(log.contains(line) && log.contains(film), qPrintable(log));
         QCOMPARE(scene.road.events.last(), "[finished] completed"_s);
         QCOMPARE(scene.road.count("ERROR session.json"), 0); // also when its folder is gone
+        QCOMPARE(scene.road.count("Fast path"), 0);
         const SessionCheck check = SessionCheck::of(scene.session);
         QVERIFY(check.descriptor.isEmpty() != QFile::exists(scene.session));
         if (statuses.isEmpty())
@@ -311,13 +295,11 @@ private slots:
     void oneFailedFilmKeepsAllFrames()
     {
         AcquisitionRoad road;
-        const QString ffmpeg = FakeProgram::install("bin/fake-ffmpeg"_s);
         FakeProgram::Reply whole;
         whole.files.insert("$last"_s, "film");
         FakeProgram::Reply failed = whole;
         failed.exitCode = 3;
-        FakeProgram::setScript(ffmpeg, {failed, whole});
-        TestFolder::setKey("paths/ffmpeg"_s, ffmpeg);
+        FakeProgram::replace("ffmpeg"_s, {failed, whole});
         AcquisitionSettings settings =
             AcquisitionRoad::settings(30, {AcquisitionRoad::aia(), AcquisitionRoad::suvi()});
         settings.sources[1].nickname = "Aia 171"_s; // for some disks the same name

@@ -4,6 +4,7 @@
 #include "tests/support/testfolder.h"
 
 #include <QFile>
+#include <QVariant>
 
 namespace {
 
@@ -11,7 +12,7 @@ constexpr QChar unitSeparator(0x1f); // in no argument of ours
 
 /// A line of the journal for each run, written whole before any other run may write one; then the
 /// replies, when there are any.
-constexpr char program[] = R"(exec 9>>"$0.journal"
+constexpr char commonCommands[] = R"(exec 9>>"$0.journal"
 flock 9
 run=$(wc -l <"$0.journal")
 IFS=$'\x1f'
@@ -50,7 +51,7 @@ QString FakeProgram::install(const QString &path)
     const QString absolutePath = TestFolder::path(path);
     for (const char *suffix : {".journal", ".replies"})
         QFile::remove(absolutePath + QLatin1String(suffix));
-    return TestFolder::writeScript(path, program);
+    return TestFolder::writeScript(path, commonCommands);
 }
 
 void FakeProgram::setScript(const QString &program, const QVector<Reply> &replies)
@@ -64,6 +65,14 @@ void FakeProgram::setScript(const QString &program, const QVector<Reply> &replie
                          ? "if ((run == " + QByteArray::number(i) + ")); then\n" + all + "fi\n"
                          : all);
     }
+}
+
+QString FakeProgram::replace(const QString &name, const QVector<Reply> &replies)
+{
+    const QString program = install("bin/fake-"_s + name);
+    setScript(program, replies);
+    TestFolder::setKey("paths/"_s + name, program);
+    return program;
 }
 
 QVector<FakeProgram::Run> FakeProgram::runs(const QString &program)

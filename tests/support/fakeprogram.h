@@ -37,6 +37,9 @@ QString install(const QString &path);
 /// One reply for each run, counted from the installation; the last one repeats.
 void setScript(const QString &program, const QVector<Reply> &replies);
 
+/// Puts one in the place of "curl" or "ffmpeg", as far as sys/orvik.ini decides.
+QString replace(const QString &name, const QVector<Reply> &replies);
+
 /// All runs since the installation, in the order in which they began.
 QVector<Run> runs(const QString &program);
 /// Only the arguments of runs().

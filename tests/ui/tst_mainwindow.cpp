@@ -78,7 +78,8 @@ private slots:
     {
         const MainWindow window;
         QString nameless;
-        for (QWidget *part : window.findChildren<QWidget *>()) {
+        const auto parts = window.findChildren<QWidget *>();
+        for (QWidget *part : parts) {
             QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(part);
             if (accessible->state().focusable && accessible->text(QAccessible::Name).isEmpty() &&
                 !part->objectName().startsWith("qt_"_s))

@@ -40,21 +40,25 @@ struct Choice
     QVariant value;
 };
 
-const QVector<Choice> choices = {
-    {"startEdit", "acquisition/startUtc", sixOClock(7)},
-    {"endEdit", "acquisition/endUtc", sixOClock(600)},
-    {"cadenceSpin", "acquisition/cadenceSeconds", 137},
-    {"timeErrorSpin", "acquisition/maxTimeErrorSeconds", 13},
-    {"widthSpin", "acquisition/imageWidth", widthPx},
-    {"fpsSpin", "video/fps", 7},
-    {"crfSpin", "video/crf", 29},
-    {"sourceOverlayCheck", "video/sourceOverlay", false},
-    {"scaleOverlayCheck", "video/scaleOverlay", true},
-    {"keepFramesCheck", "acquisition/keepFrames", true},
-    {"createVideosCheck", "video/create", true},
-    {"sourceTimingProfilesCheck", "acquisition/useSourceTimingProfiles", true},
-};
-constexpr int unlikeDefault = 9;
+const std::array<Choice, 12> &choices()
+{
+    static const std::array<Choice, 12> all = {{
+        {"startEdit", "acquisition/startUtc", sixOClock(7)},
+        {"endEdit", "acquisition/endUtc", sixOClock(600)},
+        {"cadenceSpin", "acquisition/cadenceSeconds", 137},
+        {"timeErrorSpin", "acquisition/maxTimeErrorSeconds", 13},
+        {"widthSpin", "acquisition/imageWidth", widthPx},
+        {"fpsSpin", "video/fps", 7},
+        {"crfSpin", "video/crf", 29},
+        {"sourceOverlayCheck", "video/sourceOverlay", false},
+        {"scaleOverlayCheck", "video/scaleOverlay", true},
+        {"keepFramesCheck", "acquisition/keepFrames", true},
+        {"createVideosCheck", "video/create", true},
+        {"sourceTimingProfilesCheck", "acquisition/useSourceTimingProfiles", true},
+    }};
+    return all;
+}
+constexpr std::size_t unlikeDefault = 9;
 
 QVariant valueOf(const QWidget &window, const char *widget)
 {
@@ -134,8 +138,6 @@ int difference(const QImage &one, const QImage &other)
     return worst;
 }
 
-enum class Overlays { Scale, StampAndLabel };
-
 /// A request as the ledger has to have it.
 struct Row
 {
@@ -187,9 +189,10 @@ private slots:
         };
         window.show();
         QTRY_VERIFY(WindowFixture::findLeaf(window, "EIT"_s) != nullptr);
-        for (int i = 0; i < choices.size(); ++i) {
-            QCOMPARE(valueOf(window, choices[i].widget) == choices[i].value, i >= unlikeDefault);
-            choose(window, choices[i].widget, choices[i].value);
+        for (std::size_t i = 0; i < choices().size(); ++i) {
+            const auto &[widget, key, value] = choices().at(i);
+            QCOMPARE(valueOf(window, widget) == value, i >= unlikeDefault);
+            choose(window, widget, value);
         }
         QCOMPARE(part<QLabel>(window, "estimateLabel")->text(),
                  "Nominal estimate: 5 frame(s) per datasource  |  video 00:00:00.714 @ 7 fps"_s);
@@ -222,7 +225,7 @@ private slots:
     void choicesAreStored()
     {
         const MainWindow window;
-        for (const Choice &choice : choices) {
+        for (const Choice &choice : choices()) {
             QCOMPARE(WindowFixture::userSettings().value(QLatin1String(choice.key)), choice.value);
             QCOMPARE(valueOf(window, choice.widget), choice.value);
         }
@@ -233,7 +236,8 @@ private slots:
 
     void framesAreAsServedAndAnnotated()
     {
-        for (const Row &row : framesIn(QString())) {
+        const QVector<Row> rows = framesIn(QString());
+        for (const Row &row : rows) {
             const QByteArray served = ask("/downloadImage/?type=png&width=%1&id=%2"_s.arg(
                 QString::number(widthPx), row.answer["id"_s].toString()));
             QFile original(sessionFile(row.file));
@@ -294,8 +298,8 @@ private slots:
         compare(textOf(m_journal), "regioncalls.txt");
 
         for (const char *source : {"GOES-R_SUVI_195", "AIA_171", "EIT_195", "LASCO_C2"})
-            expectFilm(QLatin1String(source), "01_Flare_west", "96,160,4/1", 90, Overlays::Scale);
-        expectFilm("EIT_195"_s, "02_b", "160,96,5/1", 0, Overlays::StampAndLabel);
+            expectFilm(QLatin1String(source), "01_Flare_west", "96,160,4/1", 90, true);
+        expectFilm("EIT_195"_s, "02_b", "160,96,5/1", 0, false);
     }
 
     /// With the first run there are four, in which no two of five choices are always alike.
@@ -314,8 +318,9 @@ private slots:
             choose(window, "endEdit", sixOClock(7));
             choose(window, "scaleOverlayCheck", false);
             choose(window, "sourceOverlayCheck", true);
-            for (int i = unlikeDefault; i < choices.size(); ++i)
-                choose(window, choices[i].widget, qstrcmp(choices[i].widget, off) != 0);
+            for (const char *widget :
+                 {"keepFramesCheck", "createVideosCheck", "sourceTimingProfilesCheck"})
+                choose(window, widget, qstrcmp(widget, off) != 0);
             QSignalSpy finished(window.findChild<AcquisitionController *>(),
                                 &AcquisitionController::finished);
             WindowFixture::clickToolButton(window, "actionStartAcquisition");
@@ -425,7 +430,8 @@ private:
     {
         const QWidget *dialog = QApplication::activeModalWidget();
         const auto film = [dialog](const QString &fields) {
-            for (const QString &field : fields.split(QLatin1Char(' ')))
+            const QStringList all = fields.split(QLatin1Char(' '));
+            for (const QString &field : all)
                 choose(*dialog, qPrintable(field.section(QLatin1Char('='), 0, 0)),
                        field.section(QLatin1Char('='), 1));
             part<QPushButton>(*dialog, "generateButton")->click();
@@ -445,13 +451,14 @@ private:
         part<QPushButton>(*dialog, "closeButton")->click();
     }
 
-    /// A film with a scale begins with the introduction: the whole frame squeezed, then the region.
+    /// With a scale, and the introduction: the whole frame squeezed, then the region. Or with a
+    /// stamp and a label.
     void expectFilm(const QString &source, const char *region, const char *shape, int rotation,
-                    Overlays overlays) const
+                    bool scale) const
     {
-        const bool scale = overlays == Overlays::Scale;
         QVector<QImage> pictures;
-        for (const Row &row : framesIn(source)) {
+        const QVector<Row> rows = framesIn(source);
+        for (const Row &row : rows) {
             const auto picture = [&](const QImage &upright, double kmPerPixel) {
                 QImage turned = upright.transformed(QTransform().rotate(-rotation));
                 drawFrameAnnotations(turned, row.actualUtc, row.nickname, !scale, !scale, scale,
