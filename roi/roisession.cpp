@@ -102,6 +102,11 @@ StoredSession sessionFromJson(const QJsonObject &descriptor, const QDir &directo
     return session;
 }
 
+bool hasFrames(const RoiSource &source)
+{
+    return !source.frames.isEmpty();
+}
+
 /// The nearest folder at or above @p path that exists, with all links followed; empty for a link
 /// that leads nowhere.
 QString canonicalAncestor(QString path)
@@ -131,9 +136,13 @@ bool liesBelow(const RoiSource &source, const QString &sessionDirectory)
 
 int StoredSession::sourcesWithFrames() const
 {
-    return static_cast<int>(
-        std::count_if(sources.cbegin(), sources.cend(),
-                      [](const RoiSource &source) { return !source.frames.isEmpty(); }));
+    return static_cast<int>(std::count_if(sources.cbegin(), sources.cend(), hasFrames));
+}
+
+int StoredSession::firstWithFrames() const
+{
+    const auto first = std::find_if(sources.cbegin(), sources.cend(), hasFrames);
+    return first == sources.cend() ? 0 : static_cast<int>(first - sources.cbegin());
 }
 
 std::optional<StoredSession> RoiSession::load(const QString &directory, QString *errorText)
@@ -157,7 +166,7 @@ std::optional<StoredSession> RoiSession::load(const QString &directory, QString 
         ManifestReader::read(session.filePath(SessionFiles::manifest())).value_or(ManifestFrames());
     StoredSession loaded = sessionFromJson(*descriptor, session);
     if (!manifest.remark.isEmpty())
-        loaded.remarks.append(manifest.remark);
+        loaded.remarks.append(QStringLiteral("WARNING ") + manifest.remark);
     loaded.sources =
         sourcesFromJson(descriptor->value(SessionKeys::sources).toArray(), session, manifest);
     if (loaded.sources.isEmpty())

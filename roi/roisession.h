@@ -36,9 +36,10 @@ struct StoredSession
     int videoCrf = 18;
     bool sourceOverlay = true;
     bool scaleOverlay = true;
-    QStringList remarks; ///< what of its files could not be read, for the log
+    QStringList remarks; ///< lines for the log about files that could not be read in full
 
     int sourcesWithFrames() const; ///< how many of them can be looked at and filmed
+    int firstWithFrames() const;   ///< the first of these; 0 when there is none
 };
 
 /// Stored sessions as they are found on disk, whoever wrote or edited them.

@@ -122,10 +122,14 @@ QStringList RoiVideoGenerator::restoreEarlierFilms(const StoredSession &session)
     const FilmingLock lock(session.directory);
     if (!lock.isFree())
         return {};
-    QStringList restored;
+    QStringList films;
     for (const QString &folder : std::as_const(folders))
-        restored += EarlierFilm::restoreAll(folder);
-    return restored;
+        films += EarlierFilm::restoreAll(folder);
+    QStringList lines;
+    for (const QString &film : std::as_const(films))
+        lines.append(QStringLiteral("ROI video restored after a run that was cut short: %1")
+                         .arg(QDir::toNativeSeparators(film)));
+    return lines;
 }
 
 RoiVideoGenerator::Outcome RoiVideoGenerator::run(const RoiVideoPlan &plan)

@@ -60,7 +60,7 @@ public:
      *
      * Nothing happens while another window is making films there.
      *
-     * @return the paths of the films that are back
+     * @return lines for the log, one for each film that is back
      */
     static QStringList restoreEarlierFilms(const StoredSession &session);
 

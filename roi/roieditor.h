@@ -1,0 +1,81 @@
+#pragma once
+
+#include "roi/roiset.h"
+
+#include <QGroupBox>
+#include <QSize>
+#include <QVector>
+
+#include <memory>
+
+class QListWidgetItem;
+class QSpinBox;
+
+namespace Ui {
+class RoiEditor;
+}
+
+/**
+ * The regions of a session, in a list and in fields that change the current one.
+ *
+ * Owns the regions and knows which of them rois.json has. The pixels in its fields are those of the
+ * frame that is looked at, of which it knows no more than the size.
+ */
+class RoiEditor final : public QGroupBox
+{
+    Q_OBJECT
+
+public:
+    explicit RoiEditor(QWidget *parent = nullptr);
+    ~RoiEditor() override;
+
+    const QVector<Roi> &rois() const { return m_rois; }
+    int currentRow() const; ///< -1 when no region is selected
+    /// What the regions cover of the frame, in the order of the list; empty without a frame.
+    QVector<QRect> pixelRects() const;
+
+    /// Takes over the regions that are stored in a session.
+    void load(const QString &sessionDirectory);
+    /// Stores the regions in that session; false, after a warning, when that fails.
+    bool store();
+    /// Asks what shall become of regions that are not stored; false when the user would rather
+    /// stay.
+    bool mayBeLeft();
+    /// Tells the size of the frame that is looked at; empty when none is.
+    void setFrameSize(const QSize &pixels);
+    /// Appends a region over @p pixels of the frame, which becomes the current one.
+    /// @return its name
+    QString add(const QRectF &pixels);
+    /// Takes over a number that is still being typed.
+    void commitTyped();
+
+signals:
+    /// A region has changed, or another one is the current one.
+    void regionsChanged();
+    /// The user wants to draw a region.
+    void drawingRequested();
+    /// A line for the log.
+    void logMessage(const QString &text);
+
+private:
+    void onCurrentRowChanged();
+    void onItemChanged(QListWidgetItem *item);
+    void onNameEdited(const QString &name);
+    void onRotationChosen(int index);
+    void deleteCurrent();
+    void storeAndSaySo();
+
+    void connectGeometry(QSpinBox *field, void (QRectF::*change)(qreal),
+                         int (QSize::*frameSide)() const);
+    void showFields();
+    void showGeometry(const QRect &pixels);
+    void clearGeometry();
+    QVector<QSpinBox *> geometryFields() const;
+    Roi *currentRoi();
+
+    std::unique_ptr<Ui::RoiEditor> m_ui;
+    QString m_sessionDirectory; // empty until one is loaded
+    QVector<Roi> m_rois;        // row for row what the list shows, ticks included
+    QVector<Roi> m_storedRois;  // as rois.json has them
+    QSize m_frameSize;
+};
