@@ -72,6 +72,7 @@ WindowFixture::BoxCloser::BoxCloser()
         auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
         if (box == nullptr)
             return;
+        QCOMPARE(box->textFormat(), Qt::PlainText); // a path or an answer may look like markup
         shown.append(box->windowTitle() + ": "_s + box->text());
         QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
     });
