@@ -15,7 +15,9 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSpinBox>
-#include <QTextBrowser>
+#include <QSplitter>
+#include <QTextEdit>
+#include <QToolButton>
 #include <QTreeWidget>
 #include <QtTest>
 
@@ -88,17 +90,25 @@ private slots:
         QCOMPARE(nameless, QString());
     }
 
-    void detailsFollowCurrentAndSampling()
+    void actionsHaveKeysAndTheirTurn()
     {
-        userSettings().setValue("sources/currentId"_s, 10);
-        MainWindow window;
-        const auto *details = part<QTextBrowser>(window, "catalogInfo");
-        QVERIFY(QMetaObject::invokeMethod(&window, "onSourceTimingAnalyzed", Q_ARG(int, 10),
-                                          Q_ARG(int, 9), Q_ARG(int, 240), Q_ARG(int, 180),
-                                          Q_ARG(int, 300)));
-        QVERIFY(details->toPlainText().contains("requested sampling is 1 min"_s));
-        part<QSpinBox>(window, "cadenceSpin")->stepUp();
-        QVERIFY(details->toPlainText().contains("not prepared yet"_s));
+        const MainWindow window;
+        QStringList keys;
+        const auto actions = window.findChildren<QAction *>(QRegularExpression("^action"_s));
+        for (const QAction *action : actions)
+            keys += action->objectName().mid(6) + QLatin1Char(' ') + action->shortcut().toString();
+        QCOMPARE(keys.join(QLatin1Char('|')),
+                 "OpenOutputFolder Ctrl+O|PlayLatestVideo Ctrl+L|PlaySelectedVideo Ctrl+Shift+L|"
+                 "CreateRoiVideo Ctrl+I|StartAcquisition Ctrl+Return|StopAcquisition Ctrl+.|Exit |"
+                 "RefreshCatalog F5|HelpOrvik F1|License "_s);
+        QStringList afterTheLog;
+        const QWidget *next = part<QTextEdit>(window, "log");
+        while (afterTheLog.size() < 3) {
+            next = next->nextInFocusChain();
+            if (const auto *button = qobject_cast<const QToolButton *>(next))
+                afterTheLog += button->text();
+        }
+        QCOMPARE(afterTheLog, QStringList({"Start acquisition"_s, "Stop"_s, "Open ./out"_s}));
     }
 
     void refusedStartSavesSettingsAndKeepsTheLog()
@@ -129,9 +139,14 @@ private slots:
         MainWindow window;
         QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 120);
         QVERIFY(part<QCheckBox>(window, "sourceOverlayCheck")->isChecked());
+        part<QSplitter>(window, "catalogSplitter")->setSizes({200, 700});
         window.close();
+        QCOMPARE(userSettings().allKeys().size(), 17);
         TestFolder::setKey("acquisition/cadenceSeconds"_s, 240);
-        QCOMPARE(part<QSpinBox>(MainWindow(), "cadenceSpin")->value(), 120);
+        const MainWindow next;
+        QCOMPARE(part<QSpinBox>(next, "cadenceSpin")->value(), 120);
+        QCOMPARE(part<QSplitter>(next, "catalogSplitter")->saveState(),
+                 part<QSplitter>(window, "catalogSplitter")->saveState());
     }
 
     void brokenCacheAsksTheService()
@@ -192,18 +207,30 @@ private slots:
         QVERIFY(!logText(window).contains("catalog updated."_s));
     }
 
-    void playsTheNewestVideo()
+    void actionsReachTheDesktop()
     {
         const TestFolder::OutputRoot root;
+        const BoxCloser boxes;
+        part<QAction>(MainWindow(), "actionPlayLatestVideo")->trigger();
+        QCOMPARE(
+            boxes.shown.join(QLatin1Char('|')),
+            "Play latest video: No MP4 video was found under:\n%1\n\nSelect a video manually?"_s
+                .arg(root.path()));
         const QString film = root.path() + "/%1 film.mp4"_s;
-        QVERIFY(QFile(film).open(QIODevice::WriteOnly));
+        const QString help = TestFolder::path("doc/help.html"_s);
+        QDir().mkpath(TestFolder::path("doc"_s));
+        for (const QString &file : {film, help})
+            QVERIFY(QFile(file).open(QIODevice::WriteOnly));
         QDesktopServices::setUrlHandler("file"_s, this, "open");
-        const MainWindow window;
-        part<QAction>(window, "actionPlayLatestVideo")->trigger();
-        part<QAction>(window, "actionOpenOutputFolder")->trigger();
+        MainWindow window;
+        window.show();
+        for (const char *action :
+             {"actionPlayLatestVideo", "actionOpenOutputFolder", "actionHelpOrvik", "actionExit"})
+            part<QAction>(window, action)->trigger();
         QDesktopServices::unsetUrlHandler("file"_s);
-        QCOMPARE(m_opened, QVector<QString>({film, root.path()}));
+        QCOMPARE(m_opened, QVector<QString>({film, root.path(), help}));
         QVERIFY(logText(window).contains("Playing video: "_s + film));
+        QVERIFY(!window.isVisible());
     }
 
     void stoppedAndClosedAtEveryStage_data()
@@ -242,8 +269,10 @@ private slots:
                     window.close();
                 else if (end != stopping)
                     std::raise(end);
-                for (int presses = 0; end == stopping && presses < 2; ++presses)
+                if (end == stopping) {
+                    WindowFixture::clickToolButton(window, "actionStopAcquisition");
                     QVERIFY(QMetaObject::invokeMethod(&window, "stopAcquisition"));
+                }
             };
             connect(window.findChild<AcquisitionController *>(),
                     &AcquisitionController::stateChanged, &window, [&](const QString &text) {

@@ -13,6 +13,10 @@
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSpinBox>
+#include <QTextBrowser>
+#include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
 #include <QtTest>
 
 #include <array>
@@ -88,10 +92,10 @@ ArchiveSource source(const DataSource &named, int spacingSeconds,
 std::shared_ptr<const Simulator::Archive> archive()
 {
     return std::make_shared<const Simulator::Archive>(QVector<ArchiveSource>{
-        source({10, "AIA 171"_s, "SDO/AIA/171"_s}, 400),              // asked too often
-        source({19, "HMI Mag"_s, "SDO/HMI/magnetogram"_s}, 45),       // not ticked
-        source({1, "EIT 195"_s, "SOHO/EIT/195"_s}, 30),               // its probe fails
-        source({4, "LASCO C2"_s, "SOHO/LASCO/C2/white-light"_s}, 50), // at times too far off
+        source({10, "AIA 171"_s, "SDO/AIA/171"_s}, 400),               // asked too often
+        source({19, "HMI <b>Mag</b>"_s, "SDO/HMI/magnetogram"_s}, 45), // not ticked
+        source({1, "EIT 195"_s, "SOHO/EIT/195"_s}, 30),                // its probe fails
+        source({4, "LASCO C2"_s, "SOHO/LASCO/C2/white-light"_s}, 50),  // at times too far off
         source({2003, "GOES-R SUVI 195"_s, "GOES/SUVI/195"_s}, 240, "2010-06-02 00:00:41")});
 }
 
@@ -217,6 +221,9 @@ private slots:
                  named("Acquisition started.\n"_s +
                        QStringList(heard.logLines().mid(opening)).join(QLatin1Char('\n')) +
                        "\nOutput: "_s + m_session + QLatin1Char('\n')));
+        compare(detailsIn(window), "details.txt");
+        part<QSpinBox>(window, "cadenceSpin")->stepUp(); // what was found holds no longer
+        QVERIFY(!detailsIn(window).contains("dense-source"_s));
         QTRY_COMPARE(part<QLabel>(window, "previewMeta")->text(),
                      "Source: LASCO C2   |   Actual: 2024-05-01 06:09:10 UTC\n"
                      "Requested: 2024-05-01 06:09:15 UTC   |   Delta: -5 s"_s);
@@ -341,6 +348,18 @@ private slots:
     }
 
 private:
+    /// What the window tells of each datasource.
+    static QString detailsIn(const MainWindow &window)
+    {
+        QString details;
+        for (QTreeWidgetItemIterator it(part<QTreeWidget>(window, "sourcesTree")); *it; ++it) {
+            (*it)->treeWidget()->setCurrentItem(*it);
+            details += (*it)->toolTip(0) + QLatin1Char('\n') +
+                       part<QTextBrowser>(window, "catalogInfo")->toPlainText() + "\n\n"_s;
+        }
+        return details;
+    }
+
     /// Puts a script in the place of a program that notes how it is called.
     void noteCallsOf(const char *program, const QString &caller) const
     {

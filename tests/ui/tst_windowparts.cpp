@@ -4,11 +4,11 @@
 #include "ui/logview.h"
 #include "ui/outputsearch.h"
 #include "ui/previewpane.h"
-#include "ui/sourcedetails.h"
 
 #include <QDockWidget>
 #include <QLabel>
 #include <QPainter>
+#include <QTextBlock>
 #include <QTextEdit>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
@@ -27,21 +27,8 @@ constexpr char catalog[] = R"({
     "Empty": {"a": "text", "b": 7, "c": [{"sourceId": 4}]},
     "note": "no object"})";
 constexpr char oneBand[] = R"({"SDO": {"171": {"sourceId": 10}}})";
-constexpr char sharedId[] = R"({"a": {"x": {"sourceId": 7}}, "b": {"y": {"sourceId": 7}}})";
 constexpr char strangeIds[] =
     R"({"a": {"sourceId": "7"}, "b": {"sourceId": 1e12}, "c": {"sourceId": null}})";
-
-CatalogSource source(const QByteArray &entry)
-{
-    return {
-        {10, "<b>%2</b>"_s, "SDO/A&A"_s}, QJsonDocument::fromJson(entry).object(), std::nullopt};
-}
-
-QString page(const CatalogSource &described)
-{
-    const QDateTime start(QDate(2024, 5, 1), QTime(10, 0), Qt::UTC);
-    return SourceDetails::page(described, {start, start.addSecs(3600), 60});
-}
 
 QString create(const QTemporaryDir &folder, const char *name, int ageSeconds)
 {
@@ -114,14 +101,6 @@ private slots:
         QCOMPARE(m_tree->currentItem(), nullptr);
     }
 
-    void sharedIdIsTickedTogether()
-    {
-        m_selection = {{7}, 7};
-        fill(sharedId);
-        QCOMPARE(tickedIds(), QVector<int>({7, 7}));
-        QCOMPARE(m_tree->currentItem(), item("y   [sourceId 7]"));
-    }
-
     void aiaPresetReplacesTheSelection()
     {
         m_selection = {{15, 19}, 19};
@@ -150,6 +129,16 @@ private slots:
         for (const char *text : {"warning: x failed", "ERROR x", "plain", "ERROR y"})
             m_log.append(QString::fromLatin1(text));
         QCOMPARE(m_dock.windowTitle(), "Log  -  ERR 2 / WARN 1"_s);
+        m_log.append("OK x"_s);
+        m_log.append("curl: x"_s);
+        QString formats;
+        for (QTextBlock line = m_edit.document()->begin(); line.length() > 1; line = line.next()) {
+            QTextCursor end(line);
+            end.movePosition(QTextCursor::EndOfBlock);
+            const QTextCharFormat format = end.charFormat();
+            formats += format.foreground().color().name() + QString::number(format.fontWeight());
+        }
+        QCOMPARE(formats, "#ffbe4675#ff5a5a75#00000050#ff5a5a75#5adc7350#69afeb50"_s);
         m_log.clear();
         QCOMPARE(m_dock.windowTitle(), "Log  -  ERR 0 / WARN 0"_s);
         QVERIFY(m_edit.document()->isEmpty());
@@ -169,18 +158,8 @@ private slots:
             QVERIFY(shown.endsWith("] next\n"_s));
             QVERIFY(m_edit.textCursor().atEnd());
             QVERIFY(!m_edit.document()->isUndoAvailable());
+            QCOMPARE(m_edit.wordWrapMode() == QTextOption::WrapAnywhere, text.size() > 9999);
         }
-    }
-
-    void namesStayText()
-    {
-        const QString described = page(source(
-            "{\"uiLabels\": [{\"label\": \"Observatory\", \"name\": \"S<D>O\"}, \"text\"]}"));
-        QVERIFY(described.startsWith("<h2>&lt;b&gt;%2&lt;/b&gt;</h2><p><b>Catalog "
-                                     "path:</b> SDO/A&amp;A<br>"_s));
-        QVERIFY(described.contains(
-            "</p><table cellspacing='2' cellpadding='2'><tr><td><b>Observatory</b></td>"
-            "<td>S&lt;D&gt;O</td></tr><tr><td><b></b></td><td></td></tr></table><hr>"_s));
     }
 
     void durations()
