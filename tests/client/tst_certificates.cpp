@@ -78,12 +78,12 @@ private slots:
         QVERIFY(secondErrors.wait());
         QCOMPARE(firstErrors.size() + secondErrors.size(), 2);
 
-        const QVector<QStringList> runs = FakeProgram::argumentLists(curl);
+        const auto runs = FakeProgram::runs(curl);
         const QString insecure = "--insecure"_s;
         QCOMPARE(runs.size(), 4);
-        QCOMPARE(runs.at(0).first(), "-f"_s);
-        QCOMPARE(runs.at(1), QStringList{insecure} + runs.at(0));
-        QCOMPARE(runs.at(2).mid(0, 2), (QStringList{insecure, "-f"_s}));
+        QCOMPARE(runs.at(0).arguments.first(), "-f"_s);
+        QCOMPARE(runs.at(1).arguments, QStringList{insecure} + runs.at(0).arguments);
+        QCOMPARE(runs.at(2).arguments.mid(0, 2), (QStringList{insecure, "-f"_s}));
         QCOMPARE(firstLog.size(), 2); // the URL of the request, not of its restart, and
         QCOMPARE(firstLog.at(1).at(0).toString(),
                  "WARNING: curl SSL certificate validation failed (error 60). "
@@ -93,7 +93,7 @@ private slots:
         TestFolder::setKey("network/allowInsecureFallback"_s, false);
         second.getDataSources();
         QVERIFY(secondErrors.wait());
-        QCOMPARE(FakeProgram::argumentLists(curl).constLast().first(), "-f"_s);
+        QCOMPARE(FakeProgram::runs(curl).constLast().arguments.first(), "-f"_s);
     }
 
     void switchIsOn() { QCOMPARE(answerOf(Transport::HttpsSelfSigned, false), QString()); }

@@ -104,9 +104,9 @@ private slots:
         const QString index = "getJPX/?startTime=2024-05-01T12:00:00Z&endTime=2024-05-01T12:01:00Z"
                               "&sourceId=0&linked=true&jpip=true&verbose=true&cadence=45"_s;
         const QString image = "downloadImage/?id=9007199254740993&width=1024&type=png"_s;
-        const auto runs = FakeProgram::argumentLists(m_curl);
-        QCOMPARE(runs.first(), common + QStringList(base + index));
-        QCOMPARE(runs.last(), (common + QStringList{"-o"_s, m_png, base + image}));
+        const auto runs = FakeProgram::runs(m_curl);
+        QCOMPARE(runs.first().arguments, common + QStringList(base + index));
+        QCOMPARE(runs.last().arguments, (common + QStringList{"-o"_s, m_png, base + image}));
     }
 
     void secondRequestIsRefused()

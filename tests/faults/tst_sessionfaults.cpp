@@ -1,6 +1,5 @@
 #include "tests/acquisition/acquisitionroad.h"
 #include "tests/acquisition/sessioncheck.h"
-#include "tests/support/fakeprogram.h"
 #include "tests/support/literals.h"
 
 #include <QGuiApplication>
@@ -295,11 +294,11 @@ private slots:
     void oneFailedFilmKeepsAllFrames()
     {
         AcquisitionRoad road;
-        FakeProgram::Reply whole;
-        whole.files.insert("$last"_s, "film");
-        FakeProgram::Reply failed = whole;
-        failed.exitCode = 3;
-        FakeProgram::replace("ffmpeg"_s, {failed, whole});
+        replaceProgram("ffmpeg"_s, {});
+        road.onEvent = [](const QString &event) {
+            if (event.startsWith("ffmpeg: "_s))
+                replaceProgram("ffmpeg"_s, event.contains("AIA"_s) ? "exit 3" : QByteArray());
+        };
         AcquisitionSettings settings =
             AcquisitionRoad::settings(30, {AcquisitionRoad::aia(), AcquisitionRoad::suvi()});
         settings.sources[1].nickname = "Aia 171"_s; // for some disks the same name

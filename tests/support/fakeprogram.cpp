@@ -89,12 +89,3 @@ QVector<FakeProgram::Run> FakeProgram::runs(const QString &program)
     }
     return runs;
 }
-
-QVector<QStringList> FakeProgram::argumentLists(const QString &program)
-{
-    QVector<QStringList> lists;
-    const QVector<Run> all = runs(program);
-    for (const Run &run : all)
-        lists.append(run.arguments);
-    return lists;
-}

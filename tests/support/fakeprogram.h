@@ -42,8 +42,6 @@ QString replace(const QString &name, const QVector<Reply> &replies);
 
 /// All runs since the installation, in the order in which they began.
 QVector<Run> runs(const QString &program);
-/// Only the arguments of runs().
-QVector<QStringList> argumentLists(const QString &program);
 
 } // namespace FakeProgram
 

@@ -164,23 +164,27 @@ private slots:
         QCOMPARE(part<QDockWidget>(window, "logWidget")->windowTitle(), "Log  -  ERR 1 / WARN 0"_s);
     }
 
-    void answerWithoutDatasourcesIsAnError()
+    void answersOfTheService()
     {
+        const QString name = "sys/helioviewer_sources.json"_s;
         const QJsonObject error{{"error"_s, QJsonObject{{"x"_s, 1}}}};
-        for (const bool cached : {false, true}) {
-            if (!cached)
-                WindowFixture::reset();
-            else
-                WindowFixture::writeCatalog(catalog);
-            TestFolder::setKey("network/apiBase"_s, nowhere);
-            const BoxCloser boxes;
-            MainWindow window;
-            for (const QJsonObject &answer : {error, cached ? QJsonObject() : error})
-                receive(window, answer);
-            QCOMPARE(part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount(), int(cached));
-            QCOMPARE(logText(window).count("The answer holds no datasource."_s), 2);
-            QCOMPARE(QFile::exists(TestFolder::path("sys/helioviewer_sources.json"_s)), cached);
-        }
+        WindowFixture::reset();
+        TestFolder::setKey("network/apiBase"_s, nowhere);
+        const BoxCloser boxes;
+        MainWindow window;
+        const auto *tree = part<QTreeWidget>(window, "sourcesTree");
+        receive(window, error);
+        QVERIFY(tree->topLevelItemCount() == 0 && !QFile::exists(TestFolder::path(name)));
+        receive(window, {{"x"_s, QJsonObject()}}); // so far there is nothing to lose
+        QVERIFY(tree->topLevelItemCount() == 1 && QFile::exists(TestFolder::path(name)));
+        receive(window, {});
+        QCOMPARE(tree->topLevelItemCount(), 1);
+        TestFolder::setKey("paths/catalog"_s, "bin"_s); // a folder
+        receive(window, {{"y"_s, QJsonObject{{"sourceId"_s, 1}}}});
+        const QString log = logText(window);
+        QCOMPARE(log.count("The answer holds no datasource."_s), 2);
+        QCOMPARE(log.count("] Helioviewer datasource catalog updated.\n"_s), 1);
+        QCOMPARE(log.count("] WARNING: unable to save catalog cache in ./sys.\n"_s), 1);
     }
 
     void emptyCacheIsShownAndCostsNoTicks()
@@ -193,18 +197,6 @@ private slots:
         QVERIFY(!logText(window).contains("curl: "_s));
         window.close();
         QCOMPARE(userSettings().value(ticks).toStringList(), QStringList("10"_s));
-    }
-
-    void unwritableCacheIsAWarning()
-    {
-        TestFolder::setKey("paths/catalog"_s, "bin"_s); // a folder
-        TestFolder::setKey("network/apiBase"_s, nowhere);
-        const BoxCloser boxes;
-        MainWindow window;
-        receive(window, {{"x"_s, QJsonObject()}});
-        QCOMPARE(part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount(), 1);
-        QVERIFY(logText(window).contains("WARNING: unable to save catalog cache in ./sys."_s));
-        QVERIFY(!logText(window).contains("catalog updated."_s));
     }
 
     void actionsReachTheDesktop()

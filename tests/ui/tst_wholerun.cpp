@@ -99,7 +99,7 @@ std::shared_ptr<const Simulator::Archive> archive()
         source({2003, "GOES-R SUVI 195"_s, "GOES/SUVI/195"_s}, 240, "2010-06-02 00:00:41")});
 }
 
-QString textOf(const QString &path)
+QString contentOf(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll())
@@ -198,13 +198,10 @@ private slots:
             QCOMPARE(valueOf(window, widget) == value, i >= unlikeDefault);
             choose(window, widget, value);
         }
-        QCOMPARE(part<QLabel>(window, "estimateLabel")->text(),
-                 "Nominal estimate: 5 frame(s) per datasource  |  video 00:00:00.714 @ 7 fps"_s);
         for (const char *name : {"LASCO C2", "AIA 171", "GOES-R SUVI 195", "EIT 195"})
             WindowFixture::clickLeaf(window, QLatin1String(name));
         const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
         WindowFixture::clickToolButton(window, "actionStartAcquisition");
-        const int opening = heard.logLines().size();
         QTRY_COMPARE_WITH_TIMEOUT(heard.events.last(), "[finished] completed"_s, 60'000);
         m_session = heard.sessionDirectory;
         QCOMPARE(m_session, m_output.path() + "/20240501_060007__20240501_061000"_s);
@@ -213,20 +210,13 @@ private slots:
 
         readExpectedRows();
         compare(heard.events.join(QLatin1Char('\n')), "events.txt");
-        compare(textOf(m_journal), "calls.txt");
-        compare(textOf(sessionFile("manifest.csv"_s)), "manifest.csv");
-        compare(textOf(sessionFile("session.json"_s)), "session.json");
-        const QRegularExpression clock("\\[\\d\\d:\\d\\d:\\d\\d\\] (curl: .*\n)?"_s);
-        QCOMPARE(named(WindowFixture::logText(window).remove(clock)),
-                 named("Acquisition started.\n"_s +
-                       QStringList(heard.logLines().mid(opening)).join(QLatin1Char('\n')) +
-                       "\nOutput: "_s + m_session + QLatin1Char('\n')));
-        compare(detailsIn(window), "details.txt");
+        compare(contentOf(m_journal), "calls.txt");
+        compare(contentOf(sessionFile("manifest.csv"_s)), "manifest.csv");
+        compare(contentOf(sessionFile("session.json"_s)), "session.json");
+        QTRY_VERIFY(part<QLabel>(window, "previewMeta")->text().contains("06:09:15"_s));
+        compare(textOf(window), "window.txt");
         part<QSpinBox>(window, "cadenceSpin")->stepUp(); // what was found holds no longer
-        QVERIFY(!detailsIn(window).contains("dense-source"_s));
-        QTRY_COMPARE(part<QLabel>(window, "previewMeta")->text(),
-                     "Source: LASCO C2   |   Actual: 2024-05-01 06:09:10 UTC\n"
-                     "Requested: 2024-05-01 06:09:15 UTC   |   Delta: -5 s"_s);
+        QVERIFY(!textOf(window).contains("Orvik samples directly every"_s));
     }
 
     void choicesAreStored()
@@ -287,7 +277,7 @@ private slots:
     void regionFilmsShowTheSession()
     {
         QFile manifest(sessionFile("manifest.csv"_s));
-        QByteArray rows = textOf(manifest.fileName()).toUtf8();
+        QByteArray rows = contentOf(manifest.fileName()).toUtf8();
         QCOMPARE(rows.count(",1320,"), 3); // the solar radius in SUVI's pixels
         QVERIFY(manifest.open(QIODevice::WriteOnly) &&
                 manifest.write(rows.replace(",1320,", ",,")) == rows.size());
@@ -302,7 +292,7 @@ private slots:
         QTimer::singleShot(0, this, &TestWholeRun::filmRegions);
         part<QAction>(window, "actionCreateRoiVideo")->trigger();
         QCOMPARE(boxes.shown.size(), 2);
-        compare(textOf(m_journal), "regioncalls.txt");
+        compare(contentOf(m_journal), "regioncalls.txt");
 
         for (const char *source : {"GOES-R_SUVI_195", "AIA_171", "EIT_195", "LASCO_C2"})
             expectFilm(QLatin1String(source), "01_Flare_west", "96,160,4/1", 90, true);
@@ -348,16 +338,19 @@ private slots:
     }
 
 private:
-    /// What the window tells of each datasource.
-    static QString detailsIn(const MainWindow &window)
+    /// What the window shows, of each datasource one after the other.
+    static QString textOf(const MainWindow &window)
     {
-        QString details;
+        const QRegularExpression clock("\\[\\d\\d:\\d\\d:\\d\\d\\] (curl: .*\n)?"_s);
+        QString text = WindowFixture::logText(window).remove(clock);
+        for (const char *label : {"estimateLabel", "previewMeta", "pathsLabel"})
+            text += part<QLabel>(window, label)->text() + QLatin1Char('\n');
         for (QTreeWidgetItemIterator it(part<QTreeWidget>(window, "sourcesTree")); *it; ++it) {
             (*it)->treeWidget()->setCurrentItem(*it);
-            details += (*it)->toolTip(0) + QLatin1Char('\n') +
-                       part<QTextBrowser>(window, "catalogInfo")->toPlainText() + "\n\n"_s;
+            text += (*it)->toolTip(0) + QLatin1Char('\n') +
+                    part<QTextBrowser>(window, "catalogInfo")->toPlainText() + "\n\n"_s;
         }
-        return details;
+        return text;
     }
 
     /// Puts a script in the place of a program that notes how it is called.
@@ -378,7 +371,7 @@ private:
 
     static QString expected(const char *name)
     {
-        return textOf(QFINDTESTDATA("wholerun/"_s + QLatin1String(name)));
+        return contentOf(QFINDTESTDATA("wholerun/"_s + QLatin1String(name)));
     }
 
     void readExpectedRows()
@@ -409,7 +402,7 @@ private:
 
     QString completedUtc() const
     {
-        const QString session = textOf(sessionFile("session.json"_s));
+        const QString session = contentOf(sessionFile("session.json"_s));
         return session.section("\"completedUtc\": \""_s, 1).section(QLatin1Char('"'), 0, 0);
     }
 
@@ -421,6 +414,8 @@ private:
             QRegularExpression::DotMatchesEverythingOption);
         text.remove(chatter)
             .replace(m_session, "SESSION"_s)
+            .replace(m_output.path(), "OUTPUT"_s)
+            .replace(TestFolder::path({}), "APPLICATION"_s)
             .replace(m_server.baseUrl(), "API"_s)
             .replace(completedUtc(), "NOW"_s);
         for (const Row &row : m_rows) {
