@@ -10,7 +10,7 @@ class QTextEdit;
  *
  * The cost of a line does not depend on how many there are already.
  */
-class LogView : public QObject
+class LogView final : public QObject
 {
     Q_OBJECT
 
