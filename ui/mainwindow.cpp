@@ -21,27 +21,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonObject>
-#include <QRegularExpression>
-#include <QStyleOptionComboBox>
 #include <QTimer>
-
-namespace {
-
-/// The width hint of a date edit leaves out its arrow; the last digit of the time must stay in
-/// view.
-void widenForArrow(QDateTimeEdit *edit)
-{
-    const QString widest = edit->displayFormat().replace(QRegularExpression(QStringLiteral("\\w")),
-                                                         QStringLiteral("8"));
-    QStyleOptionComboBox option;
-    option.initFrom(edit);
-    const QSize text(edit->fontMetrics().horizontalAdvance(widest + QLatin1Char(' ')),
-                     edit->fontMetrics().height());
-    edit->setMinimumWidth(
-        edit->style()->sizeFromContents(QStyle::CT_ComboBox, &option, text, edit).width());
-}
-
-} // namespace
 
 // --- construction
 
@@ -81,8 +61,6 @@ void MainWindow::buildWidgets()
     m_form->catalogSplitter->setStretchFactor(1, 1);
     m_form->catalogSplitter->setSizes({700, 350});
     m_form->catalogInfo->setHtml(SourceDetails::welcomePage());
-    widenForArrow(m_form->startEdit);
-    widenForArrow(m_form->endEdit);
     CatalogTree::prepare(m_form->sourcesTree);
     m_log = new LogView(m_form->log, m_form->logWidget, this);
     m_preview = new PreviewPane(m_form->previewLabel, this);
