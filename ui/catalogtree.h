@@ -32,11 +32,13 @@ struct Selection
 /// The first leaf of each datasource id, until the tree is rebuilt; not owned.
 using Leaves = QHash<int, QTreeWidgetItem *>;
 
-/// Makes @p tree show what the service sends as it is: no text is taken for markup.
+/// Makes @p tree show what the service sends as it is, taking no text for markup, and makes current
+/// whatever is clicked, a leaf's box as well.
 void prepare(QTreeWidget *tree);
 
 /**
- * Rebuilds the tree from the service's catalog, sorted and opened two levels deep.
+ * Rebuilds the tree from the service's catalog, sorted with numbers in their order, and opened two
+ * levels deep and down to each ticked leaf.
  *
  * @param selection  restored afterwards; a tree that already shows a catalog replaces it first
  *                   with what is ticked and current there
@@ -50,11 +52,12 @@ CatalogSource source(const QTreeWidgetItem *leaf);    ///< all that is known of 
 int currentId(const QTreeWidget *tree);               ///< -1 when no leaf is current
 QVector<DataSource> tickedSources(QTreeWidget *tree); ///< from top to bottom
 
-void tickAiaBands(QTreeWidget *tree); ///< ticks the seven coronal bands of AIA and nothing else
+/// Ticks the seven coronal bands of AIA and nothing else, brings them into view, and counts them.
+int tickAiaBands(QTreeWidget *tree);
 void untickAll(QTreeWidget *tree);
 
 /// Keeps an analysis on its leaf, and tells it in the leaf's tool tip.
-void setAnalysis(QTreeWidgetItem *leaf, const SourceCadence &analysis);
+void setAnalysis(QTreeWidgetItem *leaf, const CadenceStatistics &analysis);
 void clearAnalyses(QTreeWidget *tree);
 
 } // namespace CatalogTree

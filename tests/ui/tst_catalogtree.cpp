@@ -44,6 +44,7 @@ private slots:
     void aiaPresetReplacesTheSelection();
     void strangeCatalogs();
     void markupInANameIsShown();
+    void ticksAreInViewAndABoxMakesCurrent();
 
 private:
     QTreeWidgetItem *item(const QString &text) const;
@@ -83,7 +84,7 @@ void TestCatalogTree::groupsAndLeaves()
         texts.append((*it)->text(0));
     QCOMPARE(texts,
              QStringList({QStringLiteral("Empty"), QStringLiteral("SDO"), QStringLiteral("AIA"),
-                          leaf("AIA 1600", 15), leaf("AIA 171", 10), leaf("AIA 94", 8),
+                          leaf("AIA 94", 8), leaf("AIA 171", 10), leaf("AIA 1600", 15),
                           QStringLiteral("HMI"), leaf("HMI Mag", 19), leaf("Zero", 0)}));
     const QTreeWidgetItem *group = item(QStringLiteral("AIA"));
     QVERIFY(!CatalogTree::isLeaf(group));
@@ -120,8 +121,8 @@ void TestCatalogTree::aiaPresetReplacesTheSelection()
 {
     m_selection = {{15, 19}, 19};
     fill(parsed(catalog));
-    CatalogTree::tickAiaBands(m_tree.get());
-    QCOMPARE(tickedIds(), QVector<int>({10, 8}));
+    QCOMPARE(CatalogTree::tickAiaBands(m_tree.get()), 2);
+    QCOMPARE(tickedIds(), QVector<int>({8, 10}));
     QCOMPARE(CatalogTree::currentId(m_tree.get()), 19);
     CatalogTree::untickAll(m_tree.get());
     QVERIFY(tickedIds().isEmpty());
@@ -152,6 +153,26 @@ void TestCatalogTree::markupInANameIsShown()
     QHelpEvent event(QEvent::ToolTip, row.center(), m_tree->viewport()->mapToGlobal(row.center()));
     QCoreApplication::sendEvent(m_tree->viewport(), &event);
     QVERIFY2(QToolTip::text().contains(QStringLiteral("&lt;b&gt;x")), qPrintable(QToolTip::text()));
+}
+
+void TestCatalogTree::ticksAreInViewAndABoxMakesCurrent()
+{
+    m_selection = {{7}, -1};
+    const QJsonObject deep =
+        parsed(R"({"a": {"b": {"c": {"d": {"x": {"sourceId": 7}, "y": {"sourceId": 8}}}}}})");
+    for (int round = 0; round < 2; ++round) {
+        fill(deep);
+        QVERIFY(item(QStringLiteral("c"))->isExpanded());
+        QVERIFY(item(QStringLiteral("d"))->isExpanded());
+        m_tree->collapseAll();
+    }
+    fill(deep);
+    m_tree->show();
+    const QRect row = m_tree->visualItemRect(item(leaf("y", 8)));
+    QTest::mouseClick(m_tree->viewport(), Qt::LeftButton, {},
+                      QPoint(row.left() + row.height() / 2, row.center().y()));
+    QCOMPARE(tickedIds(), QVector<int>({7, 8}));
+    QCOMPARE(CatalogTree::currentId(m_tree.get()), 8);
 }
 
 QTEST_MAIN(TestCatalogTree)

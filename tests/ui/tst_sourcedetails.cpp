@@ -33,7 +33,7 @@ void TestSourceDetails::optimisationFromMoreThanOneAndAHalfSteps()
 {
     const QString note = QStringLiteral("optimization:</b> requested sampling is 1 min, but");
     CatalogSource analysed = source();
-    analysed.analysis = SourceCadence{40, 90, 80, 100};
+    analysed.analysis = CadenceStatistics{40, 90, 80, 100};
     QVERIFY(!page(analysed).contains(note));
     analysed.analysis->medianSeconds = 91;
     QVERIFY(page(analysed).contains(note));
