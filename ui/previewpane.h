@@ -12,7 +12,7 @@ class QLabel;
  * Keeps the frame at full size, so that a change of size neither decodes again nor scales a picture
  * that was scaled before.
  */
-class PreviewPane : public QObject
+class PreviewPane final : public QObject
 {
     Q_OBJECT
 

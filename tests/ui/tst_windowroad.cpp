@@ -12,6 +12,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QStatusBar>
 #include <QTextBrowser>
 #include <QTreeWidget>
 #include <QtTest>
@@ -113,10 +114,13 @@ void TestWindowRoad::tickStartWatchStopRestart()
                      .hasMatch(),
                  qPrintable(part<QLabel>(window, "previewMeta")->text()));
         QCOMPARE(part<QProgressBar>(window, "progress")->maximum(), 601 + 1);
+        const QStatusBar *status = window.statusBar();
+        QTRY_VERIFY(status->currentMessage().contains(QStringLiteral(" of 601 requests, about ")));
 
         WindowFixture::clickToolButton(window, "actionStopAcquisition");
         QCOMPARE(enabledParts(window), idleParts);
         QCOMPARE(part<QLabel>(window, "stateLabel")->text(), QStringLiteral("Canceled"));
+        QCOMPARE(status->currentMessage(), QStringLiteral("Ready"));
         QVERIFY(logText(window).contains(QStringLiteral("] Session canceled.\n")));
         QVERIFY(logText(window).contains(QStringLiteral("] Output: ") + m_output->path()));
         window.close();
