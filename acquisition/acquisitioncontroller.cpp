@@ -6,16 +6,14 @@
 #include "acquisition/sessionopening.h"
 #include "acquisition/sourceplan.h"
 #include "acquisition/sourcetiming.h"
-#include "base/childprocess.h"
 #include "base/errortext.h"
 #include "base/jsonfile.h"
 #include "base/runtimeconfig.h"
 #include "client/helioviewerclient.h"
+#include "client/operationnames.h"
 #include "imaging/blankblock.h"
 #include "imaging/frameannotation.h"
 #include "imaging/framedecoder.h"
-#include "output/ffmpegcommand.h"
-#include "output/filmfile.h"
 #include "output/framecleanup.h"
 #include "output/framesequence.h"
 #include "output/sessiondescriptor.h"
@@ -26,20 +24,15 @@
 #include <QFileInfo>
 #include <QImage>
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
 namespace {
 
-const QString &downloadOperation()
-{
-    static const QString name = QStringLiteral("downloadImage");
-    return name;
-}
-
 int clampedToInt(qint64 value)
 {
-    return static_cast<int>(qMin<qint64>(value, std::numeric_limits<int>::max()));
+    return static_cast<int>(std::min<qint64>(value, std::numeric_limits<int>::max()));
 }
 
 } // namespace
@@ -58,11 +51,19 @@ AcquisitionController::AcquisitionController(QObject *parent)
     connect(m_client, &HelioviewerClient::requestError, this,
             &AcquisitionController::onClientError);
 
-    m_ffmpeg.setProcessChannelMode(QProcess::MergedChannels);
-    connect(&m_ffmpeg, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
-            &AcquisitionController::onFfmpegFinished);
-    connect(&m_ffmpeg, &QProcess::errorOccurred, this, &AcquisitionController::onFfmpegError);
-    connect(&m_ffmpeg, &QProcess::readyRead, this, &AcquisitionController::onFfmpegReadyRead);
+    connect(&m_probes, &CadenceProbes::logMessage, this, &AcquisitionController::logMessage);
+    connect(&m_probes, &CadenceProbes::stateChanged, this, &AcquisitionController::stateChanged);
+    connect(&m_probes, &CadenceProbes::progressChanged, this,
+            &AcquisitionController::progressChanged);
+    connect(&m_probes, &CadenceProbes::answered, this, [this](int sourceId, int uniqueFrames) {
+        m_tally[sourceId].cadence.uniqueFrames = uniqueFrames;
+    });
+    connect(&m_probes, &CadenceProbes::failed, this,
+            [this](int sourceId) { m_tally[sourceId].mode = PreflightMode::Fallback; });
+    connect(&m_probes, &CadenceProbes::done, this, &AcquisitionController::buildPlan);
+
+    connect(&m_ffmpeg, &FilmEncoder::finished, this, &AcquisitionController::onFfmpegFinished);
+    connect(&m_ffmpeg, &FilmEncoder::outputRead, this, &AcquisitionController::onFfmpegReadyRead);
 }
 
 AcquisitionController::~AcquisitionController()
@@ -70,8 +71,7 @@ AcquisitionController::~AcquisitionController()
     completeFrame();
     m_ffmpeg.disconnect(this);
     m_client->disconnect(this);
-    for (HelioviewerClient *client : std::as_const(m_probeClients))
-        client->disconnect(this);
+    m_probes.disconnect(this);
     cancelChildren();
     discardFrame();
     m_manifest.close();
@@ -86,10 +86,12 @@ bool AcquisitionController::start(const AcquisitionSettings &settings, QString *
     resetSession(settings);
     if (!createSessionFiles(errorText))
         return false;
-    classifySources();
+    const QVector<ProbeWindow> windows = SessionOpening::probeWindows(m_settings);
+    for (const ProbeWindow &window : windows)
+        m_tally[window.source.sourceId].mode = PreflightMode::QuickProbe;
     enterStage(Stage::Preflight);
-    if (announceSession())
-        scheduleProbes();
+    if (announceSession(windows.size()))
+        m_probes.start(windows, m_settings.cadenceSeconds);
     return true;
 }
 
@@ -115,8 +117,26 @@ QImage AcquisitionController::pictureInHand(const QString &imageFile) const
 
 // Stages
 
+bool AcquisitionController::mayFollow(Stage stage, Stage next)
+{
+    switch (stage) {
+    case Stage::Idle:
+        return next == Stage::Preflight;
+    case Stage::Preflight:
+        return next == Stage::Acquiring || next == Stage::Stopping;
+    case Stage::Acquiring:
+        return next == Stage::Encoding || next == Stage::Stopping || next == Stage::Idle;
+    case Stage::Encoding:
+        return next == Stage::Stopping || next == Stage::Idle;
+    case Stage::Stopping:
+        return next == Stage::Idle;
+    }
+    return false;
+}
+
 void AcquisitionController::enterStage(Stage stage)
 {
+    Q_ASSERT(mayFollow(m_stage, stage));
     m_nextStep.stop();
     if (m_stage == Stage::Idle || stage == Stage::Idle)
         ++m_session;
@@ -128,8 +148,7 @@ void AcquisitionController::takeNextStep()
     switch (m_stage) {
     case Stage::Idle:
         break;
-    case Stage::Preflight:
-        scheduleProbes();
+    case Stage::Preflight: // goes by itself
         break;
     case Stage::Acquiring:
         takeFrameStep();
@@ -151,7 +170,6 @@ void AcquisitionController::resetSession(const AcquisitionSettings &settings)
     m_sessionDirectory.clear();
     m_manifestWaits = false;
     m_tally.clear();
-    m_probes = ProbeQueue();
     m_plan = AcquisitionPlan();
     m_frameStep = FrameStep::Lookup;
     m_films = EncodeQueue();
@@ -171,121 +189,24 @@ bool AcquisitionController::createSessionFiles(QString *errorText)
            ErrorText::fail(errorText, AcquisitionLog::cannotCreateManifest());
 }
 
-/// Decides which datasources are sampled directly and which are probed first.
-void AcquisitionController::classifySources()
+bool AcquisitionController::announceSession(int probes)
 {
-    m_probes = ProbeQueue(SessionOpening::probeWindows(m_settings));
-    for (const DataSource &source : std::as_const(m_settings.sources))
-        m_tally[source.sourceId].mode = SourceTiming::isDense(source)
-                                            ? PreflightMode::DirectDenseSource
-                                            : PreflightMode::QuickProbe;
-}
-
-bool AcquisitionController::announceSession()
-{
-    const QStringList lines =
-        SessionOpening::logLines(m_settings, m_sessionDirectory, m_probes.size());
+    const QStringList lines = SessionOpening::logLines(m_settings, m_sessionDirectory, probes);
     for (const QString &line : lines) {
         if (!report(line))
             return false;
     }
-    return reportProgress(0, qMax(m_probes.size(), 1)) &&
-           reportState(m_probes.isEmpty() ? AcquisitionLog::preparingState()
-                                          : AcquisitionLog::probingState());
+    return reportProgress(0, std::max(probes, 1)) &&
+           reportState(probes == 0 ? AcquisitionLog::preparingState()
+                                   : AcquisitionLog::probingState());
 }
 
-// Cadence planning
-
-/// Gives every idle client of the pool a window; builds the plan when all windows are done.
-void AcquisitionController::scheduleProbes()
-{
-    if (m_probes.isDone()) {
-        buildPlan();
-        return;
-    }
-    const int workers = qMin(RuntimeConfig::preflightParallelRequests(), m_probes.size());
-    growProbePool(workers);
-    for (int worker = 0; worker < workers && m_probes.hasNext(); ++worker) {
-        if (!m_probes.isBusy(worker) && !startProbe(worker))
-            return;
-    }
-}
-
-void AcquisitionController::growProbePool(int workers)
-{
-    while (m_probeClients.size() < workers) {
-        auto *client = new HelioviewerClient(this);
-        connect(client, &HelioviewerClient::logMessage, this, &AcquisitionController::logMessage);
-        connect(client, &HelioviewerClient::frameIndexReceived, this,
-                &AcquisitionController::onFrameIndex);
-        connect(client, &HelioviewerClient::requestError, this,
-                &AcquisitionController::onPreflightError);
-        m_probeClients.append(client);
-    }
-}
-
-bool AcquisitionController::startProbe(int worker)
-{
-    const int session = m_session;
-    const ProbeWindow window = m_probes.take(worker);
-    if (!reportState(AcquisitionLog::analyzingState(window, m_probes.taken(), m_probes.size())))
-        return false;
-    m_probeClients.at(worker)->getJPX(window.source.sourceId, window.startUtc, window.endUtc,
-                                      m_settings.cadenceSeconds);
-    return isSession(session);
-}
-
-void AcquisitionController::onFrameIndex(int sourceId, const QDateTime &startUtc,
-                                         const QDateTime &endUtc,
-                                         const QVector<QDateTime> &framesUtc, const QString &note)
-{
-    const std::optional<ProbeWindow> window = releaseProbe();
-    if (!window)
-        return;
-    if (!window->matches(sourceId, startUtc, endUtc)) {
-        fallBack(window->source, AcquisitionLog::probeMismatch(window->source));
-        return;
-    }
-    if (!note.trimmed().isEmpty() && !report(AcquisitionLog::probeNote(window->source, note)))
-        return;
-    m_probes.addFrames(sourceId, framesUtc);
-    m_tally[sourceId].cadence.uniqueFrames = m_probes.frameSeconds(sourceId).size();
-    closeProbe();
-}
-
-void AcquisitionController::onPreflightError(const QString &operation, const QString &message)
-{
-    if (operation != QLatin1String("getJPX"))
-        return;
-    if (const std::optional<ProbeWindow> window = releaseProbe())
-        fallBack(window->source, AcquisitionLog::probeFailed(window->source, message));
-}
-
-/// The window of the client whose signal is being handled; nothing when it is of no concern now.
-std::optional<ProbeWindow> AcquisitionController::releaseProbe()
-{
-    if (m_stage != Stage::Preflight)
-        return std::nullopt;
-    return m_probes.release(m_probeClients.indexOf(qobject_cast<HelioviewerClient *>(sender())));
-}
-
-/// A datasource without a usable probe is sampled at the requested cadence.
-void AcquisitionController::fallBack(const DataSource &source, const QString &line)
-{
-    m_tally[source.sourceId].mode = PreflightMode::Fallback;
-    if (report(line))
-        closeProbe();
-}
-
-void AcquisitionController::closeProbe()
-{
-    m_probes.complete();
-    if (reportProgress(m_probes.completed(), m_probes.size()))
-        m_nextStep.start();
-}
+// Plan
 
 void AcquisitionController::buildPlan()
 {
+    if (m_stage != Stage::Preflight)
+        return; // a stop is on its way
     enterStage(Stage::Acquiring);
     QVector<RequestSchedule> schedules;
     const QVector<DataSource> sources = m_settings.sources; // a slot may start another session
@@ -293,11 +214,10 @@ void AcquisitionController::buildPlan()
         if (!planSource(source, &schedules))
             return;
     }
-    m_probes = ProbeQueue();
     m_plan = AcquisitionPlan(schedules);
     const qint64 nominalCount = AcquisitionPlanning::nominalCount(m_settings);
     if (report(AcquisitionLog::planReady(m_plan.size(), nominalCount)) &&
-        reportProgress(0, qMax<qint64>(totalSteps(), 1)) &&
+        reportProgress(0, std::max<qint64>(totalSteps(), 1)) &&
         reportState(AcquisitionLog::downloadingState()))
         issueNextLookup();
 }
@@ -371,8 +291,8 @@ void AcquisitionController::onClientError(const QString &operation, const QStrin
     if (!m_lookup->actualUtc.isValid()) // no verdict has read it
         m_lookup->toleranceSeconds = SourceTiming::toleranceSeconds(m_lookup->request, m_settings);
     m_lookup->answer = QJsonObject();
-    closeRequest(operation == downloadOperation() ? FrameStatus::DownloadError
-                                                  : FrameStatus::LookupError,
+    closeRequest(operation == OperationNames::downloadImage() ? FrameStatus::DownloadError
+                                                              : FrameStatus::LookupError,
                  AcquisitionLog::requestFailed(m_lookup->request, operation, message));
 }
 
@@ -582,47 +502,52 @@ void AcquisitionController::encodeNext()
         return;
     }
     const DataSource source = m_films.current();
-    const SourceFolder folder = m_tally.value(source.sourceId).folder;
-    const QString film = SessionLayout::filmPath(folder);
-    if (!report(AcquisitionLog::encoding(source, film)))
-        return;
-    m_encoding = true;
-    m_ffmpeg.setWorkingDirectory(folder.directory);
-    m_ffmpeg.start(RuntimeConfig::ffmpegPath(),
-                   FfmpegCommand::arguments(m_settings.videoFps, SessionLayout::framePattern(),
-                                            m_settings.videoCrf, film));
+    const SourceTally tally = m_tally.value(source.sourceId);
+    FilmOrder order;
+    order.program = RuntimeConfig::ffmpegPath();
+    order.folder = tally.folder.directory;
+    order.inputPattern = SessionLayout::framePattern();
+    order.film = SessionLayout::filmPath(tally.folder);
+    order.fps = m_settings.videoFps;
+    order.crf = m_settings.videoCrf;
+    order.pictures = tally.timestampedVideoFrames;
+    if (report(AcquisitionLog::encoding(source, order.film)))
+        m_ffmpeg.start(order);
 }
 
-void AcquisitionController::onFfmpegFinished(int exitCode, QProcess::ExitStatus exitStatus)
+void AcquisitionController::onFfmpegFinished(const FilmOutcome &outcome)
 {
-    if (!isRunning() || !std::exchange(m_encoding, false))
-        return;
-    const DataSource source = m_films.current();
-    const QString film = SessionLayout::filmPath(m_tally.value(source.sourceId).folder);
-    const bool succeeded =
-        exitStatus == QProcess::NormalExit && exitCode == 0 && !FilmFile::isCutOff(film);
-    if (!succeeded)
-        m_films.noteFailure();
-    if (report(succeeded ? AcquisitionLog::videoCompleted(source)
-                         : AcquisitionLog::encodingFailed(source, exitCode)))
+    if (outcome.end == FilmOutcome::End::NotStarted)
+        onFfmpegError(outcome.reason);
+    else if (outcome.end != FilmOutcome::End::Completed)
+        failFilm(outcome);
+    else if (report(AcquisitionLog::videoCompleted(m_films.current())))
         closeFilm();
 }
 
-/// Only an encoder that cannot be started has no end of its own.
-void AcquisitionController::onFfmpegError(QProcess::ProcessError error)
+/// Tells of an encoder that could not be started; there is no exit code then.
+void AcquisitionController::onFfmpegError(const QString &reason)
 {
-    if (error != QProcess::FailedToStart || !isRunning() || !std::exchange(m_encoding, false))
-        return;
     m_films.noteFailure();
-    if (report(AcquisitionLog::encoderNotStarted(m_films.current(), m_ffmpeg.errorString())))
+    if (report(AcquisitionLog::encoderNotStarted(m_films.current(), reason)))
         closeFilm();
 }
 
-void AcquisitionController::onFfmpegReadyRead()
+void AcquisitionController::onFfmpegReadyRead(const QString &text)
 {
-    const QString text = QString::fromLocal8Bit(m_ffmpeg.readAll()).trimmed();
-    if (isRunning() && !text.isEmpty())
-        emit logMessage(text);
+    emit logMessage(text);
+}
+
+/// Says why a film was not taken, when the exit code does not.
+void AcquisitionController::failFilm(const FilmOutcome &outcome)
+{
+    const DataSource source = m_films.current();
+    m_films.noteFailure();
+    if (outcome.end == FilmOutcome::End::NotWhole &&
+        !report(AcquisitionLog::filmNotWhole(source, outcome.reason)))
+        return;
+    if (report(AcquisitionLog::encodingFailed(source, outcome.exitCode)))
+        closeFilm();
 }
 
 void AcquisitionController::closeFilm()
@@ -649,13 +574,12 @@ void AcquisitionController::finishEncoding()
 void AcquisitionController::cancelChildren()
 {
     m_client->cancel();
-    for (HelioviewerClient *client : std::as_const(m_probeClients))
-        client->cancel();
-    ChildProcess::killAndWait(m_ffmpeg);
+    m_probes.cancel();
+    m_ffmpeg.cancel();
 }
 
-/// False when the disk did not take the descriptor. Where not even a save file can be opened, the
-/// session's folder is gone or closed to us, which is no news: its user took it away.
+/// False when the disk did not take the descriptor. When not even a save file can be opened, the
+/// user removed the folder; that is not reported.
 bool AcquisitionController::writeDescriptor(bool canceled) const
 {
     return JsonFile::save(QDir(m_sessionDirectory).filePath(SessionFiles::descriptor()),
@@ -673,7 +597,6 @@ void AcquisitionController::finish(bool canceled)
     const bool descriptorLost = !writeDescriptor(canceled);
     discardFrame();
     m_lookup.reset();
-    m_encoding = false;
     const qint64 total = totalSteps();
     const QString sessionDirectory = m_sessionDirectory;
     enterStage(Stage::Idle);
@@ -685,7 +608,7 @@ void AcquisitionController::finish(bool canceled)
     if (descriptorLost)
         emit logMessage(AcquisitionLog::descriptorLost());
     if (!canceled)
-        emit progressChanged(clampedToInt(total), clampedToInt(qMax<qint64>(total, 1)));
+        emit progressChanged(clampedToInt(total), clampedToInt(std::max<qint64>(total, 1)));
     emit stateChanged(AcquisitionLog::endState(canceled));
     emit logMessage(AcquisitionLog::sessionEnd(canceled));
     emit finished(canceled, sessionDirectory);

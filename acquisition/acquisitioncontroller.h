@@ -1,16 +1,16 @@
 #pragma once
 
 #include "acquisition/acquisitionplan.h"
+#include "acquisition/cadenceprobes.h"
 #include "acquisition/encodequeue.h"
 #include "acquisition/framelookup.h"
-#include "acquisition/probequeue.h"
 #include "acquisition/sessiontally.h"
+#include "output/filmencoder.h"
 #include "output/manifestwriter.h"
 #include "session/acquisitionsettings.h"
 
 #include <QImage>
 #include <QObject>
-#include <QProcess>
 #include <QTimer>
 
 #include <optional>
@@ -35,7 +35,7 @@ class HelioviewerClient;
  * Destruction otherwise ends a session without a word: children are killed, the manifest stays, no
  * descriptor is written.
  */
-class AcquisitionController : public QObject
+class AcquisitionController final : public QObject
 {
     Q_OBJECT
 
@@ -77,17 +77,14 @@ signals:
     void finished(bool canceled, const QString &sessionDirectory);
 
 private slots:
-    void onFrameIndex(int sourceId, const QDateTime &startUtc, const QDateTime &endUtc,
-                      const QVector<QDateTime> &framesUtc, const QString &note);
     void onClosestImage(int sourceId, const QDateTime &requestedUtc, qint64 imageId,
                         const QDateTime &actualUtc, const QJsonObject &answer);
     void onImageDownloaded(int sourceId, const QDateTime &requestedUtc, const QDateTime &actualUtc,
                            qint64 imageId, const QString &file);
     void onClientError(const QString &operation, const QString &message);
-    void onPreflightError(const QString &operation, const QString &message);
-    void onFfmpegFinished(int exitCode, QProcess::ExitStatus exitStatus);
-    void onFfmpegError(QProcess::ProcessError error);
-    void onFfmpegReadyRead();
+    void onFfmpegFinished(const FilmOutcome &outcome);
+    void onFfmpegError(const QString &reason);
+    void onFfmpegReadyRead(const QString &text);
 
 private:
     enum class Stage {
@@ -105,23 +102,17 @@ private:
         Write,    ///< the picture in hand is the annotated copy
     };
 
+    static bool mayFollow(Stage stage, Stage next);
     void enterStage(Stage stage);
     void takeNextStep();
     void takeFrameStep();
 
-    // Steps that send signals on their way give false when a slot has ended the session over one.
+    // Steps that emit signals return false when a connected slot ended the session; the caller then
+    // returns.
 
     void resetSession(const AcquisitionSettings &settings);
     bool createSessionFiles(QString *errorText);
-    void classifySources();
-    bool announceSession();
-
-    void scheduleProbes();
-    bool startProbe(int worker);
-    void growProbePool(int workers);
-    std::optional<ProbeWindow> releaseProbe();
-    void fallBack(const DataSource &source, const QString &line);
-    void closeProbe();
+    bool announceSession(int probes);
 
     void buildPlan();
     bool planSource(const DataSource &source, QVector<RequestSchedule> *schedules);
@@ -144,6 +135,7 @@ private:
     void beginEncoding();
     bool concludeSource(const DataSource &source);
     void encodeNext();
+    void failFilm(const FilmOutcome &outcome);
     void closeFilm();
     void finishEncoding();
 
@@ -171,9 +163,7 @@ private:
     bool m_manifestWaits = false; // rows could not be written yet, and the user knows
     SessionTally m_tally;
 
-    QVector<HelioviewerClient *> m_probeClients; // children of this object, kept for all sessions
-    ProbeQueue m_probes;                         // workers are indices of the clients
-
+    CadenceProbes m_probes;
     AcquisitionPlan m_plan;
     HelioviewerClient *m_client;         // child of this object; lookups and downloads
     std::optional<FrameLookup> m_lookup; // the request in flight
@@ -182,6 +172,5 @@ private:
     QString m_pictureFile; // that shows m_picture; empty until there is one
 
     EncodeQueue m_films;
-    QProcess m_ffmpeg;
-    bool m_encoding = false; // the end of an encoder run is still to be told
+    FilmEncoder m_ffmpeg;
 };

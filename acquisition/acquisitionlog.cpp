@@ -157,7 +157,7 @@ QString AcquisitionLog::sourceTiming(const DataSource &source, SourceTimingProfi
                                      int toleranceSeconds)
 {
     return QStringLiteral("Timing %1: profile=%2, tolerance=%3 s")
-        .arg(source.nickname, toText(profile), number(toleranceSeconds));
+        .arg(source.nickname, SourceTiming::toText(profile), number(toleranceSeconds));
 }
 
 QString AcquisitionLog::probeNote(const DataSource &source, const QString &note)
@@ -322,6 +322,11 @@ QString AcquisitionLog::encoderNotStarted(const DataSource &source, const QStrin
 {
     return QStringLiteral("FFMPEG ERROR for %1: %2. Frames are preserved.")
         .arg(source.nickname, reason);
+}
+
+QString AcquisitionLog::filmNotWhole(const DataSource &source, const QString &reason)
+{
+    return QStringLiteral("WARNING %1: %2").arg(source.nickname, reason);
 }
 
 QString AcquisitionLog::encodingFailed(const DataSource &source, int exitCode)

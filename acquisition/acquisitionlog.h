@@ -87,6 +87,8 @@ QString noAcceptedFrames(const DataSource &source);
 QString videoSkipped(const DataSource &source, int acceptedFrames, int videoFrames);
 QString encoding(const DataSource &source, const QString &film);
 QString encoderNotStarted(const DataSource &source, const QString &reason);
+/// @p reason is what is wrong with the film of an encoder that ended without an error.
+QString filmNotWhole(const DataSource &source, const QString &reason);
 QString encodingFailed(const DataSource &source, int exitCode);
 QString videoCompleted(const DataSource &source);
 QString framesRemoved();

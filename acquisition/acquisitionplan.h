@@ -27,7 +27,7 @@ struct RequestSchedule
  * Ten years at one second thus take no more memory than an hour does, and a small program starts
  * its curl children faster.
  */
-class AcquisitionPlan
+class AcquisitionPlan final
 {
 public:
     AcquisitionPlan() = default;

@@ -5,7 +5,7 @@
 #include <QVector>
 
 /// The films still to be made, in order, and whether all went well so far.
-class EncodeQueue
+class EncodeQueue final
 {
 public:
     void append(const DataSource &source);

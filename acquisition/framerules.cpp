@@ -2,6 +2,8 @@
 
 #include <QDateTime>
 
+#include <cstdlib>
+
 qint64 FrameRules::deltaSeconds(const QDateTime &requestedUtc, const QDateTime &actualUtc)
 {
     return actualUtc.toSecsSinceEpoch() - requestedUtc.toSecsSinceEpoch();
@@ -10,7 +12,7 @@ qint64 FrameRules::deltaSeconds(const QDateTime &requestedUtc, const QDateTime &
 FrameVerdict FrameRules::judge(qint64 deltaSeconds, int toleranceSeconds, qint64 imageId,
                                const QSet<qint64> &acceptedIds)
 {
-    if (qAbs(deltaSeconds) > toleranceSeconds)
+    if (std::abs(deltaSeconds) > toleranceSeconds)
         return FrameVerdict::RejectedTime;
     if (acceptedIds.contains(imageId))
         return FrameVerdict::Duplicate;

@@ -24,7 +24,7 @@ struct ProbeWindow
  *
  * Workers are numbers; an answer is told by its worker and never by the order of arrival.
  */
-class ProbeQueue
+class ProbeQueue final
 {
 public:
     ProbeQueue() = default;

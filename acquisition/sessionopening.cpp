@@ -8,6 +8,8 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
 
 /// A single instant is an interval too.
@@ -48,7 +50,7 @@ QVector<ProbeWindow> SessionOpening::probeWindows(const AcquisitionSettings &set
 {
     const QDateTime startUtc = settings.startUtc.toUTC();
     const QDateTime endUtc =
-        qMin(startUtc.addSecs(RuntimeConfig::preflightProbeSeconds()), settings.endUtc.toUTC());
+        std::min(startUtc.addSecs(RuntimeConfig::preflightProbeSeconds()), settings.endUtc.toUTC());
     QVector<ProbeWindow> windows;
     for (const DataSource &source : settings.sources) {
         if (!SourceTiming::isDense(source))

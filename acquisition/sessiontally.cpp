@@ -5,6 +5,8 @@
 #include "output/sessiondescriptor.h"
 #include "session/acquisitionsettings.h"
 
+#include <algorithm>
+
 namespace {
 
 SessionSourceRecord sourceRecord(const DataSource &source, const SourceTally &tally,
@@ -13,14 +15,14 @@ SessionSourceRecord sourceRecord(const DataSource &source, const SourceTally &ta
     SessionSourceRecord record;
     record.source = source;
     record.archiveName = tally.folder.name;
-    record.timingProfile = toText(SourceTiming::profileOf(source));
+    record.timingProfile = SourceTiming::toText(SourceTiming::profileOf(source));
     record.maxTimeErrorSeconds = toleranceSeconds;
     record.acceptedFrames = tally.acceptedFrames;
     record.timestampedVideoFrames = tally.timestampedVideoFrames;
     record.duplicateRequests = tally.duplicateRequests;
     record.rejectedTimeRequests = tally.rejectedTimeRequests;
-    record.preflightMode = toText(tally.mode);
-    record.preflightUniqueFrames = qMax(tally.cadence.uniqueFrames, 0);
+    record.preflightMode = tally.mode;
+    record.preflightUniqueFrames = std::max(tally.cadence.uniqueFrames, 0);
     record.medianSeconds = tally.cadence.medianSeconds;
     record.minSeconds = tally.cadence.minSeconds;
     record.maxSeconds = tally.cadence.maxSeconds;
@@ -28,19 +30,6 @@ SessionSourceRecord sourceRecord(const DataSource &source, const SourceTally &ta
 }
 
 } // namespace
-
-QString toText(PreflightMode mode)
-{
-    switch (mode) {
-    case PreflightMode::DirectDenseSource:
-        return QStringLiteral("direct-dense-source");
-    case PreflightMode::QuickProbe:
-        return QStringLiteral("quick-probe");
-    case PreflightMode::Fallback:
-        break;
-    }
-    return QStringLiteral("fallback");
-}
 
 void SourceTally::count(FrameStatus status)
 {

@@ -3,6 +3,7 @@
 #include "acquisition/cadenceanalysis.h"
 #include "acquisition/sessionlayout.h"
 #include "output/manifestrow.h"
+#include "session/preflightmode.h"
 
 #include <QHash>
 #include <QSet>
@@ -11,21 +12,11 @@
 struct AcquisitionSettings;
 struct SessionRecord;
 
-/// How the requests of a datasource were planned.
-enum class PreflightMode {
-    DirectDenseSource, ///< at the requested cadence, without a look at the archive
-    QuickProbe,        ///< by the archive's own spacing
-    Fallback,          ///< at the requested cadence, since the look failed
-};
-
-/// The word that the session descriptor stores.
-QString toText(PreflightMode mode);
-
 /// What a session knows of one datasource.
 struct SourceTally
 {
     SourceFolder folder;
-    PreflightMode mode = PreflightMode::QuickProbe;
+    PreflightMode mode = PreflightMode::DirectDenseSource;
     CadenceStatistics cadence;
     int acceptedFrames = 0;
     int timestampedVideoFrames = 0;

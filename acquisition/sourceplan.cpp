@@ -10,7 +10,7 @@ RequestSchedule schedule(const DataSource &source, const QDateTime &firstUtc, in
                          const AcquisitionSettings &settings)
 {
     return {source, firstUtc.toMSecsSinceEpoch(), settings.endUtc.toMSecsSinceEpoch(),
-            qint64(stepSeconds) * 1000};
+            static_cast<qint64>(stepSeconds) * 1000};
 }
 
 /// At the requested cadence from the start of the interval on.

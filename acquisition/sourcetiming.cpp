@@ -18,7 +18,7 @@ bool isOf(const DataSource &source, const QString &instrument)
 
 } // namespace
 
-QString toText(SourceTimingProfile profile)
+QString SourceTiming::toText(SourceTimingProfile profile)
 {
     switch (profile) {
     case SourceTimingProfile::Aia:

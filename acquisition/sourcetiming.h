@@ -8,10 +8,10 @@ struct DataSource;
 /// How a datasource is sampled and how exactly its images must meet the requested time.
 enum class SourceTimingProfile { Aia, Suvi, Default };
 
+namespace SourceTiming {
+
 /// "AIA", "SUVI" or "DEFAULT", the word that logs and descriptors carry.
 QString toText(SourceTimingProfile profile);
-
-namespace SourceTiming {
 
 /// Judged by nickname and catalog path in any letter case; SUVI goes before AIA.
 SourceTimingProfile profileOf(const DataSource &source);

@@ -10,3 +10,14 @@ void ChildProcess::killAndWait(QProcess &process)
     process.kill();
     process.waitForFinished(waitMs);
 }
+
+void ChildProcess::letGo(QProcess *process)
+{
+    if (process->state() == QProcess::NotRunning) {
+        process->deleteLater();
+        return;
+    }
+    process->setParent(nullptr);
+    QObject::connect(process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), process,
+                     &QObject::deleteLater);
+}

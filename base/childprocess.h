@@ -12,4 +12,12 @@ namespace ChildProcess {
  */
 void killAndWait(QProcess &process);
 
+/**
+ * Deletes @p process, whose signals nobody waits for any longer, from the event loop.
+ *
+ * One whose child not even a kill has ended loses its parent and lives on until that end: its
+ * destructor would wait for it for half a minute.
+ */
+void letGo(QProcess *process);
+
 } // namespace ChildProcess

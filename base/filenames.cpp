@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QTextBoundaryFinder>
 
 namespace {
 
@@ -29,28 +30,28 @@ QString safePart(const QString &text, const QString &fallback)
 
 } // namespace
 
-QString FileNames::shortened(const QString &name, int bytes)
-{
-    QString beginning = name.left(bytes); // a character takes a byte at least
-    const auto isCutWithinCharacter = [&] {
-        return beginning.size() < name.size() && name.at(beginning.size()).isLowSurrogate();
-    };
-    while (QFile::encodeName(beginning).size() > bytes || isCutWithinCharacter())
-        beginning.chop(1);
-    return beginning;
-}
-
 QString FileNames::datasourceFolder(const QString &nickname, const QDateTime &startUtc,
                                     const QString &suffix)
 {
     constexpr int extensionBytes = 4; // ".mp4"
     const QString tail = QLatin1Char('_') + UtcText::toFolderText(startUtc) + suffix;
     return shortened(safePart(nickname, QStringLiteral("source")),
-                     maxBytes - extensionBytes - tail.size()) +
+                     maxNameBytes - extensionBytes - tail.size()) +
            tail;
 }
 
 QString FileNames::roiPart(const QString &name)
 {
     return safePart(name, QStringLiteral("ROI"));
+}
+
+QString FileNames::shortened(const QString &name, int maxBytes)
+{
+    const QString head = name.left(maxBytes + 1); // more can never fit
+    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, head);
+    characters.toEnd();
+    int length = head.size();
+    while (QFile::encodeName(head.left(length)).size() > maxBytes)
+        length = characters.toPreviousBoundary();
+    return head.left(length);
 }

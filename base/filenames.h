@@ -12,10 +12,8 @@ class QDateTime;
  */
 namespace FileNames {
 
-constexpr int maxBytes = 255;
-
-/// The longest beginning of @p name, in whole characters, that takes @p bytes bytes on disk.
-QString shortened(const QString &name, int bytes);
+/// Bytes in the longest name that the usual file systems take.
+constexpr int maxNameBytes = 255;
 
 /**
  * The folder of one datasource inside a session: the nickname as a file-name part, "source" when
@@ -27,5 +25,11 @@ QString datasourceFolder(const QString &nickname, const QDateTime &startUtc,
 
 /// The part of a file name that stands for a region of interest; "ROI" when nothing is left of it.
 QString roiPart(const QString &name);
+
+/**
+ * The longest beginning of @p name that ends at a whole character and has no more than @p maxBytes
+ * bytes as a file name.
+ */
+QString shortened(const QString &name, int maxBytes);
 
 } // namespace FileNames

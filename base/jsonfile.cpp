@@ -15,6 +15,18 @@ constexpr qint64 maxBytes = 64 << 20;
 
 } // namespace
 
+std::optional<QJsonObject> JsonFile::parse(const QByteArray &json, QString *errorText)
+{
+    constexpr int maxValues = 10'000'000;
+    if (json.size() > maxValues && json.count(',') > maxValues)
+        return ErrorText::nothing(errorText, QStringLiteral("too many values"));
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    if (!document.isObject())
+        return ErrorText::nothing(errorText, error.errorString());
+    return document.object();
+}
+
 JsonFile::SaveResult JsonFile::save(const QString &path, const QJsonObject &object)
 {
     QSaveFile file(path);
@@ -30,11 +42,5 @@ JsonFile::SaveResult JsonFile::save(const QString &path, const QJsonObject &obje
 std::optional<QJsonObject> JsonFile::load(const QString &path, QString *errorText)
 {
     const std::optional<QByteArray> json = RegularFile::read(path, maxBytes, errorText);
-    if (!json)
-        return std::nullopt;
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(*json, &error);
-    if (!document.isObject())
-        return ErrorText::nothing(errorText, error.errorString());
-    return document.object();
+    return json ? parse(*json, errorText) : std::nullopt;
 }

@@ -5,6 +5,8 @@
 #include <QSettings>
 #include <QVariant>
 
+#include <algorithm>
+
 namespace {
 
 #ifdef Q_OS_WIN
@@ -58,7 +60,7 @@ const Setting &setting(int key)
 }
 
 /// The file, opened in the one way that keeps a path with an umlaut readable in any editor.
-class ConfigFile : public QSettings
+class ConfigFile final : public QSettings
 {
 public:
     ConfigFile() : QSettings(RuntimeConfig::configFilePath(), QSettings::IniFormat)
@@ -164,22 +166,22 @@ bool RuntimeConfig::allowInsecureFallback()
 
 int RuntimeConfig::preflightParallelRequests()
 {
-    return qBound(1, read(PreflightParallel).toInt(), 6);
+    return std::clamp(read(PreflightParallel).toInt(), 1, 6);
 }
 
 int RuntimeConfig::preflightProbeSeconds()
 {
-    return qBound(300, read(PreflightProbe).toInt(), 86400);
+    return std::clamp(read(PreflightProbe).toInt(), 300, 86400);
 }
 
 int RuntimeConfig::aiaMaxTimeErrorSeconds()
 {
-    return qMax(0, read(AiaMaxTimeError).toInt());
+    return std::max(0, read(AiaMaxTimeError).toInt());
 }
 
 int RuntimeConfig::suviMaxTimeErrorSeconds()
 {
-    return qMax(0, read(SuviMaxTimeError).toInt());
+    return std::max(0, read(SuviMaxTimeError).toInt());
 }
 
 QVariant RuntimeConfig::preset(const QString &key)

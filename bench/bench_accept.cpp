@@ -29,7 +29,7 @@
 namespace {
 
 /// The two places of the main window that every frame touches.
-class Window
+class Window final
 {
 public:
     Window() : m_log(&m_logText, &m_dock), m_preview(&m_label)
@@ -71,7 +71,7 @@ private:
 };
 
 /// How resident memory grows once a fifth of the session is done and all caches are filled.
-class MemoryWatch
+class MemoryWatch final
 {
 public:
     explicit MemoryWatch(int frames) : m_settled(qMax(1, frames / 5)) {}

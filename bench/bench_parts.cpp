@@ -37,7 +37,7 @@ QByteArray curl(const QStringList &arguments)
     return process.readAllStandardOutput();
 }
 
-class PlainLoop
+class PlainLoop final
 {
 public:
     explicit PlainLoop(const BenchRun &run)

@@ -10,6 +10,7 @@
 #include "imaging/frameannotation.h"
 #include "imaging/metricscale.h"
 #include "imaging/pngwriter.h"
+#include "output/sessionfiles.h"
 #include "roi/roiencoder.h"
 #include "roi/roiframe.h"
 #include "roi/roigeometry.h"
@@ -73,7 +74,7 @@ std::optional<Arguments> Arguments::parse(const QStringList &words)
 }
 
 /// The steps of a film in a plain loop.
-class PlainLoop
+class PlainLoop final
 {
 public:
     explicit PlainLoop(const Arguments &arguments) : m_arguments(arguments) {}
@@ -87,11 +88,11 @@ public:
             if (!picture(frame, index++))
                 return false;
         }
-        return m_times.time("encode", [this] {
+        return m_times.time("encode", [this, index] {
             const RoiVideoPlan &plan = m_arguments.plan;
-            return RoiEncoder().run(RuntimeConfig::ffmpegPath(), m_folder.path(),
-                                    m_folder.filePath(QStringLiteral("film.mp4")), plan.fps,
-                                    plan.crf);
+            return RoiEncoder().run(
+                {RuntimeConfig::ffmpegPath(), m_folder.path(), SessionFiles::framePattern(),
+                 m_folder.filePath(QStringLiteral("film.mp4")), plan.fps, plan.crf, index});
         });
     }
 

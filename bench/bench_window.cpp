@@ -78,7 +78,7 @@ double median(int runs, Measure measure)
 
 /// Ends the program when its window has been painted: at once, for taking the window down again is
 /// no part of a start.
-class EndAtFirstPaint : public QObject
+class EndAtFirstPaint final : public QObject
 {
 public:
     bool eventFilter(QObject *watched, QEvent *event) override

@@ -17,7 +17,7 @@ double residentKb();
 } // namespace Measures
 
 /// Adds up the wall time of each step under its name.
-class StepTimes
+class StepTimes final
 {
 public:
     template<typename Step>

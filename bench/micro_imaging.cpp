@@ -52,7 +52,8 @@ QDateTime noon()
 
 void blankBlockSearch(benchmark::State &state)
 {
-    const QImage image = sun(static_cast<int>(state.range(0)));
+    const QImage image =
+        sun(static_cast<int>(state.range(0))).convertToFormat(QImage::Format_RGB32);
     while (state.KeepRunning())
         benchmark::DoNotOptimize(detectBlankRendererBlock(image, metadata()));
 }

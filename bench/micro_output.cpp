@@ -83,7 +83,7 @@ void readBack(benchmark::State &state, Geometry geometry)
         state.counters["bytes"] =
             double(after.uordblks + after.hblkhd) - double(before.uordblks + before.hblkhd);
         state.counters["bytes"] /= rows;
-        if (!frames || frames->value(10).size() != rows / 2)
+        if (!frames || frames->bySource.value(10).size() != rows / 2)
             state.SkipWithError("rows are missing");
     }
     state.counters["time"] = benchmark::Counter(

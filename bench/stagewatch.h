@@ -14,7 +14,7 @@ class AcquisitionController;
  * The engine is not changed for it: the starts and ends of its curl children and the times at
  * which it hands something to the window divide the run.
  */
-class StageWatch : public QObject
+class StageWatch final : public QObject
 {
     Q_OBJECT
 

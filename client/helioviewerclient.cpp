@@ -5,6 +5,7 @@
 #include "client/curlcommand.h"
 #include "client/helioviewerrequests.h"
 #include "client/helioviewerresponses.h"
+#include "client/operationnames.h"
 
 #include <QDir>
 #include <QFile>
@@ -167,13 +168,13 @@ QString HelioviewerClient::operationName(Operation operation)
     case Operation::None:
         break;
     case Operation::GetDataSources:
-        return QStringLiteral("getDataSources");
+        return OperationNames::getDataSources();
     case Operation::GetJPX:
-        return QStringLiteral("getJPX");
+        return OperationNames::getJpx();
     case Operation::GetClosestImage:
-        return QStringLiteral("getClosestImage");
+        return OperationNames::getClosestImage();
     case Operation::DownloadImage:
-        return QStringLiteral("downloadImage");
+        return OperationNames::downloadImage();
     }
     return QStringLiteral("curl");
 }

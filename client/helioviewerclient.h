@@ -20,7 +20,7 @@
  * than 64 MB, or a download of more than 1 GB, ends in requestError as soon as it has grown so far.
  * Destroying a busy client kills its request without any signal.
  */
-class HelioviewerClient : public QObject
+class HelioviewerClient final : public QObject
 {
     Q_OBJECT
 

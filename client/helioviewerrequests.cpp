@@ -1,19 +1,22 @@
 #include "client/helioviewerrequests.h"
 
 #include "base/utctext.h"
+#include "client/operationnames.h"
 
 #include <QPair>
 #include <QUrl>
 #include <QUrlQuery>
 #include <QVector>
 
+#include <algorithm>
+
 namespace {
 
 using QueryPairs = QVector<QPair<QString, QString>>;
 
-QString requestUrl(const QString &address, const QueryPairs &pairs)
+QString requestUrl(const QString &apiBase, const QString &operation, const QueryPairs &pairs)
 {
-    QUrl url(address, QUrl::TolerantMode);
+    QUrl url(QStringLiteral("%1/%2/").arg(apiBase, operation), QUrl::TolerantMode);
     if (!pairs.isEmpty()) {
         QUrlQuery query;
         query.setQueryItems(pairs.toList());
@@ -26,13 +29,13 @@ QString requestUrl(const QString &address, const QueryPairs &pairs)
 
 QString HelioviewerRequests::dataSourcesUrl(const QString &apiBase)
 {
-    return requestUrl(apiBase + QLatin1String("/getDataSources/"), {});
+    return requestUrl(apiBase, OperationNames::getDataSources(), {});
 }
 
 QString HelioviewerRequests::jpxUrl(const QString &apiBase, int sourceId, const QDateTime &startUtc,
                                     const QDateTime &endUtc, int cadenceSeconds)
 {
-    return requestUrl(apiBase + QLatin1String("/getJPX/"),
+    return requestUrl(apiBase, OperationNames::getJpx(),
                       {
                           {QStringLiteral("startTime"), UtcText::toText(startUtc)},
                           {QStringLiteral("endTime"), UtcText::toText(endUtc)},
@@ -40,14 +43,14 @@ QString HelioviewerRequests::jpxUrl(const QString &apiBase, int sourceId, const 
                           {QStringLiteral("linked"), QStringLiteral("true")},
                           {QStringLiteral("jpip"), QStringLiteral("true")},
                           {QStringLiteral("verbose"), QStringLiteral("true")},
-                          {QStringLiteral("cadence"), QString::number(qMax(1, cadenceSeconds))},
+                          {QStringLiteral("cadence"), QString::number(std::max(1, cadenceSeconds))},
                       });
 }
 
 QString HelioviewerRequests::closestImageUrl(const QString &apiBase, int sourceId,
                                              const QDateTime &requestedUtc)
 {
-    return requestUrl(apiBase + QLatin1String("/getClosestImage/"),
+    return requestUrl(apiBase, OperationNames::getClosestImage(),
                       {
                           {QStringLiteral("date"), UtcText::toText(requestedUtc)},
                           {QStringLiteral("sourceId"), QString::number(sourceId)},
@@ -56,7 +59,7 @@ QString HelioviewerRequests::closestImageUrl(const QString &apiBase, int sourceI
 
 QString HelioviewerRequests::renderedImageUrl(const QString &apiBase, qint64 imageId, int widthPx)
 {
-    return requestUrl(apiBase + QLatin1String("/downloadImage/"),
+    return requestUrl(apiBase, OperationNames::downloadImage(),
                       {
                           {QStringLiteral("id"), QString::number(imageId)},
                           {QStringLiteral("width"), QString::number(widthPx)},

@@ -1,9 +1,9 @@
 #include "client/helioviewerresponses.h"
 
 #include "base/errortext.h"
+#include "base/jsonfile.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <limits>
@@ -54,12 +54,11 @@ QDateTime imageTime(const QString &text)
 std::optional<QJsonObject> HelioviewerResponses::parseObject(const QByteArray &answer,
                                                              QString *errorText)
 {
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(answer, &error);
-    if (!document.isObject())
-        return ErrorText::nothing(errorText,
-                                  QStringLiteral("Invalid JSON: %1").arg(error.errorString()));
-    return document.object();
+    QString reason;
+    std::optional<QJsonObject> object = JsonFile::parse(answer, &reason);
+    if (!object)
+        ErrorText::fail(errorText, QStringLiteral("Invalid JSON: %1").arg(reason));
+    return object;
 }
 
 HelioviewerResponses::FrameIndex HelioviewerResponses::frameIndex(const QJsonObject &answer)

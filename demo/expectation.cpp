@@ -2,7 +2,7 @@
 
 #include "base/runtimeconfig.h"
 #include "session/acquisitionsettings.h"
-#include "simulator/archive.h"
+#include "simulator/archive/archive.h"
 
 #include <algorithm>
 #include <set>

@@ -5,8 +5,8 @@
 #include "demo/sessionaudit.h"
 #include "demo/terminal.h"
 #include "demo/texttable.h"
-#include "simulator/archive.h"
-#include "simulator/server.h"
+#include "simulator/archive/archive.h"
+#include "simulator/service/server.h"
 
 #include <QDir>
 #include <QElapsedTimer>

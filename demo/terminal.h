@@ -8,7 +8,7 @@
  *
  * Colours and the progress line are for people: into a file or a pipe go the plain log lines alone.
  */
-class Terminal
+class Terminal final
 {
 public:
     Terminal();

@@ -2,6 +2,7 @@
 
 #include "imaging/metricscale.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -15,7 +16,7 @@ constexpr int gapBelowBarPx = 2;
 QRect bottomBox(QSize frame, const AnnotationLayout::Measures &measures, QSize text, bool atRight)
 {
     const int width =
-        qMin(text.width() + 2 * measures.paddingX, frame.width() - 2 * measures.margin);
+        std::min(text.width() + 2 * measures.paddingX, frame.width() - 2 * measures.margin);
     const int height = text.height() + 2 * measures.paddingY;
     const int left = atRight ? frame.width() - width - measures.margin : measures.margin;
     return {left, frame.height() - height - measures.margin, width, height};
@@ -26,13 +27,13 @@ QRect bottomBox(QSize frame, const AnnotationLayout::Measures &measures, QSize t
 AnnotationLayout::Measures AnnotationLayout::measuresFor(int frameWidth)
 {
     Measures measures;
-    measures.margin = qMax(8, frameWidth / 80);
-    measures.paddingX = qMax(6, frameWidth / 120);
-    measures.paddingY = qMax(4, frameWidth / 220);
-    measures.textPx = qMax(8, frameWidth / 55);
-    measures.scaleTextPx = qMax(8, frameWidth / 65);
-    measures.tickPx = qMax(5, frameWidth / 180);
-    measures.linePx = qMax(1, frameWidth / 900);
+    measures.margin = std::max(8, frameWidth / 80);
+    measures.paddingX = std::max(6, frameWidth / 120);
+    measures.paddingY = std::max(4, frameWidth / 220);
+    measures.textPx = std::max(8, frameWidth / 55);
+    measures.scaleTextPx = std::max(8, frameWidth / 65);
+    measures.tickPx = std::max(5, frameWidth / 180);
+    measures.linePx = std::max(1, frameWidth / 900);
     return measures;
 }
 
@@ -46,7 +47,7 @@ int AnnotationLayout::fittingTextPx(int textPx, int widestPx,
 
 int AnnotationLayout::widestText(int frameWidth, const Measures &measures)
 {
-    return qMax(1, frameWidth - 2 * (measures.paddingX + measures.margin));
+    return std::max(1, frameWidth - 2 * (measures.paddingX + measures.margin));
 }
 
 QRect AnnotationLayout::bottomLeftBox(QSize frame, const Measures &measures, QSize text)
@@ -80,8 +81,9 @@ AnnotationLayout::ScaleBar AnnotationLayout::scaleBarFor(int frameWidth, double 
 AnnotationLayout::ScaleBox AnnotationLayout::scaleBoxFor(int frameWidth, const Measures &measures,
                                                          int barPx, QSize label)
 {
-    const int contentWidth = qMax(barPx, label.width());
-    const int width = qMin(contentWidth + 2 * measures.paddingX, frameWidth - 2 * measures.margin);
+    const int contentWidth = std::max(barPx, label.width());
+    const int width =
+        std::min(contentWidth + 2 * measures.paddingX, frameWidth - 2 * measures.margin);
     const int height = label.height() + gapAboveBarPx + measures.tickPx + 2 * measures.paddingY;
     ScaleBox scale;
     scale.box = QRect(frameWidth - width - measures.margin, measures.margin, width, height);

@@ -7,7 +7,7 @@
 #include <QRect>
 #include <QString>
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 #include <optional>
 #include <vector>
@@ -28,8 +28,6 @@ constexpr int samplesPerCellSide = 32; // bounds the work, however large the pic
 constexpr int blankPerMille = 998;     // of the samples: a stray bright pixel or two hide no block
 constexpr int filledPercent = 75;      // of a group's box: three cells of four are still a block
 
-constexpr int pixelValues = 256; // of an 8-bit picture
-
 /// The solar disk in pixels of the rendered image.
 struct Disk
 {
@@ -43,8 +41,8 @@ struct Grid
 {
     explicit Grid(QSize size)
         : picture(size)
-        , cellPx(qBound(smallestCellPx, qMin(size.width(), size.height()) / cellsPerShortSide,
-                        largestCellPx))
+        , cellPx(std::clamp(std::min(size.width(), size.height()) / cellsPerShortSide,
+                            smallestCellPx, largestCellPx))
         , columns((size.width() + cellPx - 1) / cellPx)
         , rows((size.height() + cellPx - 1) / cellPx)
     {}
@@ -118,84 +116,46 @@ bool isBlank(QRgb pixel)
     return (pixel & 0xfe000000U) == 0 || (pixel & 0x00fefefeU) == 0;
 }
 
-using BlankValues = std::array<bool, pixelValues>;
-
-/// Which of the pixel values of an 8-bit picture are blank, once converted to ARGB32.
-BlankValues blankValues(const QImage &image)
-{
-    QImage ramp(pixelValues, 1, image.format());
-    ramp.setColorTable(image.colorTable());
-    uchar *value = ramp.scanLine(0);
-    for (int i = 0; i < pixelValues; ++i)
-        value[i] = static_cast<uchar>(i);
-
-    const QImage converted = ramp.convertToFormat(QImage::Format_ARGB32);
-    const auto *pixel = reinterpret_cast<const QRgb *>(converted.constScanLine(0));
-    BlankValues blank{};
-    for (size_t i = 0; i < blank.size(); ++i)
-        blank[i] = isBlank(pixel[i]);
-    return blank;
-}
-
 /// True when all samples of @p cell are blank but for a few in a thousand.
-template<typename Pixel, typename BlankTest>
-bool isBlankCell(const QImage &image, const QRect &cell, const BlankTest &isBlankPixel)
+bool isBlankCell(const QImage &image, const QRect &cell)
 {
-    const int step = qMax(1, qMin(cell.width(), cell.height()) / samplesPerCellSide);
+    const QRgb opaque = image.hasAlphaChannel() ? 0U : 0xff000000U; // RGB32 stores anything there
+    const int step = std::max(1, std::min(cell.width(), cell.height()) / samplesPerCellSide);
     int samples = 0;
     int blanks = 0;
     for (int y = cell.top(); y <= cell.bottom(); y += step) {
-        const auto *line = reinterpret_cast<const Pixel *>(image.constScanLine(y));
+        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
         for (int x = cell.left(); x <= cell.right(); x += step) {
             ++samples;
-            blanks += isBlankPixel(line[x]) ? 1 : 0;
+            blanks += isBlank(line[x] | opaque) ? 1 : 0;
         }
     }
     return samples >= 1 && blanks * 1000 >= samples * blankPerMille;
 }
 
-template<typename Pixel, typename BlankTest>
-std::vector<bool> blankCells(const QImage &image, const Grid &grid, const Disk &disk,
-                             const BlankTest &isBlankPixel)
+/// By the cells' indices in @p grid.
+std::vector<bool> blankCells(const QImage &image, const Grid &grid, const Disk &disk)
 {
     std::vector<bool> blank;
     blank.reserve(grid.index(0, grid.rows));
     for (int row = 0; row < grid.rows; ++row) {
         for (int column = 0; column < grid.columns; ++column) {
             const QRect cell = grid.cell(column, row);
-            blank.push_back(isSearched(cell, grid, disk) &&
-                            isBlankCell<Pixel>(image, cell, isBlankPixel));
+            blank.push_back(isSearched(cell, grid, disk) && isBlankCell(image, cell));
         }
     }
     return blank;
 }
 
-/// Reads the formats that frames come in where they lie; any other is converted as a whole.
-std::vector<bool> blankCells(const QImage &image, const Grid &grid, const Disk &disk)
-{
-    switch (image.format()) {
-    case QImage::Format_Indexed8:
-    case QImage::Format_Grayscale8: {
-        const BlankValues blank = blankValues(image);
-        return blankCells<uchar>(image, grid, disk, [&](uchar value) { return blank[value]; });
-    }
-    case QImage::Format_RGB32: // its top byte means nothing: the picture is opaque
-        return blankCells<QRgb>(image, grid, disk,
-                                [](QRgb pixel) { return isBlank(pixel | 0xff000000U); });
-    case QImage::Format_ARGB32:
-        return blankCells<QRgb>(image, grid, disk, isBlank);
-    default:
-        return blankCells<QRgb>(image.convertToFormat(QImage::Format_ARGB32), grid, disk, isBlank);
-    }
-}
-
 QPoint centreCell(const Grid &grid, const Disk &disk)
 {
     // Bounded before it becomes an integer: the centre may lie far outside a sub-field image.
-    const int x = static_cast<int>(qBound(0.0, disk.centreX, double(grid.picture.width())));
-    const int y = static_cast<int>(qBound(0.0, disk.centreY, double(grid.picture.height())));
-    return {qBound(0, x / grid.cellPx, grid.columns - 1),
-            qBound(0, y / grid.cellPx, grid.rows - 1)};
+    const int x =
+        static_cast<int>(std::clamp(disk.centreX, 0.0, static_cast<double>(grid.picture.width())));
+    const int y =
+        static_cast<int>(std::clamp(disk.centreY, 0.0, static_cast<double>(grid.picture.height())));
+    return {std::clamp(x / grid.cellPx, 0, grid.columns - 1),
+            std::clamp(y / grid.cellPx, 0, grid.rows - 1)};
 }
 
 /// Collects the component of @p first and clears its cells in @p blank: each is visited once.
@@ -247,8 +207,8 @@ QString warningText(const QRect &cells, const Grid &grid)
 {
     const int x = cells.left() * grid.cellPx;
     const int y = cells.top() * grid.cellPx;
-    const int width = qMin(cells.width() * grid.cellPx, grid.picture.width() - x);
-    const int height = qMin(cells.height() * grid.cellPx, grid.picture.height() - y);
+    const int width = std::min(cells.width() * grid.cellPx, grid.picture.width() - x);
+    const int height = std::min(cells.height() * grid.cellPx, grid.picture.height() - y);
     return QStringLiteral("possible blank renderer block at x=%1 y=%2, approx. %3x%4 px")
         .arg(QString::number(x), QString::number(y), QString::number(width),
              QString::number(height));
@@ -264,6 +224,9 @@ QString detectBlankRendererBlock(const QImage &image, const QJsonObject &metadat
     if (!disk)
         return {};
     const Grid grid(image.size());
-    const std::optional<QRect> block = firstBlock(grid, *disk, blankCells(image, grid, *disk));
+    const bool readable =
+        image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32;
+    const QImage pixels = readable ? image : image.convertToFormat(QImage::Format_ARGB32);
+    const std::optional<QRect> block = firstBlock(grid, *disk, blankCells(pixels, grid, *disk));
     return block ? warningText(*block, grid) : QString();
 }

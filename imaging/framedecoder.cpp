@@ -24,7 +24,7 @@ int neededBytesPerPixel(QImage::Format stored)
 bool isWithinLimits(const QImageReader &reader)
 {
     const QSize size = reader.size();
-    const qint64 pixels = qint64(size.width()) * size.height();
+    const qint64 pixels = static_cast<qint64>(size.width()) * size.height();
     return !size.isEmpty() && size.width() <= maxSidePx && size.height() <= maxSidePx &&
            pixels <= maxPixels && pixels * neededBytesPerPixel(reader.imageFormat()) <= maxBytes;
 }
@@ -36,9 +36,9 @@ QImage FrameDecoder::decode(const QString &file)
     QFile device(file);
     if (!RegularFile::open(device))
         return {};
-    QImageReader reader(&device, "png");
-    reader.setAutoDetectImageFormat(false);
-    if (!isWithinLimits(reader))
+    QImageReader reader(&device);
+    reader.setDecideFormatFromContent(true);
+    if (reader.format() != "png" || !isWithinLimits(reader))
         return {};
     QImage image = reader.read();
     const bool alpha = image.hasAlphaChannel();

@@ -49,12 +49,12 @@ Buffer allocate(size_t bytes)
     return Buffer(new (std::nothrow) uchar[bytes]);
 }
 
-class Packer
+class Packer final
 {
 public:
     Packer() : m_compressor(libdeflate_alloc_compressor(level)) {}
 
-    bool isValid() const { return m_compressor != nullptr; }
+    bool isValid() const { return static_cast<bool>(m_compressor); }
     size_t bound(size_t size) const
     {
         return libdeflate_zlib_compress_bound(m_compressor.get(), size);
@@ -109,8 +109,8 @@ size_t rowsBytesOf(const QImage &image)
 /// The filter under which a sample of the picture packs smallest.
 Filter chooseFilter(const QImage &image, const Packer &packer)
 {
-    const int rows = qMin(bandRows, image.height());
-    const int bands = qMax(1, image.height() / rowsPerBand);
+    const int rows = std::min(bandRows, image.height());
+    const int bands = std::max(1, image.height() / rowsPerBand);
     const size_t bandBytes = PngRows::storedRowBytes(image) * static_cast<size_t>(rows);
     const size_t sampleBytes = bandBytes * static_cast<size_t>(bands);
     const Buffer sample = allocate(sampleBytes);

@@ -29,12 +29,12 @@ void CsvFields::split(QStringView line)
             else
                 insideQuotes = !insideQuotes;
         } else if (*in == QLatin1Char(',') && !insideQuotes) {
-            m_ends.append(int(out - begin));
+            m_ends.append(static_cast<int>(out - begin));
         } else {
             *out++ = *in;
         }
     }
-    m_ends.append(int(out - begin));
+    m_ends.append(static_cast<int>(out - begin));
 }
 
 QStringRef CsvFields::at(int index) const

@@ -9,7 +9,7 @@
  *
  * One object serves many lines: it keeps its memory, so that a line costs no allocation.
  */
-class CsvFields
+class CsvFields final
 {
 public:
     /// @p value between double quotes, its own double quotes doubled.

@@ -1,6 +1,7 @@
 #include "output/manifestreader.h"
 
 #include "base/errortext.h"
+#include "base/regularfile.h"
 #include "base/utctext.h"
 #include "output/csvfields.h"
 #include "output/manifestcolumns.h"
@@ -119,28 +120,63 @@ QJsonObject FrameList::newMetadata() const
     return metadata;
 }
 
+/// Reads a line at a time, as long as they are of a bearable length.
+class LineReader
+{
+public:
+    explicit LineReader(QFile &file) : m_stream(&file) {}
+
+    bool atEnd() const { return m_stream.atEnd(); }
+    /// The next line; nothing at the end, and from a line on that is too long.
+    std::optional<QStringView> next();
+    /// Says where reading ended before the file did; else empty.
+    QString remark() const;
+
+private:
+    static constexpr int maxCharacters = 1 << 20;
+
+    QTextStream m_stream;
+    QString m_line;
+    qint64 m_number = 0; // of m_line, counted from 1
+};
+
+std::optional<QStringView> LineReader::next()
+{
+    if (m_line.size() > maxCharacters || !m_stream.readLineInto(&m_line, maxCharacters + 1))
+        return std::nullopt;
+    ++m_number;
+    return m_line.size() > maxCharacters ? std::nullopt : std::make_optional(QStringView(m_line));
+}
+
+QString LineReader::remark() const
+{
+    if (m_line.size() <= maxCharacters)
+        return {};
+    return QStringLiteral("line %1 of manifest.csv is longer than 1 MB. Only the rows before it "
+                          "are read.")
+        .arg(m_number);
+}
+
 } // namespace
 
-std::optional<QHash<int, QVector<ManifestFrame>>> ManifestReader::read(const QString &manifestPath,
-                                                                       QString *errorText)
+std::optional<ManifestFrames> ManifestReader::read(const QString &manifestPath, QString *errorText)
 {
     QFile file(manifestPath);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!RegularFile::open(file))
         return ErrorText::nothing(
             errorText,
             QStringLiteral("Cannot open %1").arg(QDir::toNativeSeparators(manifestPath)));
-    QTextStream stream(&file);
-    if (stream.atEnd())
+    file.setTextModeEnabled(true);
+    LineReader lines(file);
+    if (lines.atEnd())
         return ErrorText::nothing(errorText, QStringLiteral("manifest.csv is empty."));
 
-    QString line;
-    stream.readLineInto(&line);
     Table table;
-    table.setHeader(line);
+    table.setHeader(lines.next().value_or(QStringView()));
     const QString accepted = toText(FrameStatus::Ok);
     QHash<int, FrameList> lists;
-    while (stream.readLineInto(&line)) {
-        const QStringView row = QStringView(line).trimmed();
+    while (const std::optional<QStringView> line = lines.next()) {
+        const QStringView row = line->trimmed();
         if (row.isEmpty())
             continue;
         table.setRow(row);
@@ -148,8 +184,9 @@ std::optional<QHash<int, QVector<ManifestFrame>>> ManifestReader::read(const QSt
             lists[table.field(ManifestColumns::SourceId).toInt()].append(table);
     }
 
-    QHash<int, QVector<ManifestFrame>> frames;
+    ManifestFrames frames;
+    frames.remark = lines.remark();
     for (auto list = lists.cbegin(); list != lists.cend(); ++list)
-        frames.insert(list.key(), list->frames());
+        frames.bySource.insert(list.key(), list->frames());
     return frames;
 }

@@ -17,20 +17,27 @@ struct ManifestFrame
 };
 Q_DECLARE_TYPEINFO(ManifestFrame, Q_MOVABLE_TYPE);
 
+/// What there is in a manifest.
+struct ManifestFrames
+{
+    QHash<int, QVector<ManifestFrame>> bySource; ///< of each sourceId, in file order
+    QString remark; ///< a sentence when reading ended before the file did; else empty
+};
+
 namespace ManifestReader {
 
 /**
- * The accepted frames of each datasource, in file order.
+ * The accepted frames of each datasource.
  *
  * Columns are found by their names; a column that is missing reads as empty, and so does a field
  * that a damaged line lacks. The metadata holds those of "scale", "scaleCorrection", "width",
  * "height" and "rsun" that are greater than 0, and always "refPixelX" and "refPixelY", which are 0
  * when unknown. A source id that is no number reads as 0. Time is linear in the size of the file.
+ * A line of more than 1 MB, which no manifest has, ends the reading.
  *
- * @return nothing when the file cannot be opened or is empty; @p errorText, which may be null,
- *         then says which
+ * @return nothing when the file is empty, no regular file or cannot be opened; @p errorText, which
+ *         may be null, then says why
  */
-std::optional<QHash<int, QVector<ManifestFrame>>> read(const QString &manifestPath,
-                                                       QString *errorText = nullptr);
+std::optional<ManifestFrames> read(const QString &manifestPath, QString *errorText = nullptr);
 
 } // namespace ManifestReader

@@ -17,7 +17,7 @@ struct ManifestRow;
  * the last row its line end, without which it is read all the same. Text is stored in the encoding
  * of the locale.
  */
-class ManifestWriter
+class ManifestWriter final
 {
 public:
     /// Creates manifest.csv in @p sessionDirectory with its header line; not open on failure.

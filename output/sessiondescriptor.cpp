@@ -43,6 +43,19 @@ void insertSettings(QJsonObject &json, const AcquisitionSettings &settings)
     json.insert(SessionKeys::scaleOverlay, settings.scaleOverlay);
 }
 
+QString toText(PreflightMode mode)
+{
+    switch (mode) {
+    case PreflightMode::DirectDenseSource:
+        return QStringLiteral("direct-dense-source");
+    case PreflightMode::QuickProbe:
+        return QStringLiteral("quick-probe");
+    case PreflightMode::Fallback:
+        break;
+    }
+    return QStringLiteral("fallback");
+}
+
 QJsonObject sourceJson(const SessionSourceRecord &record, const SessionRecord &session)
 {
     const QString archiveName =
@@ -61,8 +74,8 @@ QJsonObject sourceJson(const SessionSourceRecord &record, const SessionRecord &s
         {QStringLiteral("timestampedVideoFrames"), record.timestampedVideoFrames},
         {QStringLiteral("duplicateRequests"), record.duplicateRequests},
         {QStringLiteral("rejectedTimeRequests"), record.rejectedTimeRequests},
-        {QStringLiteral("preflightMode"), record.preflightMode},
-        {QStringLiteral("preflightUsed"), record.preflightMode == QLatin1String("quick-probe")},
+        {QStringLiteral("preflightMode"), toText(record.preflightMode)},
+        {QStringLiteral("preflightUsed"), record.preflightMode == PreflightMode::QuickProbe},
         {QStringLiteral("preflightProbeSeconds"), session.preflightProbeSeconds},
         {QStringLiteral("preflightUniqueFrames"), record.preflightUniqueFrames},
         {QStringLiteral("effectiveCadenceMedianSeconds"), record.medianSeconds},

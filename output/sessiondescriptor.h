@@ -1,6 +1,7 @@
 #pragma once
 
 #include "session/acquisitionsettings.h"
+#include "session/preflightmode.h"
 
 #include <QDateTime>
 #include <QJsonObject>
@@ -18,7 +19,7 @@ struct SessionSourceRecord
     int timestampedVideoFrames = 0;
     int duplicateRequests = 0;
     int rejectedTimeRequests = 0;
-    QString preflightMode; ///< "direct-dense-source", "fallback" or "quick-probe"
+    PreflightMode preflightMode = PreflightMode::DirectDenseSource;
     int preflightUniqueFrames = 0;
     int medianSeconds = 0;
     int minSeconds = 0;

@@ -1,29 +1,63 @@
 #include "roi/earlierfilm.h"
 
+#include "base/filenames.h"
 #include "base/filereplace.h"
 #include "output/filmfile.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 namespace {
 
+/// Behind the film's whole name: nobody gives a file such a name by hand.
+const QString &asideSuffix()
+{
+    static const QString suffix = QStringLiteral(".orvik-earlier");
+    return suffix;
+}
+
 /// A link counts as itself, also when it leads nowhere: the encoder would write through it.
 bool isThere(const QString &path)
 {
     const QFileInfo info(path);
-    return info.isFile() || info.isSymLink();
+    return info.isSymLink() || (info.exists() && !info.isDir());
 }
 
-/// No longer than the film's own name, which may be as long as the system allows.
-QString besideName(const QString &film)
+/// Whether no film is lost when another one takes this place.
+bool isFree(const QString &film)
 {
-    return film.left(film.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".old");
+    return !isThere(film) || FilmFile::isCutOff(film);
 }
 
 } // namespace
 
-EarlierFilm::EarlierFilm(const QString &film) : m_film(film), m_aside(besideName(film))
+int EarlierFilm::maxNameBytes()
+{
+    return FileNames::maxNameBytes - asideSuffix().size();
+}
+
+QStringList EarlierFilm::restoreAll(const QString &folder)
+{
+    QStringList restored;
+    const QStringList names = waiting(folder);
+    for (const QString &name : names) {
+        const QString aside = QDir(folder).filePath(name);
+        const QString film = aside.chopped(asideSuffix().size());
+        if (isFree(film) && FileReplace::replace(film, aside))
+            restored.append(film);
+    }
+    return restored;
+}
+
+/// The names of the films kept aside in a folder.
+QStringList EarlierFilm::waiting(const QString &folder)
+{
+    return QDir(folder).entryList({QStringLiteral("*.mp4") + asideSuffix()},
+                                  QDir::Files | QDir::Hidden, QDir::Unsorted);
+}
+
+EarlierFilm::EarlierFilm(const QString &film) : m_film(film), m_aside(film + asideSuffix())
 {
     if (isThere(m_aside) && FilmFile::isCutOff(m_film)) // the program was killed while it encoded
         QFile::remove(m_film);

@@ -30,6 +30,9 @@ QPen regionPen(int frameWidthPx, bool current)
 RoiCanvas::RoiCanvas(QGraphicsView *view, QObject *parent)
     : QObject(parent), m_view(view), m_message(new QLabel(view->viewport()))
 {
+    // An index by place is of no use: all is in sight, and regions that overlap make it grow with
+    // the square of their number.
+    m_scene.setItemIndexMethod(QGraphicsScene::NoIndex);
     m_view->setScene(&m_scene);
     m_view->setDragMode(QGraphicsView::ScrollHandDrag);
     m_view->setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
@@ -63,15 +66,20 @@ void RoiCanvas::showMessage(const QString &text)
 
 void RoiCanvas::showRegions(const QVector<QRect> &regions, int current)
 {
-    qDeleteAll(m_regions);
-    m_regions.clear();
     if (!m_frame)
         return;
-    for (int row = 0; row < regions.size(); ++row) {
-        auto *item = new QGraphicsRectItem(regions.at(row), m_frame);
-        item->setPen(regionPen(m_framePixmap.width(), row == current));
-        item->setZValue(regionZ);
-        m_regions.append(item);
+    while (m_regions.size() > regions.size())
+        delete m_regions.takeLast();
+    while (m_regions.size() < regions.size()) {
+        m_regions.append(new QGraphicsRectItem(m_frame));
+        m_regions.last()->setZValue(regionZ);
+    }
+    const QPen pens[] = {regionPen(m_framePixmap.width(), false),
+                         regionPen(m_framePixmap.width(), true)};
+    for (int row = 0; row < regions.size();
+         ++row) { // items that stay as they are cost next to nothing
+        m_regions.at(row)->setRect(regions.at(row));
+        m_regions.at(row)->setPen(pens[row == current ? 1 : 0]);
     }
 }
 
@@ -126,12 +134,15 @@ void RoiCanvas::zoom(bool closer)
     m_view->scale(factor, factor);
 }
 
+/// Whether the view is not to see @p event. It does see moves: it zooms about the last one.
 bool RoiCanvas::drawingEvent(QEvent *event)
 {
     switch (event->type()) {
+    case QEvent::MouseMove:
+        draw(*static_cast<QMouseEvent *>(event));
+        return false;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick: // so arrives a press that soon follows one beside the frame
-    case QEvent::MouseMove:
     case QEvent::MouseButtonRelease:
         draw(*static_cast<QMouseEvent *>(event));
         return true;

@@ -18,7 +18,7 @@ class QMouseEvent;
  *
  * Knows pixels only: it neither reads files nor keeps the list of regions.
  */
-class RoiCanvas : public QObject
+class RoiCanvas final : public QObject
 {
     Q_OBJECT
 

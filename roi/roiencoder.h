@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QByteArray>
+#include "output/filmencoder.h"
+
 #include <QObject>
-#include <QProcess>
 
 /**
  * One ffmpeg run that is waited for in an event loop of its own, so that windows stay alive.
  */
-class RoiEncoder : public QObject
+class RoiEncoder final : public QObject
 {
     Q_OBJECT
 
@@ -18,26 +18,25 @@ public:
     static bool isPresent(const QString &program, QString *errorText = nullptr);
 
     /**
-     * Encodes frame_000000.png and its successors in @p framesFolder.
+     * Makes a film.
      *
-     * A film that failed or was canceled half-way is removed: no player could show it. The earlier
-     * film of the same name, if any, is there again then; it only goes when the new one stands.
+     * One that failed or was canceled half-way is removed, also when it could be played. The
+     * earlier film of the same name, if any, is there again then; it only goes when the new one
+     * stands.
      *
      * @param errorText  may be null; set on failure only: the last 4000 characters of what ffmpeg
-     *                   wrote, or the system's words when it wrote nothing
+     *                   wrote, or the system's words when it wrote nothing; before them a sentence
+     *                   when ffmpeg itself did not notice
      */
-    bool run(const QString &program, const QString &framesFolder, const QString &outputFile,
-             int fps, int crf, QString *errorText = nullptr);
+    bool run(FilmOrder order, QString *errorText = nullptr);
 
 public slots:
-    /// Kills the encoder; run() then fails.
-    void cancel();
+    /// Kills the encoder, for which a second has to be enough; run() then fails.
+    void cancel() { m_encoder.cancel(); }
 
 private:
-    bool waitForEnd(QProcess &process);
-    void collectOutput();
-    QString failureText(const QProcess &process) const;
+    FilmOutcome runToEnd(const FilmOrder &order);
+    QString failureText(const FilmOutcome &outcome) const;
 
-    QProcess *m_process = nullptr; // not owned; exists only during a run
-    QByteArray m_output;           // the end of it
+    FilmEncoder m_encoder;
 };

@@ -2,6 +2,7 @@
 
 #include "base/errortext.h"
 #include "base/jsonfile.h"
+#include "base/regularfile.h"
 #include "base/utctext.h"
 #include "output/manifestreader.h"
 #include "output/sessionfiles.h"
@@ -16,8 +17,6 @@
 #include <algorithm>
 
 namespace {
-
-using ManifestFrames = QHash<int, QVector<ManifestFrame>>;
 
 /// Answers whether files exist by listing each folder once; a million questions to the file system
 /// take many times longer.
@@ -82,7 +81,7 @@ QVector<RoiSource> sourcesFromJson(const QJsonArray &elements, const QDir &sessi
         if (source.sourceId < 0 || source.archiveName.isEmpty())
             continue;
         source.folder = QDir::cleanPath(session.absoluteFilePath(source.archiveName));
-        source.frames = framesFromManifest(manifest.value(source.sourceId), session);
+        source.frames = framesFromManifest(manifest.bySource.value(source.sourceId), session);
         if (source.frames.isEmpty())
             source.frames = framesFromFolder(QDir(source.folder));
         sources.append(source);
@@ -144,7 +143,8 @@ std::optional<StoredSession> RoiSession::load(const QString &directory, QString 
     };
     const QDir session(QFileInfo(directory).absoluteFilePath());
     const QString descriptorPath = session.filePath(SessionFiles::descriptor());
-    if (!QFile(descriptorPath).open(QIODevice::ReadOnly))
+    QFile descriptorFile(descriptorPath);
+    if (!RegularFile::open(descriptorFile))
         return fail(
             QStringLiteral("The selected directory does not contain a readable session.json."));
     QString reason;
@@ -156,6 +156,8 @@ std::optional<StoredSession> RoiSession::load(const QString &directory, QString 
     const ManifestFrames manifest =
         ManifestReader::read(session.filePath(SessionFiles::manifest())).value_or(ManifestFrames());
     StoredSession loaded = sessionFromJson(*descriptor, session);
+    if (!manifest.remark.isEmpty())
+        loaded.remarks.append(manifest.remark);
     loaded.sources =
         sourcesFromJson(descriptor->value(SessionKeys::sources).toArray(), session, manifest);
     if (loaded.sources.isEmpty())

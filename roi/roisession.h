@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <optional>
@@ -35,6 +36,7 @@ struct StoredSession
     int videoCrf = 18;
     bool sourceOverlay = true;
     bool scaleOverlay = true;
+    QStringList remarks; ///< what of its files could not be read, for the log
 
     int sourcesWithFrames() const; ///< how many of them can be looked at and filmed
 };

@@ -7,6 +7,8 @@
 #include "imaging/metricscale.h"
 #include "imaging/pngwriter.h"
 #include "output/sessionfiles.h"
+#include "roi/earlierfilm.h"
+#include "roi/filminglock.h"
 #include "roi/roiframe.h"
 #include "roi/roigeometry.h"
 #include "roi/scalelookup.h"
@@ -16,6 +18,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+
+#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -29,6 +34,24 @@ QString temporaryRoot(const RoiSource &source)
 QString numberText(int number)
 {
     return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
+}
+
+/// The region's name is shortened where the disk could not hold it, then the folder's: the number
+/// alone tells the films of a folder apart.
+QString filmName(const QString &folderName, const QString &number, const QString &regionName)
+{
+    const QString pattern = QStringLiteral("%1__ROI_%2_%3.mp4");
+    const int room = EarlierFilm::maxNameBytes() - pattern.arg(QString(), number, QString()).size();
+    const QString folderPart = FileNames::shortened(folderName, room);
+    const int rest = room - QFile::encodeName(folderPart).size();
+    return pattern.arg(folderPart, number, FileNames::shortened(regionName, rest));
+}
+
+/// The folder of a film's pictures, below the temporary root.
+QString jobFolderName(const QString &number, const QString &regionName)
+{
+    const QString name = QStringLiteral("roi_%1_%2").arg(number, regionName);
+    return FileNames::shortened(name, FileNames::maxNameBytes);
 }
 
 /// Removes @p path and all in it; true when nothing is left there. A link is taken away itself;
@@ -51,18 +74,17 @@ struct RoiVideoGenerator::Job
     const RoiFilmSource &filmed;
     const NumberedRoi &region;
     QString framesFolder;
-    QString outputFile;
+    QString film;
 
     Job(const RoiFilmSource &filmedSource, const NumberedRoi &filmedRegion)
         : filmed(filmedSource), region(filmedRegion)
     {
+        const RoiSource &source = filmed.source;
         const QString number = numberText(region.number);
-        const QString namePart = FileNames::roiPart(region.roi.name);
-        framesFolder =
-            temporaryRoot(filmed.source) + QStringLiteral("/roi_%1_%2").arg(number, namePart);
-        outputFile =
-            filmed.source.folder + QStringLiteral("/%1__ROI_%2_%3.mp4")
-                                       .arg(QDir(filmed.source.folder).dirName(), number, namePart);
+        const QString regionName = FileNames::roiPart(region.roi.name);
+        framesFolder = QDir(temporaryRoot(source)).filePath(jobFolderName(number, regionName));
+        film = QDir(source.folder)
+                   .filePath(filmName(QDir(source.folder).dirName(), number, regionName));
     }
 
     const Roi &roi() const { return region.roi; }
@@ -87,6 +109,25 @@ int RoiVideoPlan::totalFrames() const
     return perRegion * rois.size();
 }
 
+QStringList RoiVideoGenerator::restoreEarlierFilms(const StoredSession &session)
+{
+    QStringList folders;
+    for (const RoiSource &source : session.sources) {
+        if (RoiSession::mayWriteTo(source, session.directory) &&
+            EarlierFilm::isWaitingIn(source.folder))
+            folders.append(source.folder);
+    }
+    if (folders.isEmpty())
+        return {};
+    const FilmingLock lock(session.directory);
+    if (!lock.isFree())
+        return {};
+    QStringList restored;
+    for (const QString &folder : std::as_const(folders))
+        restored += EarlierFilm::restoreAll(folder);
+    return restored;
+}
+
 RoiVideoGenerator::Outcome RoiVideoGenerator::run(const RoiVideoPlan &plan)
 {
     m_plan = plan;
@@ -94,22 +135,31 @@ RoiVideoGenerator::Outcome RoiVideoGenerator::run(const RoiVideoPlan &plan)
     m_createdVideos = 0;
     m_writtenFrames = 0;
     m_canceled = false;
-    for (const RoiFilmSource &filmed : qAsConst(m_plan.sources)) {
-        // A missing encoder is named before an hour is spent on pictures for it.
-        if (RoiEncoder::isPresent(RuntimeConfig::ffmpegPath(), &m_errorText) && filmSource(filmed))
-            continue;
-        if (!m_canceled)
-            return Outcome::Failed;
-        m_errorText.clear(); // of an encoder that was killed
-        return Outcome::Canceled;
-    }
-    return Outcome::Completed;
+    if (filmSources())
+        return Outcome::Completed;
+    if (!m_canceled)
+        return Outcome::Failed;
+    m_errorText.clear(); // of an encoder that was killed
+    return Outcome::Canceled;
 }
 
 void RoiVideoGenerator::cancel()
 {
     m_canceled = true;
     m_encoder.cancel();
+}
+
+bool RoiVideoGenerator::filmSources()
+{
+    const FilmingLock lock(m_plan.sessionDirectory);
+    if (!lock.isFree(&m_errorText))
+        return false;
+    // A missing encoder is named before an hour is spent on pictures for it.
+    return std::all_of(
+        m_plan.sources.cbegin(), m_plan.sources.cend(), [this](const RoiFilmSource &filmed) {
+            return RoiEncoder::isPresent(RuntimeConfig::ffmpegPath(), &m_errorText) &&
+                   filmSource(filmed);
+        });
 }
 
 bool RoiVideoGenerator::filmSource(const RoiFilmSource &filmed)
@@ -121,7 +171,7 @@ bool RoiVideoGenerator::filmSource(const RoiFilmSource &filmed)
     bool done =
         (removeTemporary(root) && QDir().mkpath(root)) ||
         fail(tr("Cannot create temporary directory:\n%1").arg(QDir::toNativeSeparators(root)));
-    for (const NumberedRoi &region : qAsConst(m_plan.rois))
+    for (const NumberedRoi &region : std::as_const(m_plan.rois))
         done = done && !m_canceled && filmRoi(Job(filmed, region));
     removeTemporary(root);
     return done;
@@ -214,17 +264,36 @@ bool RoiVideoGenerator::pictureDone()
 
 bool RoiVideoGenerator::encode(const Job &job)
 {
+    const FilmOrder order = orderFor(job);
+    const QDir folder(job.framesFolder);
+    const int found = folder.entryList({SessionFiles::frameFilter()}, QDir::Files).size();
+    if (found != order.pictures)
+        return fail(tr("%1 temporary ROI frames were written, but %2 are there:\n%3")
+                        .arg(QString::number(order.pictures), QString::number(found),
+                             QDir::toNativeSeparators(job.framesFolder)));
     emit labelChanged(tr("Encoding %1 - %2...").arg(job.nickname(), job.roi().name));
-    emit logMessage(QStringLiteral("ROI ffmpeg: %1").arg(QDir::toNativeSeparators(job.outputFile)));
+    emit logMessage(QStringLiteral("ROI ffmpeg: %1").arg(QDir::toNativeSeparators(job.film)));
     QString reason;
-    if (!m_encoder.run(RuntimeConfig::ffmpegPath(), job.framesFolder, job.outputFile, m_plan.fps,
-                       m_plan.crf, &reason))
+    if (!m_encoder.run(order, &reason))
         return fail(
             tr("FFmpeg failed for %1 / %2:\n\n%3").arg(job.nickname(), job.roi().name, reason));
     ++m_createdVideos;
     emit logMessage(
-        QStringLiteral("ROI video completed: %1%2").arg(job.outputFile, completionDetails(job)));
+        QStringLiteral("ROI video completed: %1%2").arg(job.film, completionDetails(job)));
     return true;
+}
+
+FilmOrder RoiVideoGenerator::orderFor(const Job &job) const
+{
+    FilmOrder order;
+    order.program = RuntimeConfig::ffmpegPath();
+    order.folder = job.framesFolder;
+    order.inputPattern = SessionFiles::framePattern();
+    order.film = job.film;
+    order.fps = m_plan.fps;
+    order.crf = m_plan.crf;
+    order.pictures = m_plan.introFrames() + job.frames().size();
+    return order;
 }
 
 QString RoiVideoGenerator::completionDetails(const Job &job) const

@@ -46,7 +46,7 @@ struct RoiVideoPlan
  * Pictures go one by one into a folder of their own below the datasource's, from where ffmpeg
  * takes them; that folder is gone when a datasource is done, whatever the end.
  */
-class RoiVideoGenerator : public QObject
+class RoiVideoGenerator final : public QObject
 {
     Q_OBJECT
 
@@ -55,6 +55,15 @@ public:
 
     using QObject::QObject;
 
+    /**
+     * Puts back the earlier films of @p session that a killed program has left aside.
+     *
+     * Nothing happens while another window is making films there.
+     *
+     * @return the paths of the films that are back
+     */
+    static QStringList restoreEarlierFilms(const StoredSession &session);
+
     int createdVideos() const { return m_createdVideos; }
     QString errorText() const { return m_errorText; } ///< empty unless the run failed
 
@@ -62,7 +71,8 @@ public:
     Outcome run(const RoiVideoPlan &plan);
 
 public slots:
-    /// Makes run() end within one picture; an encoder at work is killed.
+    /// Makes run() end within one picture; an encoder at work is killed, which takes up to a
+    /// second.
     void cancel();
 
 signals:
@@ -76,6 +86,7 @@ signals:
 private:
     struct Job;
 
+    bool filmSources();
     bool filmSource(const RoiFilmSource &filmed);
     bool filmRoi(const Job &job);
     bool writeIntro(const Job &job);
@@ -85,6 +96,7 @@ private:
     double frameKmPerPixel(const Job &job, const RoiSourceFrame &frame, int frameWidthPx) const;
     bool pictureDone();
     bool encode(const Job &job);
+    FilmOrder orderFor(const Job &job) const;
     QString completionDetails(const Job &job) const;
     bool fail(const QString &text);
 

@@ -1,9 +1,10 @@
-#include "simulator/archive.h"
-#include "simulator/server.h"
+#include "simulator/archive/archive.h"
+#include "simulator/service/server.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QMetaEnum>
 #include <QTextStream>
 
 #include <csignal>
@@ -21,6 +22,16 @@ sigset_t holdStopSignals()
     return stopSignals;
 }
 
+template<typename Enum>
+QString namesOf()
+{
+    QStringList names;
+    const QMetaEnum words = QMetaEnum::fromType<Enum>();
+    for (int index = 0; index < words.keyCount(); ++index)
+        names.append(QString::fromLatin1(words.key(index)));
+    return names.join(QStringLiteral(", "));
+}
+
 void describeOptions(QCommandLineParser &parser)
 {
     parser.setApplicationDescription(
@@ -30,23 +41,33 @@ void describeOptions(QCommandLineParser &parser)
     parser.addOptions({
         {QStringLiteral("port"), QStringLiteral("Port to listen on; a free one when left out."),
          QStringLiteral("N"), QStringLiteral("0")},
-        {QStringLiteral("https"), QStringLiteral("Encrypt, with a certificate nobody has signed.")},
-        {QStringLiteral("cache-mb"), QStringLiteral("Room for pictures kept in memory."),
-         QStringLiteral("N"), QStringLiteral("256")},
+        {QStringLiteral("fault"),
+         QStringLiteral(
+             "What is to go wrong, as REQUEST:KIND[:VALUE[:FIRST[:COUNT]]]; may be given "
+             "several times. \"GetClosestImage:Status:503:2:1\" answers the second "
+             "request for a closest image with status 503. Requests: %1. Kinds: %2. "
+             "VALUE is a status, the milliseconds of Delay or the seconds of StaleDate.")
+             .arg(namesOf<Simulator::Operation>(), namesOf<Simulator::FaultKind>()),
+         QStringLiteral("FAULT")},
     });
 }
 
-/// A number among the options; false with a word to the user when it is none.
-bool readNumber(const QCommandLineParser &parser, const QString &option, int largest, int *number)
+int fail(const QString &text, int exitCode)
 {
-    bool ok = false;
-    *number = parser.value(option).toInt(&ok);
-    if (ok && *number >= 0 && *number <= largest)
-        return true;
-    QTextStream(stderr)
-        << QStringLiteral("--%1 takes a number from 0 to %2.").arg(option, QString::number(largest))
-        << Qt::endl;
-    return false;
+    QTextStream(stderr) << text << Qt::endl;
+    return exitCode;
+}
+
+/// The first text that names no fault; null when all have been added.
+QString addFaults(const QStringList &texts, Simulator::Server &server)
+{
+    for (const QString &text : texts) {
+        const std::optional<Simulator::Fault> fault = Simulator::faultFromText(text);
+        if (!fault)
+            return text;
+        server.addFault(*fault);
+    }
+    return {};
 }
 
 } // namespace
@@ -59,22 +80,18 @@ int main(int argc, char *argv[])
     describeOptions(parser);
     parser.process(application);
 
-    int port = 0;
-    int cacheMb = 0;
-    if (!readNumber(parser, QStringLiteral("port"), 65535, &port) ||
-        !readNumber(parser, QStringLiteral("cache-mb"), 1 << 20, &cacheMb))
-        return 2;
-
-    Simulator::Server server(Simulator::Archive::sampleAt(QDateTime::currentDateTimeUtc()),
-                             parser.isSet(QStringLiteral("https"))
-                                 ? Simulator::Transport::HttpsSelfSigned
-                                 : Simulator::Transport::Http);
-    server.setCacheLimit(cacheMb * 1024LL * 1024LL);
+    bool isPort = false;
+    const int port = parser.value(QStringLiteral("port")).toUShort(&isPort);
+    if (!isPort)
+        return fail(QStringLiteral("--port takes a number from 0 to 65535."), 2);
+    Simulator::Server server(Simulator::Archive::sampleAt(QDateTime::currentDateTimeUtc()));
+    const QString noFault = addFaults(parser.values(QStringLiteral("fault")), server);
+    if (!noFault.isNull())
+        return fail(QStringLiteral("\"%1\" is no fault; --help lists them.").arg(noFault), 2);
     QString errorText;
-    if (!server.start(&errorText, port)) {
-        QTextStream(stderr) << errorText << Qt::endl;
-        return 1;
-    }
+    if (!server.start(&errorText, port))
+        return fail(errorText, 1);
+
     QTextStream(stdout) << server.baseUrl() << Qt::endl;
     int signal = 0;
     sigwait(&stopSignals, &signal);

@@ -21,8 +21,8 @@ if [[ -z "${XDG_RUNTIME_DIR:-}" ]]; then
 fi
 
 # What every build needs, and what the engine runs.
-BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qtbase5-dev libdeflate-dev libcpp-httplib-dev
-    libssl-dev libpng-dev curl ffmpeg ca-certificates fonts-dejavu-core)
+BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qtbase5-dev libdeflate-dev
+    libpng-dev openssl curl ffmpeg ca-certificates fonts-dejavu-core)
 
 # Tidies up on the way out and says what became of the script.
 report_end() {

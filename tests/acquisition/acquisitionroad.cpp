@@ -2,7 +2,7 @@
 
 #include "base/jsonfile.h"
 #include "output/csvfields.h"
-#include "simulator/archive.h"
+#include "simulator/archive/archive.h"
 
 #include <QDir>
 #include <QJsonArray>

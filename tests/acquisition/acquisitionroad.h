@@ -1,7 +1,7 @@
 #pragma once
 
 #include "acquisition/acquisitioncontroller.h"
-#include "simulator/server.h"
+#include "simulator/service/server.h"
 #include "tests/support/testfolder.h"
 
 #include <QStringList>

@@ -39,7 +39,7 @@ void TestSourceTiming::profileIsReadFromNicknameAndPath()
     QFETCH(QString, path);
     QFETCH(QString, profile);
     const DataSource source{1, nickname, path};
-    QCOMPARE(toText(SourceTiming::profileOf(source)), profile);
+    QCOMPARE(SourceTiming::toText(SourceTiming::profileOf(source)), profile);
 
     TestFolder::setKey(QStringLiteral("timing/aiaMaxTimeErrorSeconds"), -5); // below zero is zero
     TestFolder::setKey(QStringLiteral("timing/suviMaxTimeErrorSeconds"), 12);

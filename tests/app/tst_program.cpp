@@ -1,5 +1,5 @@
-#include "simulator/archive.h"
-#include "simulator/server.h"
+#include "simulator/archive/archive.h"
+#include "simulator/service/server.h"
 #include "tests/support/testfolder.h"
 
 #include <QDir>

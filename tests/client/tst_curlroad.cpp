@@ -1,7 +1,7 @@
 #include "client/helioviewerclient.h"
 
-#include "simulator/archive.h"
-#include "simulator/server.h"
+#include "simulator/archive/archive.h"
+#include "simulator/service/server.h"
 #include "tests/support/testfolder.h"
 
 #include <QtTest>

@@ -1,3 +1,4 @@
+#include "output/filmfile.h"
 #include "tests/acquisition/acquisitionroad.h"
 #include "tests/faults/sessioncheck.h"
 #include "tests/faults/smalldisk.h"
@@ -86,6 +87,12 @@ void lastCopyLosesItsEnd(Scene &scene)
 {
     QFile copy(scene.session + scene.folder + QStringLiteral("/video_frames/frame_000002.png"));
     QVERIFY(copy.resize(copy.size() - 1));
+}
+
+void lastPictureGoes(Scene &scene)
+{
+    QVERIFY(QFile::remove(scene.session + scene.folder +
+                          QStringLiteral("/video_frames/frame_000002.png")));
 }
 
 /// Room on the disk for so many pictures as the service sends them.
@@ -184,6 +191,10 @@ void TestMidrunFaults::somethingHappens_data()
         noFilm);
     row("ffmpeg crashes", encode, 1, ffmpegIs(crash), allOk,
         "FFMPEG ERROR for SUVI (exit code 11). Frames are preserved.", noFilm);
+    row("picture gone before the encoder sees it", encode, 1, lastPictureGoes, QString(),
+        "WARNING SUVI: ffmpeg ended without an error, but the film shows 2 of 3 pictures.\n"
+        "FFMPEG ERROR for SUVI (exit code 0). Frames are preserved.",
+        noFilm);
     row("session folder gone", lookup, 3, removed(true), QString(),
         "ERROR SUVI [downloadImage]: curl: (23)", skipped);
     row("datasource folder gone", lookup, 2, removed(false), QString(),
@@ -234,6 +245,8 @@ void TestMidrunFaults::somethingHappens()
     QVERIFY2(log.contains(line) && log.contains(film), qPrintable(log));
     QCOMPARE(scene.road.events.last(), QStringLiteral("[finished] completed"));
     QCOMPARE(scene.road.count("ERROR session.json"), 0); // also when its folder is gone
+    QVERIFY(!FilmFile::isCutOff(scene.session + scene.folder + scene.folder +
+                                QStringLiteral(".mp4"))); // nobody could play it
     const SessionCheck check = SessionCheck::of(scene.session);
     QVERIFY(check.hasDescriptor || !QFile::exists(scene.session));
     if (statuses.isEmpty())

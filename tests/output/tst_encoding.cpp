@@ -10,8 +10,8 @@ class TestEncoding : public QObject
 
 private slots:
     void argumentList();
-    void filmThatIsCutOff_data();
-    void filmThatIsCutOff();
+    void filmOfThreePictures_data();
+    void filmOfThreePictures();
     void removesOnlyFrames();
 };
 
@@ -24,40 +24,56 @@ void TestEncoding::argumentList()
                             "-c:v|libx264|-crf|18|-pix_fmt|yuv420p|/out dir/a.mp4"));
 }
 
-void TestEncoding::filmThatIsCutOff_data()
+void TestEncoding::filmOfThreePictures_data()
 {
     QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<bool>("cutOff");
+    QTest::addColumn<QString>("flaw");
 
-    const auto box = [](const char *type, const QByteArray &data) {
-        QByteArray length(4, 0);
-        qToBigEndian(quint32(8 + data.size()), length.data());
-        return length + type + data;
+    const auto bytes = [](quint32 number) {
+        QByteArray four(4, 0);
+        qToBigEndian(number, four.data());
+        return four;
+    };
+    const auto box = [bytes](const char *type, const QByteArray &data) {
+        return bytes(quint32(8 + data.size())) + type + data;
+    };
+    const auto track = [&](const char *media, int pictures) {
+        const QByteArray sizes = box("stsz", bytes(0) + bytes(0) + bytes(quint32(pictures)));
+        return box("trak", box("tkhd", "") + box("mdia", box("hdlr", bytes(0) + bytes(0) + media) +
+                                                             box("minf", box("stbl", sizes))));
     };
     const QByteArray begun = box("ftyp", "isom") + box("free", "");
     const QByteArray pictures = box("mdat", QByteArray(1000, 'x'));
     const QByteArray longHead("\0\0\0\1mdat\0\0\0\0\0\0\0\x11x", 17);
-    const QByteArray movie = box("moov", "where the pictures are");
-    QTest::newRow("whole") << begun + pictures + movie << false;
-    QTest::newRow("with a 64-bit length") << begun + longHead + movie << false;
-    QTest::newRow("nothing") << QByteArray() << true;
-    QTest::newRow("within a head") << begun + pictures + movie.left(7) << true;
-    QTest::newRow("within a long head") << begun + longHead.left(12) << true;
-    QTest::newRow("within the last box") << (begun + pictures + movie).chopped(1) << true;
+    const QByteArray movie = box("moov", box("mvhd", "") + track("soun", 9) + track("vide", 3));
+    const QString cutOff = QStringLiteral("the film is cut off. Is the disk full?");
+    const QString noPictures = QStringLiteral("the film shows 0 of 3 pictures.");
+    QTest::newRow("whole") << begun + pictures + movie << "";
+    QTest::newRow("with a 64-bit length") << begun + longHead + movie << "";
+    QTest::newRow("nothing") << QByteArray() << cutOff;
+    QTest::newRow("within a head") << begun + pictures + movie.left(7) << cutOff;
+    QTest::newRow("within a long head") << begun + longHead.left(12) << cutOff;
+    QTest::newRow("within the last box") << (begun + pictures + movie).chopped(1) << cutOff;
     QTest::newRow("pictures of unknown length")
-        << begun + QByteArray("\0\0\0\0mdat", 8) + movie << true;
-    QTest::newRow("before the last box") << begun + pictures << true;
-    QTest::newRow("no MP4") << QByteArray("of some other encoder") << false;
+        << begun + QByteArray("\0\0\0\0mdat", 8) + movie << cutOff;
+    QTest::newRow("before the last box") << begun + pictures << cutOff;
+    QTest::newRow("short") << begun + box("moov", track("vide", 2))
+                           << QStringLiteral("the film shows 2 of 3 pictures.");
+    QTest::newRow("no video") << begun + box("moov", track("soun", 3)) << noPictures;
+    QTest::newRow("a table longer than its track")
+        << begun + box("moov", track("vide", 3).replace(0, 4, bytes(60))) << noPictures;
+    QTest::newRow("more boxes than a film has") << begun + box("free", "").repeated(20000) << "";
+    QTest::newRow("no MP4") << QByteArray("of some other encoder") << "";
 }
 
-void TestEncoding::filmThatIsCutOff()
+void TestEncoding::filmOfThreePictures()
 {
     QFETCH(QByteArray, content);
 
     QTemporaryFile film;
     QVERIFY(film.open() && film.write(content) == content.size() && film.flush());
-    QTEST(FilmFile::isCutOff(film.fileName()), "cutOff");
-    QVERIFY(!FilmFile::isCutOff(film.fileName() + QStringLiteral(" that is not there")));
+    QTEST(FilmFile::flaw(film.fileName(), 3), "flaw");
+    QVERIFY(FilmFile::flaw(film.fileName() + QStringLiteral(" that is not there"), 3).isEmpty());
 }
 
 void TestEncoding::removesOnlyFrames()

@@ -130,8 +130,8 @@ void TestManifest::writtenFileIsReadBack()
     QCOMPARE(content(), m_header + m_accepted);
 
     const auto frames = ManifestReader::read(m_path);
-    QVERIFY(frames && frames->keys() == QList<int>{10});
-    const ManifestFrame frame = frames->value(10).constFirst();
+    QVERIFY(frames && frames->bySource.keys() == QList<int>{10});
+    const ManifestFrame frame = frames->bySource.value(10).constFirst();
     QCOMPARE(frame.file, acceptedRow().file);
     QCOMPARE(frame.actualUtc, acceptedRow().actualUtc);
     QCOMPARE(QJsonDocument(frame.metadata).toJson(QJsonDocument::Compact),
@@ -192,6 +192,8 @@ void TestManifest::readsForeignFiles_data()
         "@2024-05-01T00:00:01.500Z+0 @+0 @2024-05-01T00:00:00.000Z+0");
     row("widths come and go", "Status,SourceWidth\nOK,4096\nOK,-1\nOK,1e3\nOK,nan\nOK,8,9\nOK,inf",
         "@+4096 @+0 @+1000 @+0 @+8 @+0");
+    row("a line of more than 1 MB",
+        "Status,File\nOK,a\nOK," + QByteArray(1 << 20, 'x') + "\nOK,c\n", "a@+0");
     row("source without a number", "SourceId,Status,File\nAIA,OK,a\n", "a@+0");
 }
 
@@ -204,7 +206,7 @@ void TestManifest::readsForeignFiles()
     const auto read = ManifestReader::read(m_path);
     QVERIFY(read);
     QStringList found;
-    for (const ManifestFrame &frame : read->value(0))
+    for (const ManifestFrame &frame : read->bySource.value(0))
         found.append(QStringLiteral("%1@%2+%3")
                          .arg(frame.file, frame.actualUtc.toString(Qt::ISODateWithMs),
                               QString::number(frame.metadata[QStringLiteral("width")].toDouble())));
@@ -218,7 +220,7 @@ void TestManifest::truncatedAnywhere()
         store(whole.left(size));
         const auto frames = ManifestReader::read(m_path);
         QVERIFY(frames);
-        QCOMPARE(frames->value(10).size(), whole.left(size).count(",OK"));
+        QCOMPARE(frames->bySource.value(10).size(), whole.left(size).count(",OK"));
     }
 }
 

@@ -29,13 +29,13 @@ void TestSessionDescriptor::wholeText()
                         2,
                         3,
                         4,
-                        QStringLiteral("direct-dense-source"),
+                        PreflightMode::DirectDenseSource,
                         0,
                         0,
                         0,
                         0},
                        {eit, QStringLiteral("own"), QStringLiteral("DEFAULT"), 30, 0, 0, 0, 0,
-                        QStringLiteral("quick-probe"), 5, 6, 7, 8}};
+                        PreflightMode::QuickProbe, 5, 6, 7, 8}};
 
     QFile expected(QFINDTESTDATA("session.json"));
     QVERIFY(expected.open(QIODevice::ReadOnly));

@@ -18,7 +18,7 @@ public:
     TestSession();
 
     QString path() const { return m_folder.path(); }
-    QString filePath(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
+    QString filePath(const char *name) const { return m_folder.filePath(QString::fromUtf8(name)); }
     void write(const char *name, const QByteArray &content) const;
     QByteArray read(const char *name) const;
     /// Replaces text in session.json.

@@ -1,5 +1,6 @@
 #include "roi/roivideogenerator.h"
 
+#include "roi/filminglock.h"
 #include "tests/roi/testsession.h"
 #include "tests/support/fakeprogram.h"
 #include "tests/support/testfolder.h"
@@ -118,11 +119,16 @@ private slots:
         TestSession::frame({101, 77}).save(stored.filePath("AIA_171/frame_1.png"));
         QImage(1, 1, QImage::Format_Grayscale8).save(stored.filePath("AIA_171/frame_2.png"));
         RoiVideoPlan plan = planFor(stored);
+        const QString longName(300, QChar(0xe4)); // of two bytes
         plan.rois = {{2, {QStringLiteral("a/b"), QRectF(0, 0, 1, 1), true, 0}},
-                     {11, {QStringLiteral("a b"), QRectF(0, 0, 1, 1), true, 0}}};
-        QCOMPARE(RoiVideoGenerator().run(plan), Outcome::Completed);
-        for (const char *film :
-             {"AIA_171/AIA_171__ROI_02_a_b.mp4", "AIA_171/AIA_171__ROI_11_a_b.mp4"})
+                     {11, {QStringLiteral("a b"), QRectF(0, 0, 1, 1), true, 0}},
+                     {12, {longName, QRectF(0, 0, 1, 1), true, 0}}};
+        for (int round = 0; round < 2; ++round) // the second sets the films of the first aside
+            QCOMPARE(RoiVideoGenerator().run(plan), Outcome::Completed);
+        const QByteArray longFilm =
+            "AIA_171/AIA_171__ROI_12_" + longName.left(110).toUtf8() + ".mp4";
+        for (const char *film : {"AIA_171/AIA_171__ROI_02_a_b.mp4",
+                                 "AIA_171/AIA_171__ROI_11_a_b.mp4", longFilm.constData()})
             QVERIFY(filmShape(stored.filePath(film)).endsWith(QLatin1String(",3")));
     }
 
@@ -139,7 +145,9 @@ private slots:
         reply.files.insert(QStringLiteral("$last"),
                            QByteArray::fromHex("0000001066747970")); // an MP4's head
         QTest::newRow("full disk, yet it ends well")
-            << reply << QStringLiteral("No space left on device");
+            << reply
+            << QStringLiteral("ffmpeg ended without an error, but the film is cut off. Is the disk "
+                              "full?\n\nNo space left on device");
         reply.standardError.clear();
         reply.crash = true;
         reply.files.insert(QStringLiteral("$last"), "cut off");
@@ -232,19 +240,25 @@ private slots:
     {
         const TestSession stored;
         const auto before = stored.contents();
-        const QByteArray aside = QByteArray(filmName).replace(".mp4", ".old");
+        const QByteArray aside = QByteArray(filmName) + ".orvik-earlier";
+        const QByteArray half = QByteArray::fromHex("0000001066747970");
         stored.write(aside, "an earlier film");
-        stored.write(filmName, QByteArray::fromHex("0000001066747970")); // half of the next
-        FakeProgram::Reply silent; // ends well, yet leaves no film
-        for (const int exitCode : {1, 0}) {
-            silent.exitCode = exitCode;
-            useFakeEncoder(silent);
-            RoiVideoGenerator().run(planFor(stored));
-            QCOMPARE(stored.read(filmName), QByteArray("an earlier film"));
-            QCOMPARE(stored.contents(), before);
+        stored.write(filmName, half); // of the next
+        const auto restored = [&stored] {
+            return RoiVideoGenerator::restoreEarlierFilms(*RoiSession::load(stored.path()));
+        };
+        {
+            const FilmingLock other(stored.path()); // the next is still being made
+            QCOMPARE(restored(), QStringList());
+            QVERIFY(failureOf(planFor(stored)).startsWith(QLatin1String("Another Orvik window")));
+            QCOMPARE(stored.read(filmName), half);
         }
+        QCOMPARE(restored(), QStringList(filmOf(stored)));
+        QCOMPARE(stored.read(filmName), QByteArray("an earlier film"));
+        QCOMPARE(stored.contents(), before);
+
         stored.write(aside, "a film from before the earlier one"); // killed as it was to go
-        TestFolder::clearKeys();
+        QCOMPARE(restored(), QStringList());
         QCOMPARE(RoiVideoGenerator().run(planFor(stored)), Outcome::Completed);
         QCOMPARE(filmShape(filmOf(stored)), QStringLiteral("128,96,5/1,3"));
         QCOMPARE(stored.contents(), before);

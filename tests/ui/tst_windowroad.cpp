@@ -1,7 +1,7 @@
 #include "acquisition/acquisitioncontroller.h"
 #include "app/terminationsignals.h"
-#include "simulator/archive.h"
-#include "simulator/server.h"
+#include "simulator/archive/archive.h"
+#include "simulator/service/server.h"
 #include "tests/support/testfolder.h"
 #include "tests/ui/windowfixture.h"
 

@@ -8,7 +8,7 @@
 class QWidget;
 
 /// The folder that the pictures are put into.
-class Album
+class Album final
 {
 public:
     explicit Album(const QString &folder);

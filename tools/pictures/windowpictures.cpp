@@ -1,8 +1,8 @@
 #include "tools/pictures/windowpictures.h"
 
 #include "base/runtimeconfig.h"
-#include "simulator/fault.h"
-#include "simulator/server.h"
+#include "simulator/service/fault.h"
+#include "simulator/service/server.h"
 #include "tools/pictures/album.h"
 #include "ui/catalogtree.h"
 #include "ui/mainwindow.h"
@@ -25,7 +25,7 @@ namespace {
 constexpr QSize windowSize(1280, 900);
 
 /// A main window, worked through the names of its parts as a user works it with the mouse.
-class Operator
+class Operator final
 {
 public:
     Operator()

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "simulator/service/fault.h"
+
+#include <QMutex>
+#include <QVector>
+
+#include <array>
+
+namespace Simulator {
+
+/**
+ * Counts requests and knows which faults befall which.
+ *
+ * May be used from several threads.
+ */
+class FaultPlan
+{
+public:
+    void add(const Fault &fault);
+    void clear();
+
+    /// Counts one more request of an operation; gives the faults that befall it, as added.
+    QVector<Fault> next(Operation operation);
+    int count(Operation operation) const;
+    void clearCounts();
+
+private:
+    mutable QMutex m_mutex;
+    QVector<Fault> m_faults;
+    std::array<int, 4> m_counts{}; // by operation
+};
+
+/// The first fault of a kind, or null; @p faults must outlive the result.
+const Fault *findFault(const QVector<Fault> &faults, FaultKind kind);
+
+} // namespace Simulator

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "simulator/sun/activeregions.h"
+
+#include <vector>
+
+namespace Simulator {
+
+class LightField;
+class SurfaceView;
+struct SunStyle;
+
+/// Paints the glow beyond the limb, which is brighter above bright parts of the limb.
+void paintCorona(LightField &field, const SurfaceView &surface,
+                 const std::vector<ActiveRegion> &regions, const SunStyle &style);
+
+} // namespace Simulator

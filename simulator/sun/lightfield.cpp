@@ -1,0 +1,75 @@
+#include "simulator/sun/lightfield.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Simulator {
+
+namespace {
+
+constexpr float thinnestPx = 1.25F; // radius below which a line breaks up into pixels
+
+} // namespace
+
+LightField::LightField(int widthPx, int heightPx, const Disk &disk)
+    : m_widthPx(widthPx)
+    , m_heightPx(heightPx)
+    , m_disk(disk)
+    , m_light(size_t(widthPx) * size_t(heightPx), 0.0F)
+{}
+
+LightField::Box LightField::boxAround(float x, float y, float halfSide) const
+{
+    const float radius = float(m_disk.radius);
+    const float column = float(m_disk.centreX) + x * radius;
+    const float line = float(m_disk.centreY) - y * radius;
+    const float reach = halfSide * radius;
+    const auto clip = [](float value, int limit) {
+        return int(std::clamp(value, 0.0F, float(limit)));
+    };
+    return {clip(column - reach, m_widthPx), clip(column + reach + 1.0F, m_widthPx),
+            clip(line - reach, m_heightPx), clip(line + reach + 1.0F, m_heightPx)};
+}
+
+float LightField::effectiveRadius(float radius) const
+{
+    return std::max(radius, thinnestPx / float(m_disk.radius));
+}
+
+float LightField::stepFor(float radius) const
+{
+    return 0.6F * effectiveRadius(radius);
+}
+
+template<typename Change>
+void LightField::changeSpot(float x, float y, float radius, const Change &change)
+{
+    const Box box = boxAround(x, y, radius);
+    const float inverse = 1.0F / (radius * radius);
+    for (int line = box.top; line < box.bottom; ++line) {
+        float *light = row(line);
+        const float dy = yOf(line) - y;
+        for (int column = box.left; column < box.right; ++column) {
+            const float dx = xOf(column) - x;
+            const float room = 1.0F - (dx * dx + dy * dy) * inverse;
+            if (room > 0.0F)
+                change(light[column], room * room);
+        }
+    }
+}
+
+void LightField::addSpot(float x, float y, float radius, float light)
+{
+    const float wide = effectiveRadius(radius);
+    // A line that is drawn wider than it is becomes as much fainter.
+    const float share = light * std::min(radius / wide, 1.0F);
+    changeSpot(x, y, wide, [share](float &pixel, float weight) { pixel += share * weight; });
+}
+
+void LightField::dimSpot(float x, float y, float radius, float depth)
+{
+    changeSpot(x, y, effectiveRadius(radius),
+               [depth](float &pixel, float weight) { pixel *= 1.0F - depth * weight; });
+}
+
+} // namespace Simulator

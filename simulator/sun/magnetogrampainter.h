@@ -1,0 +1,16 @@
+#pragma once
+
+#include "simulator/sun/activeregions.h"
+
+#include <vector>
+
+namespace Simulator {
+
+class LightField;
+class SurfaceView;
+
+/// Paints the magnetic field along the line of sight: 0.5 for none, 0 beyond the limb.
+void paintMagnetogram(LightField &field, const SurfaceView &surface,
+                      const std::vector<ActiveRegion> &regions);
+
+} // namespace Simulator
