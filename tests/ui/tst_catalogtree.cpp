@@ -44,7 +44,6 @@ private slots:
     void aiaPresetReplacesTheSelection();
     void strangeCatalogs();
     void markupInANameIsShown();
-    void ticksAreInViewAndABoxMakesCurrent();
 
 private:
     QTreeWidgetItem *item(const QString &text) const;
@@ -153,26 +152,6 @@ void TestCatalogTree::markupInANameIsShown()
     QHelpEvent event(QEvent::ToolTip, row.center(), m_tree->viewport()->mapToGlobal(row.center()));
     QCoreApplication::sendEvent(m_tree->viewport(), &event);
     QVERIFY2(QToolTip::text().contains(QStringLiteral("&lt;b&gt;x")), qPrintable(QToolTip::text()));
-}
-
-void TestCatalogTree::ticksAreInViewAndABoxMakesCurrent()
-{
-    m_selection = {{7}, -1};
-    const QJsonObject deep =
-        parsed(R"({"a": {"b": {"c": {"d": {"x": {"sourceId": 7}, "y": {"sourceId": 8}}}}}})");
-    for (int round = 0; round < 2; ++round) {
-        fill(deep);
-        QVERIFY(item(QStringLiteral("c"))->isExpanded());
-        QVERIFY(item(QStringLiteral("d"))->isExpanded());
-        m_tree->collapseAll();
-    }
-    fill(deep);
-    m_tree->show();
-    const QRect row = m_tree->visualItemRect(item(leaf("y", 8)));
-    QTest::mouseClick(m_tree->viewport(), Qt::LeftButton, {},
-                      QPoint(row.left() + row.height() / 2, row.center().y()));
-    QCOMPARE(tickedIds(), QVector<int>({7, 8}));
-    QCOMPARE(CatalogTree::currentId(m_tree.get()), 8);
 }
 
 QTEST_MAIN(TestCatalogTree)

@@ -1,4 +1,3 @@
-#include "ui/captionlabel.h"
 #include "ui/previewpane.h"
 
 #include <QLabel>
@@ -31,7 +30,6 @@ private slots:
     void frameFillsTheLabelPixelByPixel();
     void resizingStartsFromTheWholeFrame();
     void nothingKeepsTheLastFrame();
-    void captionBreaksAtItsBars();
 
 private:
     std::unique_ptr<QLabel> m_label;
@@ -78,19 +76,6 @@ void TestPreviewPane::nothingKeepsTheLastFrame()
     m_pane->clear(QStringLiteral("Waiting"));
     m_label->resize(500, 500);
     QCOMPARE(m_label->text(), QStringLiteral("Waiting"));
-}
-
-void TestPreviewPane::captionBreaksAtItsBars()
-{
-    const CaptionLabel caption(QStringLiteral("one two   |   three   |   four\nfive   |   six"));
-    const auto lines = [&caption](const char *widest) {
-        const QFontMetrics metrics = caption.fontMetrics();
-        return caption.heightForWidth(metrics.horizontalAdvance(QLatin1String(widest)) + 1) /
-               metrics.lineSpacing();
-    };
-    QCOMPARE(lines("one two   |   three   |   four"), 2);
-    QCOMPARE(lines("one two   |   three   |"), 3);
-    QCOMPARE(lines("one two   |"), 5);
 }
 
 int main(int argc, char *argv[])

@@ -1,8 +1,14 @@
+#include "ui/captionlabel.h"
+#include "ui/catalogtree.h"
+#include "ui/runprogress.h"
 #include "ui/utcedit.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLineEdit>
+#include <QTreeWidget>
 #include <QtTest>
 
 namespace {
@@ -11,8 +17,8 @@ constexpr char format[] = "yyyy-MM-dd HH:mm:ss";
 
 } // namespace
 
-/// Typing and pasting as people do it; the field says 2024-01-31 12:34:56 before.
-class TestUtcEdit : public QObject
+/// What the window understands of times, and how it shows ticks, captions and the pace of a run.
+class TestWindowWords : public QObject
 {
     Q_OBJECT
 
@@ -22,6 +28,10 @@ private slots:
     void typed();
     void pasted_data();
     void pasted();
+    void ticksAreInViewAndABoxMakesCurrent();
+    void runInWords_data();
+    void runInWords();
+    void captionBreaksAtItsBars();
 
 private:
     void enter(int clicked);
@@ -30,7 +40,8 @@ private:
     UtcEdit *m_edit = nullptr;
 };
 
-void TestUtcEdit::init()
+/// The field says 2024-01-31 12:34:56 before.
+void TestWindowWords::init()
 {
     m_window = std::make_unique<QWidget>();
     new QLineEdit(m_window.get()); // has the focus first
@@ -45,7 +56,7 @@ void TestUtcEdit::init()
 
 /// Goes into the field: by a click at a position of its text, by Tab (-1), or by that and Ctrl+A
 /// (-2).
-void TestUtcEdit::enter(int clicked)
+void TestWindowWords::enter(int clicked)
 {
     auto *line = m_edit->findChild<QLineEdit *>();
     m_edit->previousInFocusChain()->setFocus();
@@ -61,7 +72,7 @@ void TestUtcEdit::enter(int clicked)
     QCOMPARE(QGuiApplication::focusObject(), m_edit);
 }
 
-void TestUtcEdit::typed_data()
+void TestWindowWords::typed_data()
 {
     QTest::addColumn<int>("clicked");
     QTest::addColumn<QString>("keys"); // < is Backspace, > Tab
@@ -87,7 +98,7 @@ void TestUtcEdit::typed_data()
         row(-1, keys, QStringLiteral("2024-01-31 12:34:56"));
 }
 
-void TestUtcEdit::typed()
+void TestWindowWords::typed()
 {
     QFETCH(int, clicked);
     QFETCH(QString, keys);
@@ -103,7 +114,7 @@ void TestUtcEdit::typed()
     QTEST(m_edit->text(), "expected");
 }
 
-void TestUtcEdit::pasted_data()
+void TestWindowWords::pasted_data()
 {
     QTest::addColumn<QString>("expected");
     const auto row = [](const char *text, const char *expected) {
@@ -120,7 +131,7 @@ void TestUtcEdit::pasted_data()
         row(text, "2024-01-31 12:34:56");
 }
 
-void TestUtcEdit::pasted()
+void TestWindowWords::pasted()
 {
     const QString before = m_edit->text();
     for (const int clicked : {-2, -1, 12}) {
@@ -134,5 +145,70 @@ void TestUtcEdit::pasted()
     }
 }
 
-QTEST_MAIN(TestUtcEdit)
-#include "tst_utcedit.moc"
+void TestWindowWords::ticksAreInViewAndABoxMakesCurrent()
+{
+    QTreeWidget tree;
+    CatalogTree::prepare(&tree);
+    CatalogTree::Selection selection{{7}, -1};
+    const auto item = [&tree](const char *text) {
+        return tree.findItems(QLatin1String(text), Qt::MatchStartsWith | Qt::MatchRecursive).at(0);
+    };
+    for (int round = 0; round < 2; ++round) {
+        tree.collapseAll();
+        CatalogTree::fill(&tree,
+                          QJsonDocument::fromJson(R"({"a": {"b": {"c": {"d": {
+            "x": {"sourceId": 7}, "y": {"sourceId": 8}}}}}})")
+                              .object(),
+                          &selection);
+        QVERIFY(item("c")->isExpanded() && item("d")->isExpanded());
+    }
+    tree.show();
+    const QRect row = tree.visualItemRect(item("y"));
+    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {},
+                      QPoint(row.left() + row.height() / 2, row.center().y()));
+    QCOMPARE(item("y")->checkState(0), Qt::Checked);
+    QCOMPARE(CatalogTree::currentId(&tree), 8);
+}
+
+void TestWindowWords::runInWords_data()
+{
+    QTest::addColumn<bool>("isPlanned");
+    QTest::addColumn<int>("done");
+    QTest::addColumn<qint64>("elapsedMs");
+    const auto row = [](bool isPlanned, int done, qint64 elapsedMs, const char *expected) {
+        QTest::newRow(expected) << isPlanned << done << elapsedMs;
+    };
+    row(false, 1, 0, "Measuring cadences: 1 of 102 datasources");
+    row(true, 2, 9'000, "2 of 100 requests");
+    row(true, 10, 1'000, "10 of 100 requests, about 10 s left");
+    row(true, 50, 50'001, "50 of 100 requests, about 1 min left");
+    row(true, 20, 45'001, "20 of 100 requests, about 4 min left");
+    row(true, 25, 1'200'001, "25 of 100 requests, about 1 h 10 min left");
+    row(true, 100, 1, "100 of 100 requests, 0 of 2 films");
+    row(true, 101, 1, "100 of 100 requests, 1 of 2 films");
+}
+
+void TestWindowWords::runInWords()
+{
+    QFETCH(bool, isPlanned);
+    QFETCH(int, done);
+    QFETCH(qint64, elapsedMs);
+    QCOMPARE(RunProgress::text({isPlanned, done, 102, 2, elapsedMs}),
+             QLatin1String(QTest::currentDataTag()));
+}
+
+void TestWindowWords::captionBreaksAtItsBars()
+{
+    const CaptionLabel caption(QStringLiteral("one two   |   three   |   four\nfive   |   six"));
+    const QFontMetrics metrics = caption.fontMetrics();
+    const auto lines = [&](const char *widest) {
+        const int width = metrics.horizontalAdvance(QLatin1String(widest)) + 1;
+        return caption.heightForWidth(width) / metrics.lineSpacing();
+    };
+    QCOMPARE(lines("one two   |   three   |   four"), 2);
+    QCOMPARE(lines("one two   |   three   |"), 3);
+    QCOMPARE(lines("one two   |"), 5);
+}
+
+QTEST_MAIN(TestWindowWords)
+#include "tst_windowwords.moc"
