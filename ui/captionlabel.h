@@ -3,8 +3,8 @@
 #include <QLabel>
 
 /**
- * A label of plain text in parts with bars between them, "a   |   b", that is broken at a bar where
- * the width does not do for the next part; the bar then goes.
+ * A label of plain text whose parts are separated by bars, "a   |   b". Where the next part does
+ * not fit into the line, a line break takes the place of the bar.
  */
 class CaptionLabel final : public QLabel
 {

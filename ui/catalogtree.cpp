@@ -30,7 +30,7 @@ enum Role {
 
 constexpr int column = 0;
 
-/// A leaf of which the box is clicked becomes current, and every tool tip is shown as plain text.
+/// Makes a leaf current when its box is clicked, and shows every tool tip as plain text.
 class CatalogDelegate final : public QStyledItemDelegate
 {
 public:
@@ -51,7 +51,7 @@ public:
         const QString text = index.data(Qt::ToolTipRole).toString();
         if (event->type() != QEvent::ToolTip || !Qt::mightBeRichText(text))
             return QStyledItemDelegate::helpEvent(event, view, option, index);
-        // Tool tips guess whether a text is HTML; a name from the service must not decide that.
+        // QToolTip guesses whether a text is HTML; names from the service must never be.
         QToolTip::showText(event->globalPos(), Qt::convertFromPlainText(text), view);
         return true;
     }
@@ -109,7 +109,7 @@ QTreeWidgetItem *newLeaf(const QString &key, const QJsonObject &entry, const QSt
     return leaf;
 }
 
-/// Puts @p items in the order in which people look for them: AIA 94 before AIA 131.
+/// Sorts @p items by their texts, with numbers as numbers: AIA 94 before AIA 131.
 QList<QTreeWidgetItem *> sorted(const QList<QTreeWidgetItem *> &items)
 {
     static const QCollator collator = [] {
@@ -226,7 +226,7 @@ CatalogTree::Leaves CatalogTree::fill(QTreeWidget *tree, const QJsonObject &cata
         *selection = selectionOf(tree);
     tree->clear();
     tree->addTopLevelItems(newChildren(catalog, QString()));
-    // Nothing is laid out yet: later, each group that opens would move all that is below it.
+    // Before the view lays the rows out: afterwards each group that opens moves all rows below it.
     openTopGroups(tree);
     restore(tree, *selection);
     return firstLeaves(tree);

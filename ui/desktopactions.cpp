@@ -22,7 +22,7 @@ bool open(const QString &path)
     return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
-/// A box whose text is never guessed to be HTML: a path may hold any character.
+/// A box with plain text: a path might look like HTML.
 int ask(QMessageBox::Icon icon, QWidget *parent, const QString &title, const QString &text,
         QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton)
 {

@@ -27,8 +27,8 @@ QTextCharFormat format(LineClass lineClass, const QPalette &palette)
                   LogLineClass::isBold(lineClass) ? QFont::Bold : QFont::Normal);
 }
 
-/// Whether @p text holds so long a word that wrapping at words would take a time that grows with
-/// its square: each of its lines is sought to the word's end.
+/// Whether @p text has a word so long that wrapping between words would be slow: the time grows
+/// with the square of its length, as Qt looks for the end of the word again for each line.
 bool hasEndlessWord(const QString &text)
 {
     constexpr int endlessChars = 10'000;

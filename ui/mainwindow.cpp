@@ -48,8 +48,8 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
-    // A run that is still going is ended here, while everything stands, and in silence: a message
-    // box would keep a closed program alive.
+    // Ends a run while the widgets still exist, and without a message box, which would keep the
+    // program alive after its window is closed.
     for (QObject *worker :
          {static_cast<QObject *>(m_controller), static_cast<QObject *>(m_catalogClient)}) {
         worker->disconnect(this);
@@ -155,8 +155,8 @@ void MainWindow::connectEngine()
             &QLabel::setText);
     connect(m_controller, &AcquisitionController::sourceTimingAnalyzed, this,
             &MainWindow::onSourceTimingAnalyzed);
-    // Shown when the next request is under way, which is two turns of the event loop later: the
-    // preview then neither adds to the longest stall nor to the time of the session.
+    // Two turns of the event loop later the next request is under way: scaling the preview then
+    // neither blocks the window for longer nor delays the session.
     connect(
         m_controller, &AcquisitionController::previewReady, this,
         [this](auto... frame) {
@@ -211,7 +211,7 @@ void MainWindow::updateRefreshButton()
 
 void MainWindow::onCatalogReceived(const QJsonObject &catalog)
 {
-    // The service has been seen to send its error object as a good answer.
+    // The service sometimes sends its error object with the status of a success.
     const bool mayBeError =
         m_form->sourcesTree->topLevelItemCount() > 0 || catalog.contains(QStringLiteral("error"));
     if (mayBeError && !CatalogTree::holdsSource(catalog)) {

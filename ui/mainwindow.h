@@ -18,9 +18,9 @@ class MainWindow;
 }
 
 /**
- * The program's window: a catalog to tick, settings, a run to watch, and what came of it.
+ * The main window: catalog, settings, start and stop, progress, preview and log.
  *
- * Connects the parts, enables them for idle or running, and delegates the rest. Idle becomes
+ * Connects its parts, enables them according to its state, and delegates the rest. Idle becomes
  * running with a successful start and idle again only when the controller has finished.
  */
 class MainWindow final : public QMainWindow
@@ -32,7 +32,7 @@ public:
     ~MainWindow() override;
 
 public slots:
-    /// Ends what runs as a Stop does, asks nothing, and closes the window.
+    /// Stops a run as the user would, and closes the window without asking.
     void shutDown();
 
 protected:
@@ -88,6 +88,6 @@ private:
     LogView *m_log = nullptr;           // a child
     PreviewPane *m_preview = nullptr;   // a child
     StatusLine *m_status = nullptr;     // a child
-    CatalogTree::Leaves m_leaves;       // of the tree as it is
+    CatalogTree::Leaves m_leaves;       // of the present tree
     CatalogTree::Selection m_selection; // to be restored by the next rebuild of the tree
 };

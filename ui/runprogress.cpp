@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int knownAfter = 3; // requests; the first ones tell little
+constexpr int knownAfter = 3; // requests; the mean of fewer says little
 
 QString tr(const char *text)
 {

@@ -52,7 +52,7 @@ QString probedSection(const CadenceStatistics &found, int cadenceSeconds)
            "frames; observed range %3 - %4.</p>")
             .arg(formatDuration(found.medianSeconds), QString::number(found.uniqueFrames),
                  formatDuration(found.minSeconds), formatDuration(found.maxSeconds));
-    // A gain below half a step is not worth a sentence.
+    // Not mentioned below one and a half steps: hardly any request is saved.
     if (found.medianSeconds > 3 * qint64(cadenceSeconds) / 2) {
         section += tr("<p><b>Orvik optimization:</b> requested sampling is %1, but the archive is "
                       "slower here. Redundant intermediate requests are omitted automatically.</p>")

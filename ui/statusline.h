@@ -11,7 +11,7 @@ class QStatusBar;
 /**
  * What the status bar says: "Ready", or how far a run has come.
  *
- * A menu that is opened, or a passing message, covers that only for a while.
+ * A menu or a passing message hides that only for a while.
  */
 class StatusLine final : public QObject
 {
@@ -36,7 +36,7 @@ private:
     void show(const QString &text);
 
     QStatusBar *m_bar; // not owned
-    QString m_text;    // what stands there unless something covers it
+    QString m_text;    // shown unless something else hides it
     QTimer m_tick;
     QElapsedTimer m_sincePlan;
     RunProgress::Count m_count;
