@@ -1,8 +1,10 @@
 #include "ui/captionlabel.h"
 
 #include <QPainter>
-#include <QRegularExpression>
+#include <QStringList>
 #include <QStyle>
+
+#include <utility>
 
 namespace {
 
@@ -11,21 +13,21 @@ constexpr int anyHeightPx = 10'000;
 /// @p line with a line break for each bar behind which the next part would not fit.
 QString brokenLine(const QString &line, const QFontMetrics &metrics, int width)
 {
-    static const QRegularExpression bar(QStringLiteral(" +\\| +"));
-    QString text = line;
-    int lineStart = 0;
-    for (QRegularExpressionMatch match = bar.match(text); match.hasMatch();) {
-        const QRegularExpressionMatch next = bar.match(text, match.capturedEnd());
-        const int partEnd = next.hasMatch() ? next.capturedStart() : text.size();
-        int searchFrom = match.capturedEnd();
-        // Equal will not do: the advance is rounded.
-        if (metrics.horizontalAdvance(text.mid(lineStart, partEnd - lineStart)) >= width) {
-            text.replace(match.capturedStart(), match.capturedLength(), QLatin1Char('\n'));
-            lineStart = searchFrom = match.capturedStart() + 1;
+    const QString bar = QStringLiteral(" | ");
+    QStringList parts = line.split(bar); // other blanks around a bar are parts' own
+    QStringList lines;
+    QString last = parts.takeFirst();
+    for (const QString &part : std::as_const(parts)) {
+        const QString longer = last + bar + part;
+        if (metrics.horizontalAdvance(longer.trimmed()) < width) { // equal may be rounded down
+            last = longer;
+        } else {
+            lines.append(last.trimmed());
+            last = part.trimmed();
         }
-        match = bar.match(text, searchFrom);
     }
-    return text;
+    lines.append(last);
+    return lines.join(QLatin1Char('\n'));
 }
 
 } // namespace

@@ -12,8 +12,6 @@
 #include <QTreeWidgetItemIterator>
 
 #include <algorithm>
-#include <utility>
-#include <vector>
 
 namespace {
 
@@ -110,25 +108,17 @@ QTreeWidgetItem *newLeaf(const QString &key, const QJsonObject &entry, const QSt
 }
 
 /// Sorts @p items by their texts, with numbers as numbers: AIA 94 before AIA 131.
-QList<QTreeWidgetItem *> sorted(const QList<QTreeWidgetItem *> &items)
+void sort(QList<QTreeWidgetItem *> *items)
 {
     static const QCollator collator = [] {
         QCollator english(QLocale(QLocale::English));
         english.setNumericMode(true);
         return english;
     }();
-    std::vector<std::pair<QCollatorSortKey, QTreeWidgetItem *>> keyed;
-    keyed.reserve(static_cast<size_t>(items.size()));
-    for (QTreeWidgetItem *item : items)
-        keyed.emplace_back(collator.sortKey(item->text(column)), item);
-    std::stable_sort(keyed.begin(), keyed.end(), [](const auto &left, const auto &right) {
-        return left.first.compare(right.first) < 0;
-    });
-    QList<QTreeWidgetItem *> inOrder;
-    inOrder.reserve(items.size());
-    for (const auto &[key, item] : keyed)
-        inOrder.append(item);
-    return inOrder;
+    std::stable_sort(items->begin(), items->end(),
+                     [](const QTreeWidgetItem *left, const QTreeWidgetItem *right) {
+                         return collator.compare(left->text(column), right->text(column)) < 0;
+                     });
 }
 
 QList<QTreeWidgetItem *> newChildren(const QJsonObject &object, const QString &pathStart);
@@ -152,7 +142,8 @@ QList<QTreeWidgetItem *> newChildren(const QJsonObject &object, const QString &p
         if (it.value().isObject())
             items.append(newNode(it.key(), it.value().toObject(), pathStart + it.key()));
     }
-    return sorted(items);
+    sort(&items);
+    return items;
 }
 
 /// Opens every group above @p leaf.

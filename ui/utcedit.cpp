@@ -35,6 +35,7 @@ bool isModifier(int key)
 
 UtcEdit::UtcEdit(QWidget *parent) : QDateTimeEdit(parent)
 {
+    reserveWidth();
     lineEdit()->installEventFilter(this); // it gets the mouse itself, and the keys through us
     connect(lineEdit(), &QLineEdit::inputRejected, this,
             [this] { tellNoTime(tr("This is no time. Write it as 2024-05-01 12:00:07.")); });
@@ -43,17 +44,6 @@ UtcEdit::UtcEdit(QWidget *parent) : QDateTimeEdit(parent)
 bool UtcEdit::showsTime() const
 {
     return !m_run || isAllowed(UtcTyping::read(*m_run).time);
-}
-
-/// The base's own leaves out the arrow; the last digit of the time must stay in view.
-QSize UtcEdit::sizeHint() const
-{
-    QStyleOptionComboBox option;
-    option.initFrom(this);
-    const QSize text(fontMetrics().horizontalAdvance(QStringLiteral("8888-88-88 88:88:88 ")),
-                     fontMetrics().height());
-    const QSize field = style()->sizeFromContents(QStyle::CT_ComboBox, &option, text, this);
-    return QDateTimeEdit::sizeHint().expandedTo({field.width(), 0});
 }
 
 void UtcEdit::stepBy(int steps)
@@ -89,6 +79,13 @@ bool UtcEdit::eventFilter(QObject *watched, QEvent *event)
             m_cursor = lineEdit()->cursorPositionAt(static_cast<QDropEvent *>(event)->pos());
     }
     return QDateTimeEdit::eventFilter(watched, event);
+}
+
+void UtcEdit::changeEvent(QEvent *event)
+{
+    QDateTimeEdit::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        reserveWidth();
 }
 
 void UtcEdit::keyPressEvent(QKeyEvent *event)
@@ -133,6 +130,16 @@ bool UtcEdit::focusNextPrevChild(bool next)
 {
     endRun();
     return QDateTimeEdit::focusNextPrevChild(next);
+}
+
+/// The base's own size leaves out the arrow; the last digit of the time must stay in view.
+void UtcEdit::reserveWidth()
+{
+    QStyleOptionComboBox option;
+    option.initFrom(this);
+    const QSize text(fontMetrics().horizontalAdvance(QStringLiteral("8888-88-88 88:88:88 ")),
+                     fontMetrics().height());
+    setMinimumWidth(style()->sizeFromContents(QStyle::CT_ComboBox, &option, text, this).width());
 }
 
 /// False when @p event is for the base: a separator that is typed first leads on to the next

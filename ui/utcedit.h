@@ -21,13 +21,12 @@ public:
     /// False while the field shows something that is no time; dateTime() is the last one then.
     bool showsTime() const;
 
-    QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
     void stepBy(int steps) override;
     /// Takes over text that was pasted, dropped or otherwise put in as a whole.
     QValidator::State validate(QString &text, int &position) const override;
 
 protected:
+    void changeEvent(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
@@ -36,6 +35,7 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
+    void reserveWidth();
     bool typeKey(const QKeyEvent &event);
     void erase(bool backwards);
     int insertPosition() const;
