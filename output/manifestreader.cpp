@@ -16,7 +16,7 @@
 
 namespace {
 
-/// The lines of a manifest, by column.
+/// The current line of a manifest, by column.
 class Table
 {
 public:
@@ -45,7 +45,7 @@ void Table::setHeader(QStringView line)
     }
 }
 
-/// Anything but a finite number is no measure, and JSON could not hold it.
+/// 0 for anything but a finite number, which JSON could not hold either.
 double toNumber(const QStringRef &text)
 {
     const double number = text.toDouble(); // 0 for what is no number
@@ -60,8 +60,8 @@ bool isKept(const ManifestColumns::Geometry &column, double number)
 /**
  * The frames of one datasource while they are read.
  *
- * From row to row the geometry of a datasource hardly changes, so each frame takes over the
- * metadata of the one before and only what differs is read anew: a million frames share memory.
+ * The geometry of a datasource hardly changes from row to row. So each frame starts from the
+ * metadata of the previous one, and only what differs is parsed: a million frames share memory.
  */
 class FrameList
 {
@@ -77,8 +77,8 @@ private:
 
     QVector<ManifestFrame> m_frames;
     std::array<QString, geometryCount> m_texts;
-    std::array<double, geometryCount> m_numbers{}; // that m_texts tell
-    QJsonObject m_metadata = newMetadata();        // made of m_numbers
+    std::array<double, geometryCount> m_numbers{}; // values of m_texts
+    QJsonObject m_metadata = newMetadata();        // made from m_numbers
 };
 
 void FrameList::append(const Table &table)
@@ -89,7 +89,7 @@ void FrameList::append(const Table &table)
                      m_metadata});
 }
 
-/// Values are replaced in place, but an object whose keys come and go would keep the room of all.
+/// Replaces values in place. When keys come or go the object is rebuilt: it would never shrink.
 void FrameList::updateMetadata(const Table &table)
 {
     bool sameKeys = true;
@@ -120,16 +120,16 @@ QJsonObject FrameList::newMetadata() const
     return metadata;
 }
 
-/// Reads a line at a time, as long as they are of a bearable length.
+/// Reads line by line, up to the first one that is too long.
 class LineReader
 {
 public:
     explicit LineReader(QFile &file) : m_stream(&file) {}
 
     bool atEnd() const { return m_stream.atEnd(); }
-    /// The next line; nothing at the end, and from a line on that is too long.
+    /// The next line; nothing at the end of the file and at a line that is too long.
     std::optional<QStringView> next();
-    /// Says where reading ended before the file did; else empty.
+    /// A sentence about the line that is too long; empty when there was none.
     QString remark() const;
 
 private:

@@ -18,8 +18,8 @@
 
 namespace {
 
-/// Answers whether files exist by listing each folder once; a million questions to the file system
-/// take many times longer.
+/// Tells whether files exist by listing each folder once; a million calls to the file system take
+/// many times longer.
 class FileInventory
 {
 public:
@@ -102,8 +102,13 @@ StoredSession sessionFromJson(const QJsonObject &descriptor, const QDir &directo
     return session;
 }
 
-/// The nearest folder at or above @p path that exists, with all links followed; empty for a link
-/// that leads nowhere.
+bool hasFrames(const RoiSource &source)
+{
+    return !source.frames.isEmpty();
+}
+
+/// The nearest existing folder at or above @p path, with all links followed; empty for a dangling
+/// link.
 QString canonicalAncestor(QString path)
 {
     while (!QFileInfo::exists(path) && !QFileInfo(path).isSymLink() &&
@@ -131,9 +136,13 @@ bool liesBelow(const RoiSource &source, const QString &sessionDirectory)
 
 int StoredSession::sourcesWithFrames() const
 {
-    return static_cast<int>(
-        std::count_if(sources.cbegin(), sources.cend(),
-                      [](const RoiSource &source) { return !source.frames.isEmpty(); }));
+    return static_cast<int>(std::count_if(sources.cbegin(), sources.cend(), hasFrames));
+}
+
+int StoredSession::firstWithFrames() const
+{
+    const auto first = std::find_if(sources.cbegin(), sources.cend(), hasFrames);
+    return first == sources.cend() ? 0 : static_cast<int>(first - sources.cbegin());
 }
 
 std::optional<StoredSession> RoiSession::load(const QString &directory, QString *errorText)
@@ -152,12 +161,12 @@ std::optional<StoredSession> RoiSession::load(const QString &directory, QString 
     if (!descriptor)
         return fail(QStringLiteral("Invalid session.json: %1").arg(reason));
 
-    // Without a manifest the folders themselves tell which frames there are.
+    // A missing manifest is no error: the folders are scanned for frames instead.
     const ManifestFrames manifest =
         ManifestReader::read(session.filePath(SessionFiles::manifest())).value_or(ManifestFrames());
     StoredSession loaded = sessionFromJson(*descriptor, session);
     if (!manifest.remark.isEmpty())
-        loaded.remarks.append(manifest.remark);
+        loaded.remarks.append(QStringLiteral("WARNING ") + manifest.remark);
     loaded.sources =
         sourcesFromJson(descriptor->value(SessionKeys::sources).toArray(), session, manifest);
     if (loaded.sources.isEmpty())

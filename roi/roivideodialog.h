@@ -1,16 +1,14 @@
 #pragma once
 
 #include "roi/roisession.h"
-#include "roi/roiset.h"
 #include "roi/roivideogenerator.h"
 #include "roi/scalelookup.h"
 
 #include <QDialog>
 
 #include <memory>
+#include <optional>
 
-class QListWidgetItem;
-class QSpinBox;
 class RoiCanvas;
 
 namespace Ui {
@@ -18,11 +16,11 @@ class RoiVideoDialog;
 }
 
 /**
- * The ROI video tool: looks through a stored session, collects regions of interest and films them.
+ * The ROI video tool: shows the frames of a stored session and makes films of regions of interest.
  *
- * It collects input and shows results; reading, geometry, drawing and filming are done elsewhere.
+ * Collects input and shows results; reading, editing, drawing and filming are done elsewhere.
  */
-class RoiVideoDialog : public QDialog
+class RoiVideoDialog final : public QDialog
 {
     Q_OBJECT
 
@@ -31,16 +29,16 @@ public:
     explicit RoiVideoDialog(const QString &initialSessionDirectory, QWidget *parent = nullptr);
     ~RoiVideoDialog() override;
 
-    /// Replaces the session, unless it cannot be loaded; @p errorText, which may be null, says why.
+    /// Loads a session; on failure @p errorText, which may be null, says why, and nothing changes.
     bool loadSession(const QString &directory, QString *errorText = nullptr);
 
 public slots:
-    /// Ends a wait for the service; without one closes the dialog, unless the user would rather
-    /// keep regions that are not saved.
+    /// Cancels a running generation, if there is one. Otherwise closes the dialog, after asking
+    /// about unsaved regions.
     void reject() override;
 
 signals:
-    /// A line for the log.
+    /// A line for the log. Lines about a session are sent once the dialog is visible.
     void logMessage(const QString &text);
 
 protected:
@@ -54,36 +52,26 @@ private slots:
     void startDrawing();
     void endDrawing();
     void createRoi(const QRectF &pixels);
-    void deleteRoi();
-    void saveRois();
-    void onCurrentRoiChanged();
-    void onRoiItemChanged(QListWidgetItem *item);
-    void onNameEdited(const QString &name);
-    void onRotationChosen(int index);
+    void drawRegions();
     void generate();
 
 private:
+    /// What a generation is doing. Meanwhile all controls but Close are locked.
+    enum class Activity { None, LookingUp, Filming, Canceling };
+
     void connectWidgets();
     void connectCanvas();
-    void connectGeometry(QSpinBox *field, void (QRectF::*change)(qreal),
-                         int (QSize::*frameSide)() const);
-    void showSession();
-    void showRoiList(int currentRow);
-    void showRoiFields();
-    void showGeometry(const QRect &pixels);
-    void clearGeometry();
-    void drawRegions();
+    void connectRun();
+    void showSession(const StoredSession &session);
+    void fillWidgets();
+    void sendRemarks();
     void showScaleLine();
-    bool storeRois();
-    bool mayLeaveRois();
     const RoiSource *currentSource() const;
-    Roi *currentRoi();
     RoiVideoPlan planFromWidgets() const;
     bool findScales(RoiVideoPlan &plan);
-    void film(const RoiVideoPlan &plan);
-    void report(RoiVideoGenerator::Outcome outcome, const RoiVideoGenerator &generator);
-    void reportCanceled();
-    void setLocked(bool locked);
+    RoiVideoGenerator::Outcome film(const RoiVideoPlan &plan);
+    void report(RoiVideoGenerator::Outcome outcome);
+    void enterActivity(Activity activity);
     void setStatus(const QString &text);
     void warn(const QString &text);
     void inform(const QString &text);
@@ -91,9 +79,8 @@ private:
     std::unique_ptr<Ui::RoiVideoDialog> m_ui;
     RoiCanvas *m_canvas; // owned as a child
     ScaleLookup m_lookup;
+    RoiVideoGenerator m_generator;
     StoredSession m_session;
-    QVector<Roi> m_rois;       // row for row what the list shows, ticks included
-    QVector<Roi> m_storedRois; // as rois.json has them
     QString m_initialError;
-    bool m_lookingUp = false;
+    Activity m_activity = Activity::None;
 };

@@ -24,4 +24,15 @@ constexpr double chance(quint64 seed, quint64 value)
     return double(hashOf(seed, value) >> 11) * (1.0 / 9007199254740992.0);
 }
 
+/// Numbers of 0 to 1 drawn for one thing, the k-th by the argument k.
+class Draw
+{
+public:
+    explicit Draw(quint64 seed) : m_seed(seed) {}
+    float operator()(quint64 which) const { return float(chance(m_seed, which)); }
+
+private:
+    quint64 m_seed;
+};
+
 } // namespace Simulator

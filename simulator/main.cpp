@@ -46,7 +46,8 @@ void describeOptions(QCommandLineParser &parser)
              "What is to go wrong, as REQUEST:KIND[:VALUE[:FIRST[:COUNT]]]; may be given "
              "several times. \"GetClosestImage:Status:503:2:1\" answers the second "
              "request for a closest image with status 503. Requests: %1. Kinds: %2. "
-             "VALUE is a status, the milliseconds of Delay or the seconds of StaleDate.")
+             "VALUE is a status, the milliseconds of Delay, the seconds of StaleDate, or a "
+             "variant: 0 and 1 of ResetInBody, 0 to 3 of WrongId.")
              .arg(namesOf<Simulator::Operation>(), namesOf<Simulator::FaultKind>()),
          QStringLiteral("FAULT")},
     });

@@ -1,5 +1,6 @@
 #include "ui/desktopactions.h"
 
+#include "base/plainmessagebox.h"
 #include "base/runtimeconfig.h"
 
 #include <QCoreApplication>
@@ -7,7 +8,6 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QUrl>
 
 namespace {
@@ -22,21 +22,11 @@ bool open(const QString &path)
     return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
-/// A box with plain text: a path might look like HTML.
-int ask(QMessageBox::Icon icon, QWidget *parent, const QString &title, const QString &text,
-        QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton)
-{
-    QMessageBox box(icon, title, text, buttons, parent);
-    box.setTextFormat(Qt::PlainText);
-    box.setDefaultButton(defaultButton);
-    return box.exec();
-}
-
 } // namespace
 
 void DesktopActions::warn(QWidget *parent, const QString &title, const QString &text)
 {
-    ask(QMessageBox::Warning, parent, title, text, QMessageBox::Ok, QMessageBox::Ok);
+    PlainMessageBox::show(parent, QMessageBox::Warning, title, text);
 }
 
 bool DesktopActions::playVideo(QWidget *parent, const QString &path)
@@ -65,8 +55,9 @@ bool DesktopActions::offerToChooseVideo(QWidget *parent, const QString &outputRo
 {
     const QString text = tr("No MP4 video was found under:\n%1\n\nSelect a video manually?")
                              .arg(QDir::toNativeSeparators(outputRoot));
-    return ask(QMessageBox::Question, parent, tr("Play latest video"), text,
-               QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes) == QMessageBox::Yes;
+    return PlainMessageBox::ask(parent, tr("Play latest video"), text,
+                                QMessageBox::Yes | QMessageBox::No,
+                                QMessageBox::Yes) == QMessageBox::Yes;
 }
 
 void DesktopActions::openFolder(const QString &path)

@@ -85,8 +85,9 @@ def log_rules():
 def is_trouble(text, statement, rules):
     """Whether the user may ask what to do; a text of a form has no statement and is never logged."""
     line = text.strip().upper()
+    handed = CALLS.search(statement) and "QMessageBox::Information" not in statement
     coloured = statement and next((bad for bad, rule in rules if rule.search(line)), False)
-    return " " in line and bool(coloured or CALLS.search(statement) or WORDS.search(text))
+    return " " in line and bool(coloured or handed or WORDS.search(text))
 
 
 def quoted_messages():

@@ -16,7 +16,7 @@ QStringList levelsOf(const QStringList &names)
     const auto levels = [](const char *text) {
         return QString::fromLatin1(text).split(QLatin1Char('/'));
     };
-    const QString mission = names.at(0);
+    const QString &mission = names.at(0);
     if (mission == QLatin1String("Hinode"))
         return levels("Observatory/Instrument/Filter Wheel 1/Filter Wheel 2");
     if (mission == QLatin1String("Yohkoh"))

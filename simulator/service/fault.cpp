@@ -3,6 +3,8 @@
 #include <QMetaEnum>
 #include <QStringList>
 
+#include <array>
+
 namespace Simulator {
 
 std::optional<Fault> faultFromText(const QString &text)
@@ -17,15 +19,15 @@ std::optional<Fault> faultFromText(const QString &text)
     if (!isOperation || !isKind || words.size() > 5)
         return std::nullopt;
 
-    Fault fault{Operation(operation), FaultKind(kind)};
-    int *const numbers[] = {&fault.value, &fault.first, &fault.count};
+    const Fault usual{Operation(operation), FaultKind(kind)};
+    std::array<int, 3> numbers = {usual.value, usual.first, usual.count};
     for (int word = 2; word < words.size(); ++word) {
         bool isNumber = false;
-        *numbers[word - 2] = words.at(word).toInt(&isNumber);
+        numbers.at(size_t(word - 2)) = words.at(word).toInt(&isNumber);
         if (!isNumber)
             return std::nullopt;
     }
-    return fault;
+    return Fault{usual.operation, usual.kind, numbers[0], numbers[1], numbers[2]};
 }
 
 } // namespace Simulator

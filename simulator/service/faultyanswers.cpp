@@ -47,6 +47,8 @@ QByteArray withoutBlock(const QByteArray &png, const QColor &colour)
 {
     constexpr int freeIndex = 255; // pictures leave the palette's last place free
     QImage picture = QImage::fromData(png);
+    if (picture.isNull())
+        return png; // an error in its place
     picture.setColorCount(freeIndex + 1);
     picture.setColor(freeIndex, colour.rgba());
     const int side = qBound(64, qMin(picture.width(), picture.height()) / 16, 256);
@@ -87,50 +89,51 @@ QByteArray departing(const QByteArray &body, const Fault &fault)
     return jsonAnswer(image).body;
 }
 
-Answer spoilt(Answer answer, Operation operation, const Fault &fault)
+QByteArray spoiltBody(const QByteArray &body, const Fault &fault)
 {
-    QByteArray &body = answer.body;
     switch (fault.kind) {
-    case FaultKind::Status:
-        return answerWithStatus(fault.value);
-    case FaultKind::HtmlBody:
-        return pageOfError(QStringLiteral("Limit of 3000 requests per 60 seconds has been exceeded "
-                                          "by identifier: 127.0.0.1"),
-                           200);
-    case FaultKind::JsonErrorBody:
-        return errorWithoutStatus(operation);
     case FaultKind::EmptyBody:
-        body.clear();
-        break;
+        return {};
     case FaultKind::JsonArray:
-        body = "[]";
-        break;
+        return "[]";
     case FaultKind::TruncatedPng:
     case FaultKind::CutOffJson:
-        body.truncate(body.size() / 2);
-        break;
+        return body.left(body.size() / 2);
     case FaultKind::LeadingNewline:
-        body.prepend('\n');
-        break;
+        return '\n' + body;
     case FaultKind::BlackBlock:
+        return withoutBlock(body, Qt::black);
     case FaultKind::TransparentBlock:
-        body =
-            withoutBlock(body, fault.kind == FaultKind::BlackBlock ? Qt::black : Qt::transparent);
-        break;
+        return withoutBlock(body, Qt::transparent);
     case FaultKind::WrongId:
     case FaultKind::NumberId:
     case FaultKind::NumericStrings:
     case FaultKind::StaleDate:
     case FaultKind::NoRsun:
-        body = departing(body, fault);
-        break;
+        return departing(body, fault);
+    case FaultKind::Status:
+    case FaultKind::HtmlBody:
+    case FaultKind::JsonErrorBody:
     case FaultKind::Delay:
     case FaultKind::Hang:
     case FaultKind::Refuse:
     case FaultKind::ResetInBody:
-        break; // these concern the connection
+        break; // these concern the whole answer, or the connection
     }
-    return answer;
+    return body;
+}
+
+Answer spoilt(const Answer &answer, Operation operation, const Fault &fault)
+{
+    if (fault.kind == FaultKind::Status)
+        return answerWithStatus(fault.value);
+    if (fault.kind == FaultKind::HtmlBody)
+        return pageOfError(QStringLiteral("Limit of 3000 requests per 60 seconds has been exceeded "
+                                          "by identifier: 127.0.0.1"),
+                           200);
+    if (fault.kind == FaultKind::JsonErrorBody)
+        return errorWithoutStatus(operation);
+    return {answer.status, answer.contentType, spoiltBody(answer.body, fault)};
 }
 
 } // namespace

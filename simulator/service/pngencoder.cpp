@@ -58,6 +58,7 @@ QByteArray encodePng(const QImage &picture)
                  PNG_FILTER_TYPE_DEFAULT);
     setPalette(png, info, picture.colorTable());
     std::vector<png_bytep> rows;
+    rows.reserve(size_t(picture.height()));
     for (int row = 0; row < picture.height(); ++row)
         rows.push_back(const_cast<png_bytep>(picture.constScanLine(row))); // only read
     png_set_rows(png, info, rows.data());

@@ -17,7 +17,7 @@ QString QueryReader::value(const QString &name) const
 
 QString QueryReader::required(const QString &name)
 {
-    const QString text = value(name);
+    QString text = value(name);
     if (text.isEmpty())
         complain(QStringLiteral("No value set for required parameter \"%1\".").arg(name));
     return text;

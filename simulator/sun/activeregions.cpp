@@ -3,8 +3,6 @@
 #include "simulator/hash.h"
 #include "simulator/sun/solarrotation.h"
 
-#include <QtMath>
-
 #include <algorithm>
 #include <cmath>
 
@@ -13,135 +11,109 @@ namespace Simulator {
 namespace {
 
 constexpr double secondsPerDay = 86400.0;
-constexpr double secondsPerYear = 365.2422 * secondsPerDay;
-constexpr double unixTimeOfMinimum = 1575158400.0; // 2019-12-01, between cycles 24 and 25
-constexpr double cycleYears = 11.0;
+constexpr float radiansPerDegree = 0.0174532925F;
+constexpr float pi = 3.1415927F;
 
-constexpr double birthSpacing = 0.8 * secondsPerDay; // of one region, in the maximum
-constexpr double longestLife = 40.0 * secondsPerDay;
-constexpr double flareSpacing = 4.0 * 3600.0; // one in that time, if any
-
-constexpr double filamentSpacing = 3.0 * secondsPerDay;
-constexpr double filamentLife = 30.0 * secondsPerDay;
-
-double cyclePhase(double unixTime)
+/// Something that is born at random, once in a while, and lives for a time.
+struct Life
 {
-    const double cycles = (unixTime - unixTimeOfMinimum) / secondsPerYear / cycleYears;
-    return cycles - std::floor(cycles);
-}
-
-/// Numbers drawn for one event of a series, the k-th from the k-th call's argument.
-class Draw
-{
-public:
-    explicit Draw(quint64 seed) : m_seed(seed) {}
-    double operator()(quint64 which) const { return chance(m_seed, which); }
-
-private:
-    quint64 m_seed;
+    quint64 seed;
+    double bornUnixTime;
+    double age; ///< seconds
 };
 
-Vector3 pointAt(double latitude, double longitude)
+/// All births of the last @p longest seconds, one in @p spacing on average.
+std::vector<Life> livesAt(double now, double spacing, double longest, quint64 kind)
 {
-    return {float(std::cos(latitude) * std::sin(longitude)), float(std::sin(latitude)),
-            float(std::cos(latitude) * std::cos(longitude))};
+    std::vector<Life> lives;
+    const auto last = qint64(std::floor(now / spacing));
+    for (auto number = qint64(std::floor((now - longest) / spacing)); number <= last; ++number) {
+        const quint64 seed = hashOf(kind, quint64(number));
+        const double born = (double(number) + chance(seed, 0)) * spacing;
+        if (born < now && born > now - longest)
+            lives.push_back({seed, born, now - born});
+    }
+    return lives;
+}
+
+/// A point that was at @p longitude when it was born, in radians.
+Vector3 pointAt(float latitude, float longitude, double ageSeconds)
+{
+    const double turned =
+        synodicRadiansPerDay(std::sin(double(latitude))) * ageSeconds / secondsPerDay;
+    const float now = longitude + float(turned);
+    return {std::cos(latitude) * std::sin(now), std::sin(latitude),
+            std::cos(latitude) * std::cos(now)};
 }
 
 /// A large flare rises in minutes and fades within the hour.
-double flareAt(quint64 seed, double unixTime, double strength)
+float flareAt(quint64 seed, double now, float strength)
 {
-    double brightness = 0.0;
-    const double slot = std::floor(unixTime / flareSpacing);
-    for (const double number : {slot - 1.0, slot}) {
-        const Draw draw(hashOf(seed, quint64(number)));
-        if (draw(0) > 0.35 * strength)
-            continue;
-        const double minutes = (unixTime - (number + draw(1)) * flareSpacing) / 60.0;
-        const double size = 0.15 + 0.85 * std::pow(draw(2), 3.0);
-        if (minutes > -6.0)
-            brightness += size * (minutes < 0.0 ? std::exp(-minutes * minutes / 8.0)
-                                                : std::exp(-minutes / (12.0 + 30.0 * draw(3))));
+    constexpr double spacing = 4.0 * 3600.0;
+    float brightness = 0.0F;
+    for (const Life &flare : livesAt(now + 600.0, spacing, 2.0 * spacing, seed)) {
+        const Draw draw(flare.seed);
+        const float minutes = float(flare.age - 600.0) / 60.0F;
+        const float size = 0.15F + 0.85F * draw(2) * draw(2) * draw(2);
+        if (draw(1) < 0.35F * strength)
+            brightness += size * (minutes < 0.0F ? std::exp(-minutes * minutes / 8.0F)
+                                                 : std::exp(-minutes / (12.0F + 30.0F * draw(3))));
     }
-    return std::min(brightness, 1.0);
+    return std::min(brightness, 1.0F);
 }
 
-/// Where a point of that latitude, at @p longitude when it was born, is @p seconds later.
-double turned(double longitude, double latitude, double seconds)
+ActiveRegion regionOf(const Life &life, float share)
 {
-    return longitude + synodicRadiansPerDay(std::sin(latitude)) * seconds / secondsPerDay;
-}
-
-ActiveRegion regionOf(quint64 seed, double age, double life, double bornUnixTime)
-{
-    const Draw draw(seed);
-    const double phase = cyclePhase(bornUnixTime);
-    const bool northern = draw(2) < 0.5;
-    // Spoerer's law: belts move from 28 degrees to 8 in the course of a cycle.
-    const double latitude =
-        qDegreesToRadians(28.0 - 20.0 * phase + 14.0 * (draw(3) - 0.5)) * (northern ? 1.0 : -1.0);
-    const double longitude = turned(2.0 * M_PI * draw(4), latitude, age);
-    // Joy's law: the leading part lies closer to the equator.
-    const double inclination = (northern ? -1.0 : 1.0) * qDegreesToRadians(4.0 + 14.0 * draw(5));
-
+    const Draw draw(life.seed);
     ActiveRegion region;
-    region.seed = seed;
-    region.northern = northern;
-    region.centre = pointAt(latitude, longitude);
-    const Vector3 west = pointAt(0.0, longitude + M_PI / 2.0);
+    region.seed = life.seed;
+    region.isNorthern = draw(2) < 0.5F;
+    const float side = region.isNorthern ? 1.0F : -1.0F;
+    const float latitude = side * (8.0F + 20.0F * draw(3)) * radiansPerDegree;
+    region.centre = pointAt(latitude, 2.0F * pi * draw(4), life.age);
+    // The leading part lies closer to the equator.
+    const float inclination = -side * (4.0F + 14.0F * draw(5)) * radiansPerDegree;
+    const Vector3 west = normalized({region.centre.z, 0.0F, -region.centre.x});
     const Vector3 north = cross(region.centre, west);
-    region.along = west * float(std::cos(inclination)) + north * float(std::sin(inclination));
+    region.along = west * std::cos(inclination) + north * std::sin(inclination);
     region.across = cross(region.centre, region.along);
-    const double share = age / life;
-    const double swell = std::min(share * 5.0, 1.0) * std::sqrt(1.0 - share);
-    region.strength = float(swell * (0.25 + 0.75 * draw(6)));
-    region.size = float((0.035 + 0.065 * draw(7)) * (0.6 + 0.8 * std::min(share * 3.0, 1.0)));
-    region.flare = float(flareAt(seed, bornUnixTime + age, double(region.strength)));
+    region.strength =
+        std::min(share * 5.0F, 1.0F) * std::sqrt(1.0F - share) * (0.25F + 0.75F * draw(6));
+    region.size = (0.035F + 0.065F * draw(7)) * (0.6F + 0.8F * std::min(share * 3.0F, 1.0F));
+    region.flare = flareAt(life.seed, life.bornUnixTime + life.age, region.strength);
     return region;
 }
 
-Filament filamentOf(quint64 seed, double age)
+Filament filamentOf(const Life &life)
 {
-    const Draw draw(seed);
-    const double latitude = qDegreesToRadians(18.0 + 34.0 * draw(1)) * (draw(2) < 0.5 ? 1.0 : -1.0);
-    const double longitude = 2.0 * M_PI * draw(3);
-    const double length = 0.15 + 0.4 * draw(4);
-    const double slope = (draw(5) - 0.5) * 1.2;
+    const Draw draw(life.seed);
+    const float latitude =
+        (18.0F + 34.0F * draw(1)) * radiansPerDegree * (draw(2) < 0.5F ? 1.0F : -1.0F);
+    const float length = 0.15F + 0.4F * draw(4);
+    const float slope = (draw(5) - 0.5F) * 1.2F;
     Filament filament;
-    filament.seed = seed;
-    filament.height = float(0.025 + 0.04 * draw(6));
+    filament.height = 0.025F + 0.04F * draw(6);
     constexpr int points = 48;
     for (int point = 0; point <= points; ++point) {
-        const double along = double(point) / points - 0.5;
-        const double bend = 0.04 * std::sin(along * 6.0 + 6.0 * draw(7)) +
-                            0.006 * std::sin(along * 25.0 + 6.0 * draw(8));
-        const double lat = latitude + along * length * slope + bend;
-        filament.path.push_back(pointAt(lat, turned(longitude + along * length, latitude, age)));
+        const float along = float(point) / points - 0.5F;
+        const float bend = 0.04F * std::sin(along * 6.0F + 6.0F * draw(7)) +
+                           0.006F * std::sin(along * 25.0F + 6.0F * draw(8));
+        filament.path.push_back(pointAt(latitude + along * length * slope + bend,
+                                        2.0F * pi * draw(3) + along * length, life.age));
     }
     return filament;
 }
 
 } // namespace
 
-double solarActivity(qint64 unixTime)
-{
-    // Cycles rise in four years and fall in seven.
-    return std::pow(std::sin(M_PI * std::pow(cyclePhase(double(unixTime)), 0.7)), 2.0);
-}
-
 std::vector<ActiveRegion> activeRegionsAt(qint64 unixTime)
 {
+    constexpr double longestLife = 40.0 * secondsPerDay;
     std::vector<ActiveRegion> regions;
-    const double now = double(unixTime);
-    const auto last = qint64(std::floor(now / birthSpacing));
-    const auto first = qint64(std::floor((now - longestLife) / birthSpacing));
-    for (qint64 number = first; number <= last; ++number) {
-        const quint64 seed = hashOf(0xac71, quint64(number));
-        const Draw draw(seed);
-        const double born = (double(number) + draw(0)) * birthSpacing;
-        const double life = longestLife * (0.25 + 0.75 * draw(1));
-        const double activity = 0.06 + 0.94 * solarActivity(qint64(born));
-        if (draw(8) < activity && now > born && now < born + life)
-            regions.push_back(regionOf(seed, now - born, life, born));
+    for (const Life &life : livesAt(double(unixTime), 1.1 * secondsPerDay, longestLife, 0x6df9)) {
+        const double share = life.age / longestLife / (0.25 + 0.75 * chance(life.seed, 1));
+        if (share < 1.0)
+            regions.push_back(regionOf(life, float(share)));
     }
     return regions;
 }
@@ -149,15 +121,9 @@ std::vector<ActiveRegion> activeRegionsAt(qint64 unixTime)
 std::vector<Filament> filamentsAt(qint64 unixTime)
 {
     std::vector<Filament> filaments;
-    const double now = double(unixTime);
-    const auto last = qint64(std::floor(now / filamentSpacing));
-    const auto first = qint64(std::floor((now - filamentLife) / filamentSpacing));
-    for (qint64 number = first; number <= last; ++number) {
-        const quint64 seed = hashOf(0xf11a, quint64(number));
-        const double age = now - (double(number) + chance(seed, 0)) * filamentSpacing;
-        if (age > 0.0 && age < filamentLife)
-            filaments.push_back(filamentOf(seed, age));
-    }
+    for (const Life &life :
+         livesAt(double(unixTime), 3.0 * secondsPerDay, 30.0 * secondsPerDay, 0xf11a))
+        filaments.push_back(filamentOf(life));
     return filaments;
 }
 

@@ -1,14 +1,13 @@
 #pragma once
 
-#include "simulator/sun/look.h"
-
 #include <QtGlobal>
 
 namespace Simulator {
 
 class LightField;
+struct Optics;
 
-/// Paints the corona in white light around an occulter: streamers, outbursts, stars.
-void paintCoronagraph(LightField &field, qint64 unixTime, Look look);
+/// Paints the outer corona around an occulter: streamers, outbursts, stars.
+void paintCoronagraph(LightField &field, qint64 unixTime, const Optics &optics);
 
 } // namespace Simulator

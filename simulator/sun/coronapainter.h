@@ -7,11 +7,11 @@
 namespace Simulator {
 
 class LightField;
-class SurfaceView;
+class Surface;
 struct SunStyle;
 
 /// Paints the glow beyond the limb, which is brighter above bright parts of the limb.
-void paintCorona(LightField &field, const SurfaceView &surface,
+void paintCorona(LightField &field, const Surface &surface,
                  const std::vector<ActiveRegion> &regions, const SunStyle &style);
 
 } // namespace Simulator

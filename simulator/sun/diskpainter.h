@@ -3,10 +3,10 @@
 namespace Simulator {
 
 class LightField;
-class SurfaceView;
+class Surface;
 struct SunStyle;
 
 /// Paints the quiet Sun: the surface inside the limb, without anything that is active.
-void paintDisk(LightField &field, const SurfaceView &surface, const SunStyle &style);
+void paintDisk(LightField &field, const Surface &surface, const SunStyle &style);
 
 } // namespace Simulator

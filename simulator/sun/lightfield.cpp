@@ -1,15 +1,8 @@
 #include "simulator/sun/lightfield.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace Simulator {
-
-namespace {
-
-constexpr float thinnestPx = 1.25F; // radius below which a line breaks up into pixels
-
-} // namespace
 
 LightField::LightField(int widthPx, int heightPx, const Disk &disk)
     : m_widthPx(widthPx)
@@ -33,29 +26,21 @@ LightField::Box LightField::boxAround(float x, float y, float halfSide) const
 
 float LightField::effectiveRadius(float radius) const
 {
+    constexpr float thinnestPx = 1.25F; // below it a line breaks up into pixels
     return std::max(radius, thinnestPx / float(m_disk.radius));
-}
-
-float LightField::stepFor(float radius) const
-{
-    return 0.6F * effectiveRadius(radius);
 }
 
 template<typename Change>
 void LightField::changeSpot(float x, float y, float radius, const Change &change)
 {
-    const Box box = boxAround(x, y, radius);
     const float inverse = 1.0F / (radius * radius);
-    for (int line = box.top; line < box.bottom; ++line) {
-        float *light = row(line);
-        const float dy = yOf(line) - y;
-        for (int column = box.left; column < box.right; ++column) {
-            const float dx = xOf(column) - x;
-            const float room = 1.0F - (dx * dx + dy * dy) * inverse;
-            if (room > 0.0F)
-                change(light[column], room * room);
-        }
-    }
+    visit(boxAround(x, y, radius), [=, &change](float &light, float pixelX, float pixelY) {
+        const float dx = pixelX - x;
+        const float dy = pixelY - y;
+        const float room = 1.0F - (dx * dx + dy * dy) * inverse;
+        if (room > 0.0F)
+            change(light, room * room);
+    });
 }
 
 void LightField::addSpot(float x, float y, float radius, float light)

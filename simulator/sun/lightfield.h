@@ -3,7 +3,6 @@
 #include "simulator/sun/scene.h"
 #include "simulator/sun/vector3.h"
 
-#include <cmath>
 #include <vector>
 
 namespace Simulator {
@@ -38,7 +37,7 @@ public:
         return (float(m_disk.centreY) - 0.5F - float(rowNumber)) / float(m_disk.radius);
     }
 
-    /// Columns and rows that a square around a place covers; first = last when it is outside.
+    /// Columns and rows that a square covers; first = last when it is outside.
     struct Box
     {
         int left = 0;
@@ -48,6 +47,9 @@ public:
     };
     Box boxAround(float x, float y, float halfSide) const;
 
+    /// Calls @p visit(pixel, x, y) for each pixel within @p box.
+    template<typename Visit>
+    void visit(const Box &box, const Visit &visit);
     /// Calls @p visit(pixel, point) for each pixel of the disk within @p box, with the place on the
     /// unit sphere that it shows, z towards the viewer.
     template<typename Visit>
@@ -57,12 +59,11 @@ public:
     void addSpot(float x, float y, float radius, float light);
     /// Lets less light through, 1 for none in the middle of the spot.
     void dimSpot(float x, float y, float radius, float depth);
-
     /// Steps of that length, in solar radii, draw a line without gaps out of spots of a radius.
-    float stepFor(float radius) const;
-    float effectiveRadius(float radius) const;
+    float stepFor(float radius) const { return 0.6F * effectiveRadius(radius); }
 
 private:
+    float effectiveRadius(float radius) const;
     template<typename Change>
     void changeSpot(float x, float y, float radius, const Change &change);
 
@@ -73,18 +74,24 @@ private:
 };
 
 template<typename Visit>
-void LightField::visitDisk(const Box &box, const Visit &visit)
+void LightField::visit(const Box &box, const Visit &visit)
 {
     for (int line = box.top; line < box.bottom; ++line) {
         const float y = yOf(line);
         float *light = row(line);
-        for (int column = box.left; column < box.right; ++column) {
-            const float x = xOf(column);
-            const float square = 1.0F - x * x - y * y;
-            if (square > 0.0F)
-                visit(light[column], Vector3{x, y, std::sqrt(square)});
-        }
+        for (int column = box.left; column < box.right; ++column)
+            visit(light[column], xOf(column), y);
     }
+}
+
+template<typename Visit>
+void LightField::visitDisk(const Box &box, const Visit &visitPoint)
+{
+    visit(box, [&visitPoint](float &light, float x, float y) {
+        const float square = 1.0F - x * x - y * y;
+        if (square > 0.0F)
+            visitPoint(light, Vector3{x, y, std::sqrt(square)});
+    });
 }
 
 } // namespace Simulator

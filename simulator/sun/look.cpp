@@ -3,179 +3,117 @@
 #include <QString>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace Simulator {
 
 namespace {
 
-constexpr int colours = 255;
+// clang-format off
+// By temperature; a million degrees are the cool corona with its loops, 50,000 the chromosphere.
+//                               quiet   cloud   network threads points  holes   belts   limb    corona  height  glow    plage   loops   filam.  promin. spots   flares  black   curve   white   grain
+constexpr SunStyle coolCorona   {0.26F,  0.85F,  0.5F,   0.2F,   0.7F,   0.6F,   0.3F,   0.55F,  0.34F,  0.085F, 0.22F,  0.65F,  1.1F,   0.4F,   0.0F,   0.0F,   1.0F,   0.02F,  9.0F,   2.6F,   1.2F};
+constexpr SunStyle warmCorona   {0.25F,  0.85F,  0.3F,   0.2F,   0.7F,   0.66F,  0.3F,   0.4F,   0.62F,  0.095F, 0.9F,   0.8F,   0.75F,  0.4F,   0.0F,   0.0F,   1.0F,   0.045F, 9.0F,   2.6F,   1.2F};
+constexpr SunStyle hotCorona    {0.14F,  0.6F,   0.25F,  0.07F,  0.2F,   0.5F,   0.3F,   0.4F,   0.12F,  0.14F,  0.8F,   0.3F,   0.9F,   0.15F,  0.0F,   0.0F,   3.0F,   0.045F, 9.0F,   2.6F,   2.4F};
+constexpr SunStyle softXRays    {0.07F,  0.6F,   0.25F,  0.07F,  0.2F,   0.5F,   0.3F,   0.4F,   0.12F,  0.14F,  0.8F,   0.3F,   0.9F,   0.15F,  0.0F,   0.0F,   3.0F,   0.045F, 9.0F,   2.6F,   2.2F};
+constexpr SunStyle chromosphere {0.32F,  0.4F,   1.25F,  0.05F,  0.25F,  0.25F,  0.25F,  0.3F,   0.16F,  0.035F, 0.3F,   1.7F,   0.2F,   0.75F,  0.5F,   0.0F,   1.0F,   0.0F,   5.0F,   2.5F,   1.2F};
+constexpr SunStyle ultraviolet  {0.42F,  0.12F,  0.75F,  0.05F,  0.25F,  0.0F,   0.1F,   -0.5F,  0.0F,   0.035F, 0.1F,   1.4F,   0.0F,   0.0F,   0.0F,   0.6F,   0.6F,   0.0F,   3.0F,   2.5F,   1.2F};
+constexpr SunStyle hydrogen     {0.5F,   0.15F,  0.28F,  0.06F,  0.25F,  0.0F,   0.1F,   -0.45F, 0.0F,   0.035F, 0.1F,   0.5F,   0.0F,   0.8F,   0.08F,  0.5F,   0.6F,   0.0F,   1.5F,   1.4F,   1.2F};
+constexpr SunStyle photosphere  {1.0F,   0.0F,   0.045F, 0.0F,   0.0F,   0.0F,   0.0F,   -0.6F,  0.0F,   0.035F, 0.0F,   0.06F,  0.0F,   0.0F,   0.0F,   1.0F,   0.0F,   0.0F,   0.02F,  1.12F,  1.2F};
 
-struct PathLook
-{
-    const char *part; ///< of the path
-    Look look;
-};
+constexpr Optics c2    {2.2F,  8.6F,   0.2F,  1.1F, 70,  false};
+constexpr Optics c3    {4.4F,  32.0F,  0.24F, 0.9F, 420, true};
+constexpr Optics cor1  {1.45F, 4.1F,   0.18F, 1.6F, 0,   false};
+constexpr Optics cor2  {2.6F,  15.2F,  0.22F, 1.0F, 160, false};
+constexpr Optics kCor  {1.06F, 3.0F,   0.06F, 2.4F, 0,   false};
+constexpr Optics punch {6.0F,  174.0F, 0.12F, 0.7F, 900, false};
+
+constexpr Curve linear {0.0, 1.0, 1.0};
+constexpr Curve root   {0.0, 1.0, 0.5};
+constexpr Curve square {0.0, 1.0, 2.0};
+constexpr Curve lifted {0.0, 1.0, 0.8};
+constexpr Curve early  {0.0, 0.69, 1.0};
+constexpr Curve middle {0.47, 1.0, 1.0};
+constexpr Curve late   {0.745, 1.0, 1.0};
+
+// As near to the tables of the instruments' teams as three curves come.
+constexpr Palette gold   {early, linear, late};
+constexpr Palette bronze {root, {0.0, 1.0, 1.2}, square};
+constexpr Palette red    {early, middle, late};
+constexpr Palette green  {square, lifted, linear};
+constexpr Palette teal   {middle, early, early};
+constexpr Palette purple {root, linear, lifted};
+constexpr Palette blue   {square, linear, root};
+constexpr Palette azure  {{0.8, 1.0, 1.0}, {0.5, 0.98, 1.0}, {0.03, 0.78, 1.0}};
+constexpr Palette grass  {{0.64, 1.0, 1.0}, {0.0, 0.62, 1.0}, {0.45, 1.0, 1.0}};
+constexpr Palette olive  {lifted, lifted, square};
+constexpr Palette rose   {root, linear, linear};
+constexpr Palette sand   {linear, linear, {0.745, 1.255, 1.0}};
+constexpr Palette brick  {{0.0, 0.7, 1.0}, square, {0.0, 1.0, 3.0}};
+constexpr Palette grey   {linear, linear, linear};
 
 /// The first part that a path holds decides.
-constexpr PathLook pathLooks[] = {
-    {"AIA/171", Look::Gold},
-    {"AIA/193", Look::Bronze},
-    {"AIA/304", Look::Red},
-    {"AIA/94", Look::Green},
-    {"AIA/131", Look::Teal},
-    {"AIA/211", Look::Purple},
-    {"AIA/335", Look::Blue},
-    {"AIA/1600", Look::Olive},
-    {"AIA/1700", Look::Rose},
-    {"AIA/4500", Look::Sand},
-    {"SUVI/94", Look::Green},
-    {"SUVI/131", Look::Teal},
-    {"SUVI/171", Look::Gold},
-    {"SUVI/195", Look::Bronze},
-    {"SUVI/284", Look::Purple},
-    {"SUVI/304", Look::Red},
-    {"EIT/171", Look::EitBlue},
-    {"EIT/195", Look::EitGreen},
-    {"EIT/304", Look::Red},
-    {"EUVI/171", Look::EitBlue},
-    {"EUVI/195", Look::EitGreen},
-    {"EUVI/304", Look::Red},
-    {"TRACE/171", Look::Gold},
-    {"HMI/continuum", Look::Visible},
-    {"HMI/magnetogram", Look::Magnetic},
-    {"MDI/continuum", Look::Visible},
-    {"MDI/magnetogram", Look::Magnetic},
-    {"LASCO/C2", Look::CoronaC2},
-    {"LASCO/C3", Look::CoronaC3},
-    {"COR1", Look::CoronaCor1},
-    {"COR2", Look::CoronaCor2},
-    {"CCOR", Look::CoronaC3},
-    {"KCor", Look::CoronaK},
-    {"PUNCH", Look::CoronaWide},
-    {"H-alpha", Look::HAlpha},
-    {"XRT", Look::XRay},
-    {"SXT", Look::XRay},
-    {"RHESSI", Look::HardXRay},
-    {"SJI", Look::FarUv},
+constexpr Look looks[] = {
+    {"AIA/171", &gold, &coolCorona},
+    {"AIA/193", &bronze, &warmCorona},
+    {"AIA/304", &red, &chromosphere},
+    {"AIA/94", &green, &hotCorona},
+    {"AIA/131", &teal, &hotCorona},
+    {"AIA/211", &purple, &warmCorona},
+    {"AIA/335", &blue, &hotCorona},
+    {"AIA/1600", &olive, &ultraviolet},
+    {"AIA/1700", &rose, &ultraviolet},
+    {"AIA/4500", &sand, &photosphere},
+    {"SUVI/94", &green, &hotCorona},
+    {"SUVI/195", &bronze, &warmCorona},
+    {"SUVI/304", &red, &chromosphere},
+    {"EIT/171", &azure, &coolCorona},
+    {"EIT/195", &grass, &warmCorona},
+    {"EIT/304", &red, &chromosphere},
+    {"EUVI/171", &azure, &coolCorona},
+    {"EUVI/195", &grass, &warmCorona},
+    {"continuum", &grey, &photosphere},
+    {"magnetogram", &grey},
+    {"H-alpha", &brick, &hydrogen},
+    {"SJI", &rose, &ultraviolet},
+    {"XRT", &red, &softXRays},
+    {"SXT", &red, &softXRays},
+    {"RHESSI", &red, &softXRays},
+    {"LASCO/C2", &red, nullptr, &c2},
+    {"LASCO/C3", &azure, nullptr, &c3},
+    {"COR1", &grass, nullptr, &cor1},
+    {"COR2", &red, nullptr, &cor2},
+    {"CCOR", &azure, nullptr, &c3},
+    {"KCor", &grey, nullptr, &kCor},
+    {"PUNCH", &grey, nullptr, &punch},
 };
+// clang-format on
 
-double ramp(double value, double from, double to)
+int level(const Curve &curve, double brightness)
 {
-    return std::clamp((value - from) / (to - from), 0.0, 1.0);
-}
-
-QRgb rgb(double red, double green, double blue)
-{
-    return qRgb(qRound(255.0 * red), qRound(255.0 * green), qRound(255.0 * blue));
-}
-
-/// "Red temperature" of the colour tables that come with IDL.
-QRgb redTemperature(double v)
-{
-    return rgb(ramp(v, 0.0, 0.69), ramp(v, 0.47, 1.0), ramp(v, 0.745, 1.0));
-}
-
-/// The blue of the older 171 channel and of the outer coronagraph.
-QRgb blueWhite(double v)
-{
-    return rgb(ramp(v, 0.8, 1.0), ramp(v, 0.5, 0.98), ramp(v, 0.03, 0.78));
-}
-
-/// The curves of which the tables of the AIA bands are made (aia_lct of SolarSoft).
-struct AiaCurves
-{
-    explicit AiaCurves(double v)
-        : linear(v), root(std::sqrt(v)), square(v * v), lifted((std::sqrt(v) + v * v / 2.0) / 1.5)
-    {}
-
-    double linear;
-    double root;
-    double square;
-    double lifted;
-};
-
-QRgb aiaColour(Look look, double v)
-{
-    const AiaCurves c(v);
-    switch (look) {
-    case Look::Bronze:
-        return rgb(c.root, c.linear * (0.75 + 0.25 * v), c.square);
-    case Look::Green:
-        return rgb(c.square, c.lifted, c.linear);
-    case Look::Teal:
-        return rgb(ramp(v, 0.47, 1.0), ramp(v, 0.0, 0.69), ramp(v, 0.0, 0.69));
-    case Look::Purple:
-        return rgb(c.root, c.linear, c.lifted);
-    case Look::Blue:
-        return rgb(c.square, c.linear, c.root);
-    case Look::Olive:
-        return rgb(c.lifted, c.lifted, c.square);
-    case Look::Rose:
-        return rgb(c.root, c.linear, c.linear);
-    case Look::Sand:
-        return rgb(c.linear, c.linear, ramp(v, 0.745, 1.0) / 2.0);
-    default: // gold
-        return rgb(ramp(v, 0.0, 0.69), c.linear, ramp(v, 0.745, 1.0));
-    }
-}
-
-QRgb colourOf(Look look, double v)
-{
-    switch (look) {
-    case Look::Red:
-    case Look::CoronaC2:
-    case Look::CoronaCor2:
-    case Look::XRay:
-        return redTemperature(v);
-    case Look::EitBlue:
-    case Look::CoronaC3:
-        return blueWhite(v);
-    case Look::EitGreen:
-    case Look::CoronaCor1:
-        return rgb(ramp(v, 0.64, 1.0), ramp(v, 0.0, 0.62), ramp(v, 0.45, 1.0));
-    case Look::HAlpha:
-        return rgb(ramp(v, 0.0, 0.7), v * v, v * v * v);
-    case Look::HardXRay:
-        return rgb(ramp(v, 0.25, 0.7), ramp(v, 0.55, 1.0), v < 0.5 ? v : 1.0 - v);
-    case Look::FarUv:
-        return rgb(std::sqrt(v), v, 0.8 * v);
-    case Look::CoronaK:
-    case Look::CoronaWide:
-    case Look::Visible:
-    case Look::Magnetic:
-        return rgb(v, v, v);
-    case Look::Gold:
-    case Look::Bronze:
-    case Look::Green:
-    case Look::Teal:
-    case Look::Purple:
-    case Look::Blue:
-    case Look::Olive:
-    case Look::Rose:
-    case Look::Sand:
-        break;
-    }
-    return aiaColour(look, v);
+    const double share = std::clamp((brightness - curve.from) / (curve.to - curve.from), 0.0, 1.0);
+    return qRound(255.0 * std::pow(share, curve.power));
 }
 
 } // namespace
 
-Look lookOf(const QString &path)
+const Look &lookOf(const QString &path)
 {
-    for (const PathLook &known : pathLooks)
-        if (path.contains(QLatin1String(known.part)))
-            return known.look;
-    return Look::Gold;
+    const auto *found = std::find_if(std::begin(looks), std::end(looks), [&path](const Look &look) {
+        return path.contains(QLatin1String(look.part));
+    });
+    return found == std::end(looks) ? looks[0] : *found;
 }
 
-QVector<QRgb> colourTable(Look look)
+QVector<QRgb> colourTable(const Palette &palette)
 {
+    constexpr int colours = 255;
     QVector<QRgb> table;
-    table.reserve(colours);
-    for (int index = 0; index < colours; ++index)
-        table.append(colourOf(look, double(index) / (colours - 1)));
+    for (int index = 0; index < colours; ++index) {
+        const double brightness = double(index) / (colours - 1);
+        table.append(qRgb(level(palette.red, brightness), level(palette.green, brightness),
+                          level(palette.blue, brightness)));
+    }
     return table;
 }
 

@@ -7,10 +7,10 @@
 namespace Simulator {
 
 class LightField;
-class SurfaceView;
+class Surface;
 
 /// Paints the magnetic field along the line of sight: 0.5 for none, 0 beyond the limb.
-void paintMagnetogram(LightField &field, const SurfaceView &surface,
+void paintMagnetogram(LightField &field, const Surface &surface,
                       const std::vector<ActiveRegion> &regions);
 
 } // namespace Simulator

@@ -24,23 +24,12 @@ Permutation makePermutation()
 
 const Permutation permutation = makePermutation();
 
+// clang-format off
 /// Directions to the edges of a cube, four of them twice (K. Perlin, SIGGRAPH 2002).
-constexpr std::array<Vector3, 16> directions = {{{1, 1, 0},
-                                                 {-1, 1, 0},
-                                                 {1, -1, 0},
-                                                 {-1, -1, 0},
-                                                 {1, 0, 1},
-                                                 {-1, 0, 1},
-                                                 {1, 0, -1},
-                                                 {-1, 0, -1},
-                                                 {0, 1, 1},
-                                                 {0, -1, 1},
-                                                 {0, 1, -1},
-                                                 {0, -1, -1},
-                                                 {1, 1, 0},
-                                                 {0, -1, 1},
-                                                 {-1, 1, 0},
-                                                 {0, -1, -1}}};
+constexpr Vector3 directions[] = {
+    {1, 1, 0}, {-1, 1, 0}, {1, -1, 0}, {-1, -1, 0}, {1, 0, 1}, {-1, 0, 1}, {1, 0, -1}, {-1, 0, -1},
+    {0, 1, 1}, {0, -1, 1}, {0, 1, -1}, {0, -1, -1}, {1, 1, 0}, {0, -1, 1}, {-1, 1, 0}, {0, -1, -1}};
+// clang-format on
 
 float gradient(unsigned hash, float x, float y, float z)
 {

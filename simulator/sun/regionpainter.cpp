@@ -2,8 +2,8 @@
 
 #include "simulator/hash.h"
 #include "simulator/sun/lightfield.h"
-#include "simulator/sun/sunstyle.h"
-#include "simulator/sun/surfaceview.h"
+#include "simulator/sun/look.h"
+#include "simulator/sun/surface.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,31 +17,31 @@ struct Local
 {
     float along = 0.0F;
     float across = 0.0F;
-    SurfaceTexels patches = 0; ///< texture that moves with the region
 };
+
+/// Texture that moves with a region.
+Texel patchesAt(const Surface &surface, const ActiveRegion &region, const Local &local)
+{
+    return surface.patchAt(Draw(region.seed)(90), local.along * region.size,
+                           local.across * region.size);
+}
 
 /// Calls @p visit(pixel, local, z) for each pixel of the disk within @p reach sizes of a region.
 template<typename Visit>
-void visitPixels(LightField &field, const SurfaceView &surface, const ActiveRegion &region,
-                 float reach, const Visit &visit)
+void visitPixels(LightField &field, const ActiveRegion &region, float reach, const Visit &visit)
 {
-    const Vector3 seen = surface.fromSun(region.centre);
-    if (seen.z < -reach * region.size)
+    const Vector3 &centre = region.centre;
+    if (centre.z < -reach * region.size)
         return;
     const float inverse = 1.0F / region.size;
-    const float limit = reach * reach * region.size * region.size;
-    const float shift = float(chance(region.seed, 90));
-    const LightField::Box box = field.boxAround(seen.x, seen.y, reach * region.size);
+    const float limit = reach * region.size * reach * region.size;
+    const LightField::Box box = field.boxAround(centre.x, centre.y, reach * region.size);
     field.visitDisk(box, [&](float &light, const Vector3 &point) {
-        const Vector3 away = surface.toSun(point) - region.centre;
-        Local local{dot(away, region.along), dot(away, region.across), 0};
-        if (local.along * local.along + local.across * local.across > limit)
-            return;
-        local.patches =
-            surface.map().detailAt(shift + local.along * 0.3F, shift + local.across * 0.9F, 2.0F);
-        local.along *= inverse;
-        local.across *= inverse;
-        visit(light, local, point.z);
+        const Vector3 away = point - centre;
+        const float along = dot(away, region.along);
+        const float across = dot(away, region.across);
+        if (along * along + across * across < limit)
+            visit(light, Local{along * inverse, across * inverse}, point.z);
     });
 }
 
@@ -54,25 +54,18 @@ float lobe(const Local &local, float along, float across, float wide)
     return room > 0.0F ? room * room : 0.0F;
 }
 
-float share(SurfaceTexels texels, SurfaceChannel channel)
-{
-    return float(channelOf(texels, channel)) / 255.0F;
-}
-
-/// 1 where a patch of the wide texture lies, 0 beside it: no region ends in an ellipse.
-float patchAt(const Local &local)
-{
-    return std::clamp(4.0F * (share(local.patches, CloudChannel) - 0.36F), 0.0F, 1.0F);
-}
-
 /// Patchy light of both polarities, brightest where threads of the texture cross.
-float plageAt(const Local &local)
+float plageAt(const Surface &surface, const ActiveRegion &region, const Local &local)
 {
     const float envelope = lobe(local, 0.75F, -0.1F, 1.35F) + lobe(local, -0.8F, 0.15F, 1.9F);
-    const float threads = share(local.patches, ThreadChannel);
-    const float network = share(local.patches, NetworkChannel);
-    return envelope * (0.08F + patchAt(local)) *
-           (0.1F + 1.5F * threads * threads + 1.4F * std::max(network - 0.45F, 0.0F));
+    if (envelope <= 0.0F)
+        return 0.0F;
+    const Texel texel = patchesAt(surface, region, local);
+    // No region ends in an ellipse.
+    const float patch = std::clamp(4.0F * (texel.cloud - 0.36F), 0.0F, 1.0F);
+    return envelope * (0.08F + patch) *
+           (0.1F + 1.5F * texel.threads * texel.threads +
+            1.4F * std::max(texel.network - 0.45F, 0.0F));
 }
 
 struct Sunspot
@@ -88,38 +81,35 @@ std::vector<Sunspot> spotsOf(const ActiveRegion &region)
     std::vector<Sunspot> spots;
     const int count = int(1.0F + 6.0F * region.strength);
     for (int spot = 0; spot < count; ++spot) {
-        const auto draw = [&region, spot](quint64 which) {
-            return float(chance(region.seed, 100 + quint64(spot) * 8 + which)) - 0.5F;
-        };
-        const bool leads = spot % 3 == 0;
-        const float radius =
-            (spot == 0 ? 0.44F : 0.25F + 0.16F * draw(0)) * std::sqrt(region.strength);
-        spots.push_back({(leads ? 0.75F : -0.75F) + (spot == 0 ? 0.0F : 0.8F * draw(1)),
-                         0.7F * draw(2), radius});
+        const Draw draw(hashOf(region.seed, 100 + quint64(spot)));
+        const float side = spot % 3 == 0 ? 0.75F : -0.75F;
+        const float size = spot == 0 ? 0.44F : 0.17F + 0.16F * draw(0);
+        spots.push_back({side + (spot == 0 ? 0.0F : 0.8F * (draw(1) - 0.5F)),
+                         0.7F * (draw(2) - 0.5F), size * std::sqrt(region.strength)});
     }
     return spots;
 }
 
-void paintSpots(LightField &field, const SurfaceView &surface, const ActiveRegion &region,
-                float depth)
+void paintSpots(LightField &field, const Surface &surface, const ActiveRegion &region, float depth)
 {
-    const std::vector<Sunspot> spots = spotsOf(region);
-    visitPixels(field, surface, region, 2.2F, [&](float &light, const Local &local, float) {
-        for (const Sunspot &spot : spots) {
+    for (const Sunspot &spot : spotsOf(region))
+        visitPixels(field, region, 2.2F, [&](float &light, const Local &local, float) {
             const float a = local.along - spot.along;
             const float c = local.across - spot.across;
-            const float ragged = 0.8F + 0.4F * share(local.patches, CloudChannel);
-            const float distance = std::sqrt(a * a + c * c) / (spot.radius * ragged);
+            const float square = (a * a + c * c) / (spot.radius * spot.radius);
+            if (square > 1.44F)
+                return;
+            const float ragged = 0.8F + 0.4F * patchesAt(surface, region, local).cloud;
+            const float distance = std::sqrt(square) / ragged;
             const float penumbra = std::clamp((1.0F - distance) * 5.0F, 0.0F, 1.0F);
             const float umbra = std::clamp((0.5F - distance) * 7.0F, 0.0F, 1.0F);
             light *= 1.0F - depth * (0.28F * penumbra + 0.55F * umbra);
-        }
-    });
+        });
 }
 
 } // namespace
 
-void paintRegions(LightField &field, const SurfaceView &surface,
+void paintRegions(LightField &field, const Surface &surface,
                   const std::vector<ActiveRegion> &regions, const SunStyle &style)
 {
     for (const ActiveRegion &region : regions) {
@@ -127,29 +117,30 @@ void paintRegions(LightField &field, const SurfaceView &surface,
         const float glow = style.glow * region.strength * std::sqrt(flare);
         const float plage = style.plage * region.strength;
         const float kernel = style.flares * style.plage * region.flare;
-        visitPixels(field, surface, region, 3.4F, [&](float &light, const Local &local, float z) {
+        visitPixels(field, region, 3.4F, [&](float &light, const Local &local, float z) {
             // White light shows the same patches only near the limb, as faculae.
             const float seen = style.spots >= 1.0F ? 3.0F * (1.0F - z) : 1.0F;
-            light += glow * lobe(local, 0.0F, 0.0F, 3.4F) * lobe(local, 0.0F, 0.0F, 3.4F) +
-                     plage * seen * plageAt(local) + kernel * lobe(local, 0.1F, 0.0F, 0.7F);
+            const float soft = lobe(local, 0.0F, 0.0F, 3.4F);
+            light += glow * soft * soft + plage * seen * plageAt(surface, region, local) +
+                     kernel * lobe(local, 0.1F, 0.0F, 0.7F);
         });
         if (style.spots > 0.0F)
             paintSpots(field, surface, region, style.spots);
     }
 }
 
-void paintPolarities(LightField &field, const SurfaceView &surface,
-                     const std::vector<ActiveRegion> &regions, bool northLeadsPositive)
+void paintPolarities(LightField &field, const Surface &surface,
+                     const std::vector<ActiveRegion> &regions)
 {
     for (const ActiveRegion &region : regions) {
         const std::vector<Sunspot> spots = spotsOf(region);
-        const float sign = region.northern == northLeadsPositive ? 1.0F : -1.0F;
-        const float strength = sign * region.strength;
-        visitPixels(field, surface, region, 3.0F, [&](float &light, const Local &local, float z) {
-            const float clumps =
-                share(local.patches, NetworkChannel) * (0.4F + share(local.patches, ThreadChannel));
-            const float ragged = std::max(clumps - 0.33F, 0.0F) * 6.0F;
-            float flux = ragged * (lobe(local, 0.8F, -0.1F, 1.2F) - lobe(local, -0.9F, 0.2F, 1.7F));
+        const float strength = region.isNorthern ? region.strength : -region.strength;
+        visitPixels(field, region, 3.0F, [&](float &light, const Local &local, float z) {
+            float flux = lobe(local, 0.8F, -0.1F, 1.2F) - lobe(local, -0.9F, 0.2F, 1.7F);
+            if (flux != 0.0F) {
+                const Texel texel = patchesAt(surface, region, local);
+                flux *= std::max(texel.network * (0.4F + texel.threads) - 0.33F, 0.0F) * 6.0F;
+            }
             for (const Sunspot &spot : spots)
                 flux += (spot.along > 0.0F ? 3.0F : -3.0F) *
                         lobe(local, spot.along, spot.across, spot.radius);

@@ -24,10 +24,11 @@ struct SceneView
     Disk disk;
     qint64 unixTime = 0;
     quint64 grainSeed = 0; ///< another one for each image
-    Look look = Look::Gold;
+    Look look;
 };
 
-/// Paints the Sun as it is at that time; the same view gives the same picture.
+/// Paints the Sun as it is at that time, in at most 255 colours; the same view gives the same
+/// picture.
 QImage renderScene(const SceneView &view);
 
 } // namespace Simulator

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QtGlobal>
-
 namespace Simulator {
 
 /**
@@ -10,9 +8,11 @@ namespace Simulator {
  * Snodgrass and Ulrich, Astrophysical Journal 351, 309 (1990): 14.713 - 2.396 sin² - 1.787 sin⁴
  * of the latitude in degrees a day, less the Earth's own 0.9856.
  */
-double synodicRadiansPerDay(double sinLatitude);
-
-/// Heliographic latitude of the disk's centre in radians: 7.25° in September, -7.25° in March.
-double tiltOfAxis(qint64 unixTime);
+constexpr double synodicRadiansPerDay(double sinLatitude)
+{
+    constexpr double radiansPerDegree = 0.017453292519943295;
+    const double square = sinLatitude * sinLatitude;
+    return (14.713 - 2.396 * square - 1.787 * square * square - 0.9856) * radiansPerDegree;
+}
 
 } // namespace Simulator

@@ -1,30 +1,24 @@
 #pragma once
 
-#include <QtGlobal>
+#include "simulator/sun/vector3.h"
 
 #include <vector>
 
 namespace Simulator {
 
-/// The four textures of the surface at one point, each 0 to 255 in a lane of 16 bits.
-using SurfaceTexels = quint64;
-
-enum SurfaceChannel {
-    CloudChannel,   ///< wide, soft differences of brightness
-    NetworkChannel, ///< cells of the size of supergranules with bright borders
-    ThreadChannel,  ///< fine bright lines that follow each other
-    RegionChannel,  ///< areas of a quarter of the disk
+/// The textures of the surface at one point, each 0 to 1.
+struct alignas(16) Texel
+{
+    float cloud = 0.0F;   ///< wide, soft differences of brightness
+    float network = 0.0F; ///< cells of the size of supergranules with bright borders
+    float threads = 0.0F; ///< fine bright lines that follow each other
+    float region = 0.0F;  ///< areas of a quarter of the disk
 };
 
-inline unsigned channelOf(SurfaceTexels texels, SurfaceChannel channel)
+inline Texel mixed(const Texel &a, const Texel &b, float share)
 {
-    return unsigned(texels >> (16 * channel)) & 0xffU;
-}
-
-/// a * (256 - share) + b * share, lane by lane; @p share is 0 to 256.
-inline SurfaceTexels mixedTexels(SurfaceTexels a, SurfaceTexels b, unsigned share)
-{
-    return ((a * (256U - share) + b * share) >> 8) & 0x00ff00ff00ff00ffULL;
+    return {a.cloud + (b.cloud - a.cloud) * share, a.network + (b.network - a.network) * share,
+            a.threads + (b.threads - a.threads) * share, a.region + (b.region - a.region) * share};
 }
 
 /**
@@ -42,54 +36,35 @@ public:
     explicit SurfaceMap(int columns);
 
     /// How many columns go around the Sun, a power of two.
-    int columns() const { return m_columns; }
+    int columns() const { return int(m_columns); }
 
-    /// Smoothly interpolated; @p turns may be any number, @p sinLatitude -1 to 1.
-    SurfaceTexels at(float turns, float sinLatitude) const
+    /// Smoothly interpolated; @p turns from -1 on, @p sinLatitude -1 to 1.
+    Texel at(float turns, float sinLatitude) const
     {
-        const float row = (sinLatitude * 0.5F + 0.5F) * float(m_rows - 1);
-        return interpolated(turns * float(m_columns), row < 0.0F ? 0.0F : row);
+        return interpolated((turns + 1.0F) * float(m_columns),
+                            (sinLatitude + 1.0F) * 0.5F * float(m_rows - 1));
     }
 
     /// The same texture, @p times as fine and repeated, for what is smaller than a texel.
-    SurfaceTexels detailAt(float turns, float sinLatitude, float times) const
-    {
-        // To and fro in the middle of the map, clear of the poles where texels are stretched.
-        const float way = (sinLatitude + 1.0F) * times;
-        const float part = way * 0.5F - float(int(way * 0.5F));
-        const float inBand = part < 0.5F ? part : 1.0F - part;
-        return interpolated(turns * times * float(m_columns), (0.25F + inBand) * float(m_rows));
-    }
+    Texel detailAt(float turns, float sinLatitude, float times) const;
 
 private:
-    SurfaceTexels interpolated(float column, float row) const
+    Texel interpolated(float column, float row) const
     {
-        const int columnFixed = int(column * 256.0F); // 8 bits of fraction
-        const int rowFixed = int(row * 256.0F);
-        const unsigned i = unsigned(columnFixed >> 8);
-        const unsigned j = unsigned(rowFixed >> 8);
-        const unsigned columnMask = unsigned(m_columns - 1);
-        const unsigned rowMask = unsigned(m_rows - 1);
-        const unsigned across = unsigned(columnFixed) & 255U;
-        const quint32 *upper = m_texels.data() + size_t(j & rowMask) * size_t(m_columns);
-        const quint32 *lower = m_texels.data() + size_t((j + 1) & rowMask) * size_t(m_columns);
-        const SurfaceTexels above =
-            mixedTexels(spread(upper[i & columnMask]), spread(upper[(i + 1) & columnMask]), across);
-        const SurfaceTexels below =
-            mixedTexels(spread(lower[i & columnMask]), spread(lower[(i + 1) & columnMask]), across);
-        return mixedTexels(above, below, unsigned(rowFixed) & 255U);
+        const unsigned i = unsigned(column);
+        const unsigned j = unsigned(row);
+        const unsigned left = i & (m_columns - 1U);
+        const unsigned right = (i + 1U) & (m_columns - 1U);
+        const Texel *lower = m_texels.data() + size_t(j & (m_rows - 1U)) * m_columns;
+        const Texel *upper = m_texels.data() + size_t((j + 1U) & (m_rows - 1U)) * m_columns;
+        const float across = column - float(i);
+        return mixed(mixed(lower[left], lower[right], across),
+                     mixed(upper[left], upper[right], across), row - float(j));
     }
 
-    /// Bytes 0, 1, 2, 3 to lanes 0, 1, 2, 3.
-    static SurfaceTexels spread(quint32 packed)
-    {
-        const quint64 halves = (quint64(packed) | (quint64(packed) << 16)) & 0x0000ffff0000ffffULL;
-        return (halves | (halves << 8)) & 0x00ff00ff00ff00ffULL;
-    }
-
-    int m_columns;
-    int m_rows;
-    std::vector<quint32> m_texels; // row by row from the south
+    unsigned m_columns;
+    unsigned m_rows;
+    std::vector<Texel> m_texels; // row by row from the south
 };
 
 } // namespace Simulator

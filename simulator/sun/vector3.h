@@ -37,6 +37,12 @@ constexpr Vector3 cross(const Vector3 &a, const Vector3 &b)
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
+/// Angle of (x, y) from the y axis towards x in turns, -0.5 to 0.5.
+inline float turnsOf(float x, float y)
+{
+    return std::atan2(x, y) * 0.15915494F;
+}
+
 inline Vector3 normalized(const Vector3 &a)
 {
     return a * (1.0F / std::sqrt(dot(a, a)));

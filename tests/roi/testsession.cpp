@@ -1,20 +1,22 @@
 #include "tests/roi/testsession.h"
 
+#include "tests/support/testfolder.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QPainter>
 #include <QProcess>
+#include <QVariant>
 
 namespace {
 
-QByteArray outputOf(const QString &commandLine, const QString &file)
+/// What the program that is named first prints.
+QByteArray outputOf(QStringList words)
 {
-    QStringList words = commandLine.split(QLatin1Char(' '));
     QProcess process;
-    const QString program = words.takeFirst();
-    process.start(program, words.replaceInStrings(QStringLiteral("FILE"), file));
+    process.start(words.takeFirst(), words);
     if (!process.waitForFinished())
-        qFatal("%s does not run", qPrintable(program));
+        qFatal("%s does not run", qPrintable(process.program()));
     return process.readAllStandardOutput();
 }
 
@@ -22,31 +24,35 @@ QByteArray outputOf(const QString &commandLine, const QString &file)
 
 TestSession::TestSession()
 {
-    write("manifest.csv", "SourceId,Source,ActualUTC,File,Status,SourceWidth,RSun\n" +
-                              addFrames("10,AIA 171", "AIA_171", QSize(256, 192)) +
-                              addFrames("18,HMI", "HMI", QSize(128, 96)));
+    QByteArray rows = "SourceId,Source,ActualUTC,File,Status,SourceWidth,RSun\n";
+    for (const char *const source : {"10,AIA 171", "18,HMI"}) {
+        const QByteArray folder = QByteArray(source).mid(3).replace(' ', '_');
+        QDir(path()).mkdir(QString::fromLatin1(folder));
+        for (const char *const minute : {"0", "1", "2"}) {
+            const QByteArray file = folder + "/frame_" + minute + ".png";
+            frame(folder == "HMI" ? QSize(128, 96) : QSize(256, 192)).save(filePath(file));
+            rows += source + QByteArray(",2024-05-01T12:0") + minute + ":00Z," + file +
+                    ",OK,4096,1600\n";
+        }
+    }
+    write("manifest.csv", rows);
     write("session.json",
           R"({"startUtc": "2024-05-01T12:00:00Z", "videoFps": 5, "videoCrf": 0, "sources": [
               {"sourceId": 10, "nickname": "AIA 171", "archiveName": "AIA_171"},
               {"sourceId": 18, "nickname": "HMI", "archiveName": "HMI"}]})");
 }
 
-void TestSession::write(const char *name, const QByteArray &content) const
+void TestSession::write(const QByteArray &name, const QByteArray &content) const
 {
     QFile file(filePath(name));
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot write %s", qPrintable(file.fileName()));
 }
 
-QByteArray TestSession::read(const char *name) const
+QByteArray TestSession::read(const QByteArray &name) const
 {
     QFile file(filePath(name));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void TestSession::editDescriptor(const QByteArray &before, const QByteArray &after) const
-{
-    write("session.json", read("session.json").replace(before, after));
 }
 
 QMap<QString, QByteArray> TestSession::contents() const
@@ -75,34 +81,31 @@ QImage TestSession::frame(const QSize &size)
     return image;
 }
 
-/// The rows of the manifest.
-QByteArray TestSession::addFrames(const char *source, const char *folder, const QSize &size) const
+QString useStandIn(const QString &program, const FakeProgram::Reply &reply)
 {
-    QByteArray rows;
-    QDir(path()).mkdir(QLatin1String(folder));
-    for (const char *const minute : {"0", "1", "2"}) {
-        const QByteArray file = QByteArray(folder) + "/frame_" + minute + ".png";
-        frame(size).save(filePath(file));
-        rows +=
-            QByteArray(source) + ",2024-05-01T12:0" + minute + ":00Z," + file + ",OK,4096,1600\n";
-    }
-    return rows;
+    const QString path = FakeProgram::install(QStringLiteral("bin/fake-") + program);
+    FakeProgram::setScript(path, {reply});
+    TestFolder::setKey(QStringLiteral("paths/") + program, path);
+    return path;
 }
 
 QString filmShape(const QString &path)
 {
-    return QString::fromLatin1(
-        outputOf(QStringLiteral("ffprobe -v error -count_frames -of csv=p=0 -show_entries "
-                                "stream=width,height,r_frame_rate,nb_read_frames FILE"),
-                 path)
-            .trimmed());
+    const QString entries =
+        QStringLiteral("ffprobe -v error -count_frames -of csv=p=0 -show_entries "
+                       "stream=width,height,r_frame_rate,nb_read_frames");
+    return QString::fromLatin1(outputOf(entries.split(QLatin1Char(' ')) << path).trimmed());
 }
 
 QImage filmFrame(const QString &path, int index)
 {
-    return QImage::fromData(
-        outputOf(QStringLiteral("ffmpeg -v error -i FILE -vf select=eq(n\\,%1) -frames:v 1 "
-                                "-f image2pipe -c:v png -")
-                     .arg(index),
-                 path));
+    const QString filter = QStringLiteral("-vf select=eq(n\\,%1) -frames:v 1 -f image2pipe -c:v "
+                                          "png -")
+                               .arg(index);
+    QStringList words{QStringLiteral("ffmpeg"), QStringLiteral("-i"), path};
+    QImage image = QImage::fromData(outputOf(words += filter.split(QLatin1Char(' '))));
+    image = image.convertToFormat(QImage::Format_RGB32);
+    for (int channel = 0; channel < image.sizeInBytes(); ++channel)
+        image.bits()[channel] = image.constBits()[channel] > 127 ? 255 : 0;
+    return image;
 }

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QByteArray>
+#include "tests/support/fakeprogram.h"
+
 #include <QImage>
-#include <QMap>
-#include <QString>
 #include <QTemporaryDir>
 
 /**
@@ -18,24 +17,25 @@ public:
     TestSession();
 
     QString path() const { return m_folder.path(); }
-    QString filePath(const char *name) const { return m_folder.filePath(QString::fromUtf8(name)); }
-    void write(const char *name, const QByteArray &content) const;
-    QByteArray read(const char *name) const;
-    /// Replaces text in session.json.
-    void editDescriptor(const QByteArray &before, const QByteArray &after) const;
+    QString filePath(const QByteArray &name) const
+    {
+        return m_folder.filePath(QString::fromUtf8(name));
+    }
+    void write(const QByteArray &name, const QByteArray &content) const;
+    QByteArray read(const QByteArray &name) const;
     /// All files but films and rois.json, by path; hidden files included.
     QMap<QString, QByteArray> contents() const;
 
     static QImage frame(const QSize &size);
 
 private:
-    QByteArray addFrames(const char *source, const char *folder, const QSize &size) const;
-
     QTemporaryDir m_folder;
 };
 
+/// Lets a stand-in play "curl" or "ffmpeg"; returns its path.
+QString useStandIn(const QString &program, const FakeProgram::Reply &reply);
+
 /// Width, height, frames per second and number of frames, as in "96,128,5/1,3"; empty for no film.
 QString filmShape(const QString &path);
-
-/// Frame @p index of a film, decoded; null when there is none.
+/// Frame @p index of a film; its pixels have their pure colours again, whatever the encoder did.
 QImage filmFrame(const QString &path, int index);

@@ -1,12 +1,12 @@
 #include "roi/roivideodialog.h"
 
 #include "tests/roi/testsession.h"
-#include "tests/support/fakeprogram.h"
 #include "tests/support/testfolder.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QDoubleSpinBox>
 #include <QFileDialog>
 #include <QGraphicsView>
 #include <QLabel>
@@ -14,9 +14,9 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QSpinBox>
 #include <QTimer>
 #include <QtTest>
+#include <QWheelEvent>
 
 /// The road of a person: open, look, draw, adjust, save, reload, film.
 class TestRoiVideoDialog : public QObject
@@ -26,23 +26,33 @@ class TestRoiVideoDialog : public QObject
 private slots:
     void initTestCase()
     {
-        TestFolder::clearKeys();
-        connect(&m_hand, &QTimer::timeout, this, &TestRoiVideoDialog::closeBox);
+        connect(&m_hand, &QTimer::timeout, this, &TestRoiVideoDialog::answerBox);
         m_hand.start(5);
     }
     void init()
     {
+        TestFolder::clearKeys();
         m_stored = std::make_unique<TestSession>();
         m_answer = QMessageBox::Ok;
+        m_choice.clear();
+        m_boxes.clear();
+        m_log.clear();
         open();
     }
     void cleanup() { m_dialog.reset(); }
 
     void drawing()
     {
-        view()->resetTransform(); // a screen pixel is a pixel of the frame
         click("newRoiButton");
         QCOMPARE(status(), QStringLiteral("Drag a rectangle on the image to define the new ROI."));
+        const QPoint mouse = view()->viewport()->rect().center() / 2;
+        view()->scale(10, 10);
+        QTest::mouseMove(view()->viewport(), mouse);
+        const QPointF looked = view()->mapToScene(mouse);
+        QWheelEvent wheel(mouse, {}, {}, {0, 120}, {}, {}, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(view()->viewport(), &wheel);
+        QVERIFY((view()->mapToScene(mouse) - looked).manhattanLength() < 1); // it stays in sight
+        view()->resetTransform(); // a screen pixel is a pixel of the frame
         drag(QPoint(-5, -5), QPoint(50, 50));
         QCOMPARE(status(), QStringLiteral("Start the ROI selection inside the image."));
         drag(QPoint(128, 96), QPoint(400, -50)); // upwards and over the edge
@@ -56,87 +66,98 @@ private slots:
         click("newRoiButton");
         drag(QPoint(10, 10), QPoint(60, 11));
         QCOMPARE(status(), QStringLiteral("ROI creation canceled: rectangle too small."));
-        QCOMPARE(find<QListWidget>("roiList")->count(), 1);
+        QCOMPARE(list()->count(), 1);
+        QString intervals;
+        for (const char *name : {"xSpin", "ySpin", "widthSpin", "heightSpin", "fpsSpin", "crfSpin"})
+            intervals +=
+                QStringLiteral("%1-%2 ").arg(spin(name)->minimum()).arg(spin(name)->maximum());
+        QCOMPARE(intervals, QStringLiteral("0-254 0-190 2-256 2-192 1-120 0-51 "));
     }
 
     void editsAreNotLostUnsaved()
     {
         drawTwo();
-        auto *list = find<QListWidget>("roiList");
         find<QLineEdit>("nameEdit")->clear();
         QTest::keyClicks(find<QLineEdit>("nameEdit"), QStringLiteral("West <b>limb</b>"));
-        find<QSpinBox>("xSpin")->setValue(101);
         find<QComboBox>("rotationCombo")->setCurrentIndex(2);
-        list->item(0)->setCheckState(Qt::Unchecked);
+        list()->item(0)->setCheckState(Qt::Unchecked);
+        click("saveRoisButton");
+        QCOMPARE(boxes(), QStringLiteral("ROI definitions saved to rois.json."));
+        spin("xSpin")->selectAll();
+        QTest::keyClicks(spin("xSpin"), QStringLiteral("101")); // and no Return
+        m_answer = QMessageBox::Cancel;
+        m_dialog->close(); // as by the window's own button
+        QVERIFY(m_dialog->isVisible() && boxes().contains(QLatin1String("unsaved changes")));
         find<QComboBox>("sourceCombo")->setCurrentIndex(1); // half the size
         QCOMPARE(geometry(), QRect(51, 0, 32, 24));
-        find<QComboBox>("sourceCombo")->setCurrentIndex(0);
-        click("newRoiButton");
-        drag(QPoint(10, 10), QPoint(40, 40));
-        list->setFocus();
-        QTest::keyClick(list, Qt::Key_Delete);
-        QCOMPARE(list->count(), 2);
 
-        m_answer = QMessageBox::Cancel;
-        click("closeButton");
-        m_dialog->close(); // as by the window's own button
-        QTest::keyClick(view(), Qt::Key_Escape);
-        click("browseButton");
-        QCOMPARE(m_boxes.size(), 4); // and no file dialog
-        QVERIFY(m_boxes.last().contains(QLatin1String("unsaved changes")));
+        for (const QString &folder : {QString(), m_stored->filePath("HMI"), m_stored->path()}) {
+            m_choice = folder;
+            click("browseButton"); // which asks only in the third case
+            QVERIFY(boxes().contains(QLatin1String("unsaved")) == (folder == m_stored->path()));
+        }
+        QFile::remove(m_stored->filePath("rois.json"));
         QDir(m_stored->path()).mkdir(QStringLiteral("rois.json")); // in the way
         m_answer = QMessageBox::Save;
         click("closeButton");
-        QVERIFY(m_dialog->isVisible() && m_boxes.last().startsWith(QLatin1String("Cannot ")));
+        QVERIFY(m_dialog->isVisible() && boxes().contains(QLatin1String("|Cannot ")));
         QDir(m_stored->path()).rmdir(QStringLiteral("rois.json"));
         click("closeButton");
         QVERIFY(!m_dialog->isVisible());
 
         open();
-        list = find<QListWidget>("roiList");
-        list->setCurrentRow(1);
-        QCOMPARE(list->item(0)->checkState(), Qt::Unchecked);
-        QCOMPARE(list->currentItem()->text(), QStringLiteral("West <b>limb</b>"));
+        list()->setCurrentRow(1);
+        QCOMPARE(list()->item(0)->checkState(), Qt::Unchecked);
+        QCOMPARE(list()->currentItem()->text(), QStringLiteral("West <b>limb</b>"));
         QCOMPARE(geometry(), QRect(101, 0, 64, 48));
         QCOMPARE(find<QComboBox>("rotationCombo")->currentIndex(), 2);
-        click("closeButton"); // nothing to ask for
-        QVERIFY(!m_dialog->isVisible() && m_boxes.isEmpty());
-    }
-
-    void savingAndDiscarding()
-    {
-        drawTwo();
-        click("saveRoisButton");
-        QCOMPARE(m_boxes, QStringList(QStringLiteral("ROI definitions saved to rois.json.")));
-        click("deleteRoiButton");
+        list()->setFocus();
+        QTest::keyClick(list(), Qt::Key_Delete);
+        QCOMPARE(list()->count(), 1);
         m_answer = QMessageBox::Discard;
-        click("browseButton");
-        QCOMPARE(m_boxes.last(), QStringLiteral("Select Orvik acquisition session"));
         click("closeButton");
         QVERIFY(!m_dialog->isVisible());
-        open();
-        QCOMPARE(find<QListWidget>("roiList")->count(), 2);
     }
 
-    void filmsOfAllDatasources()
+    void filmsAreAsTheBoxesSay()
     {
+        FakeProgram::Reply reply;
+        reply.standardOutput = R"({"id":1,"date":"2024-05-01 12:00:00","rsun":1600,"width":4096})";
+        const QString curl = useStandIn(QStringLiteral("curl"), reply);
+        m_stored->write("rois.json", R"({"rois":[{"width":1,"height":1,"enabled":false},
+                                                 {"name":"all","width":1,"height":1}]})");
+        QFile::remove(m_stored->filePath("manifest.csv")); // and with it the scale
         const auto before = m_stored->contents();
-        drawTwo();
-        find<QListWidget>("roiList")->item(0)->setCheckState(Qt::Unchecked);
-        find<QCheckBox>("allSourcesCheck")->setChecked(true);
+        open();
+        spin("fpsSpin")->setValue(7);
+        spin("crfSpin")->setValue(9);
+        toggle({"timestampCheck", "scaleOverlayCheck", "allSourcesCheck"});
         m_answer = QMessageBox::Cancel;
         click("generateButton");
         expectCanceled();
         m_answer = QMessageBox::Ok;
         click("generateButton");
-        QCOMPARE(m_boxes.last(), QStringLiteral("Created 2 ROI video(s).\n\nOriginal PNG frames "
-                                                "were not modified."));
+        QCOMPARE(boxes(), QStringLiteral("Created 2 ROI video(s).\n\nOriginal PNG frames "
+                                         "were not modified."));
         QCOMPARE(status(), QStringLiteral("Completed: 2 ROI video(s) created."));
-        QCOMPARE(filmShape(m_stored->filePath("AIA_171/AIA_171__ROI_02_ROI_2.mp4")),
-                 QStringLiteral("64,48,5/1,3"));
-        QCOMPARE(filmShape(m_stored->filePath("HMI/HMI__ROI_02_ROI_2.mp4")),
-                 QStringLiteral("32,24,5/1,3"));
-        QVERIFY(m_stored->read("rois.json").contains("\"enabled\": false"));
+        QCOMPARE(filmShape(film()), QStringLiteral("256,192,7/1,3"));
+        QCOMPARE(filmShape(m_stored->filePath("HMI/HMI__ROI_02_all.mp4")),
+                 QStringLiteral("128,96,7/1,3"));
+        QVERIFY(m_stored->read("AIA_171/AIA_171__ROI_02_all.mp4").contains("crf=9.0")); // by x264
+        QCOMPARE(drawnCorners(2), QStringLiteral("bottom right"));
+        QVERIFY(FakeProgram::runs(curl).isEmpty());
+
+        toggle({"sourceOverlayCheck", "scaleOverlayCheck", "allSourcesCheck", "introCheck"});
+        find<QDoubleSpinBox>("zoomDurationSpin")->setValue(0.5);
+        const auto *scale = find<QLabel>("scaleLabel");
+        QVERIFY(scale->text().startsWith(QLatin1String("Scale: metadata not stored in this ")));
+        for (int round = 0; round < 2; ++round)
+            click("generateButton");
+        QCOMPARE(filmShape(film()), QStringLiteral("256,192,7/1,7"));
+        QCOMPARE(drawnCorners(6), QStringLiteral("top right"));
+        QVERIFY(scale->text().startsWith(QLatin1String("Projected scale: 6957.0 km/pixel")));
+        QCOMPARE(FakeProgram::runs(curl).size(), 1); // with the session's start
+        QVERIFY(FakeProgram::runs(curl).first().arguments.last().contains(QLatin1String("00:00Z")));
         QCOMPARE(m_stored->contents(), before);
     }
 
@@ -145,11 +166,9 @@ private slots:
         QFile::remove(m_stored->filePath("manifest.csv")); // and with it the scale
         open();
         drawTwo();
-        const QString curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
         FakeProgram::Reply hanging;
         hanging.hang = true;
-        FakeProgram::setScript(curl, {hanging});
-        TestFolder::setKey(QStringLiteral("paths/curl"), curl);
+        useStandIn(QStringLiteral("curl"), hanging);
         QTimer::singleShot(0, this, [this] {
             QVERIFY(!find<QPushButton>("generateButton")->isEnabled());
             click("closeButton");
@@ -159,38 +178,74 @@ private slots:
         expectCanceled();
     }
 
+    void logTellsWhatWasFoundInTheSession()
+    {
+        m_stored->write("manifest.csv",
+                        m_stored->read("manifest.csv") + QByteArray(1100000, 'x') + "\nmore\n");
+        m_stored->write("HMI/a.mp4.orvik-earlier", "a film");
+        open();
+        QCOMPARE(m_log, QStringList({QStringLiteral("WARNING line 8 of manifest.csv is longer than "
+                                                    "1 MB. Only the rows before it are read."),
+                                     QStringLiteral("ROI video restored after a run that was cut "
+                                                    "short: ") +
+                                         m_stored->filePath("HMI/a.mp4")}));
+        QCOMPARE(find<QComboBox>("sourceCombo")->currentText(),
+                 QStringLiteral("AIA 171  [3 frames]"));
+    }
+
 private:
     void open()
     {
-        m_boxes.clear();
         m_dialog = std::make_unique<RoiVideoDialog>(m_stored->path());
+        connect(m_dialog.get(), &RoiVideoDialog::logMessage, this,
+                [this](const QString &line) { m_log += line; });
         m_dialog->show();
         QVERIFY(QTest::qWaitForWindowActive(m_dialog.get()));
         QTRY_VERIFY(!view()->transform().isIdentity()); // the frame is fitted
     }
 
-    void closeBox()
+    /// Presses a button of the box that is open, if any.
+    void answerBox()
     {
         QWidget *modal = QApplication::activeModalWidget();
         if (auto *box = qobject_cast<QMessageBox *>(modal)) {
-            QCOMPARE(box->windowTitle(), QStringLiteral("ROI video"));
             m_boxes.append(box->text());
             QAbstractButton *button = box->button(m_answer);
             QTest::mouseClick(button ? button : box->button(QMessageBox::Ok), Qt::LeftButton);
         } else if (auto *chooser = qobject_cast<QFileDialog *>(modal)) {
-            m_boxes.append(chooser->windowTitle());
-            chooser->reject();
+            chooser->findChild<QLineEdit *>()->setText(m_choice);
+            static_cast<QDialog *>(chooser)->done(m_choice.isEmpty() ? 0 : 1);
         } else if (modal && m_answer == QMessageBox::Cancel) { // the progress dialog
             modal->findChild<QPushButton *>()->click();
+            m_dialog->close(); // of no use: the run is still there
+            QVERIFY(m_dialog->isVisible() && !find<QPushButton>("generateButton")->isEnabled());
         }
     }
 
-    void expectCanceled() const
+    /// What the boxes have said since it was asked last.
+    QString boxes() { return std::exchange(m_boxes, QStringList()).join(QLatin1Char('|')); }
+
+    void expectCanceled()
     {
-        const QString text =
-            QStringLiteral("ROI video generation canceled. Original frames were not modified.");
-        QCOMPARE(m_boxes, QStringList(text));
-        QCOMPARE(status(), text);
+        QCOMPARE(status(), QStringLiteral("ROI video generation canceled. Original frames were not "
+                                          "modified."));
+        QCOMPARE(boxes(), status());
+    }
+
+    QString film() const { return m_stored->filePath("AIA_171/AIA_171__ROI_02_all.mp4"); }
+    /// The corners in which frame @p index of the film is not as the stored ones.
+    QString drawnCorners(int index) const
+    {
+        const QImage shown = filmFrame(film(), index);
+        const QImage plain = TestSession::frame(shown.size());
+        const QMap<QString, QRect> corners{{QStringLiteral("top left "), {0, 0, 124, 92}},
+                                           {QStringLiteral("top right "), {132, 0, 124, 92}},
+                                           {QStringLiteral("bottom left "), {0, 100, 124, 92}},
+                                           {QStringLiteral("bottom right "), {132, 100, 124, 92}}};
+        QString drawn;
+        for (auto corner = corners.begin(); corner != corners.end(); ++corner)
+            drawn += shown.copy(*corner) == plain.copy(*corner) ? QString() : corner.key();
+        return drawn.trimmed();
     }
 
     template<typename Widget>
@@ -199,15 +254,22 @@ private:
         return m_dialog->findChild<Widget *>(QLatin1String(name));
     }
     QGraphicsView *view() const { return find<QGraphicsView>("frameView"); }
+    QSpinBox *spin(const char *name) const { return find<QSpinBox>(name); }
+    QListWidget *list() const { return find<QListWidget>("roiList"); }
     QString status() const { return find<QLabel>("statusLabel")->text(); }
+    void toggle(const std::vector<const char *> &boxes) const
+    {
+        for (const char *box : boxes)
+            QTest::mouseClick(find<QCheckBox>(box), Qt::LeftButton, {}, {5, 5});
+    }
     void click(const char *button) const
     {
         QTest::mouseClick(find<QPushButton>(button), Qt::LeftButton);
     }
     QRect geometry() const
     {
-        return {find<QSpinBox>("xSpin")->value(), find<QSpinBox>("ySpin")->value(),
-                find<QSpinBox>("widthSpin")->value(), find<QSpinBox>("heightSpin")->value()};
+        return {spin("xSpin")->value(), spin("ySpin")->value(), spin("widthSpin")->value(),
+                spin("heightSpin")->value()};
     }
     /// Presses at one pixel of the frame, moves, strikes @p key, and releases at another.
     void drag(const QPoint &from, const QPoint &to, Qt::Key key = Qt::Key_Shift) const
@@ -228,13 +290,15 @@ private:
         drag(QPoint(64, 48), QPoint(192, 144));
         click("newRoiButton");
         drag(QPoint(192, 0), QPoint(256, 48));
-        QCOMPARE(find<QListWidget>("roiList")->count(), 2);
+        QCOMPARE(list()->count(), 2);
     }
 
     std::unique_ptr<TestSession> m_stored;
     std::unique_ptr<RoiVideoDialog> m_dialog;
     QTimer m_hand;       // presses the buttons of boxes as they come up
     QStringList m_boxes; // what they said
+    QStringList m_log;
+    QString m_choice; // the folder that is browsed for; none when it is empty
     QMessageBox::StandardButton m_answer = QMessageBox::Ok; // where there is a choice
 };
 

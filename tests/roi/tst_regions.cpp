@@ -1,12 +1,15 @@
+#include "roi/roiframe.h"
 #include "roi/roigeometry.h"
+#include "tests/roi/testsession.h"
 
+#include <QPainter>
 #include <QtTest>
 
 #include <climits>
 #include <limits>
 
-/// Where regions lie in pixels, which turns are known, and how the introduction moves.
-class TestRoiGeometry : public QObject
+/// Where regions lie in pixels, how they are turned, cut and zoomed to.
+class TestRegions : public QObject
 {
     Q_OBJECT
 
@@ -29,15 +32,10 @@ private slots:
         QCOMPARE(pixels({0, 0, 1, 1}, {101, 7}), QRect(0, 0, 100, 6));
         QCOMPARE(pixels({0.6, 0, 1, 1}, {1, 1}), QRect(0, 0, 2, 2));
         QCOMPARE(pixels({0, 0, 1, 1}, {0, 5}), QRect());
-    }
-
-    void pixelsSurviveTheirStoredForm()
-    {
         const QSize frame(1023, 769); // sizes that no fraction of two hits exactly
         for (int side = 2; side < 700; side += 2) {
-            const QRect pixels(side / 3, side / 11, side, side);
-            const QRectF stored = RoiGeometry::normalizedRect(pixels, frame);
-            QCOMPARE(RoiGeometry::pixelRect(stored, frame), pixels);
+            const QRect drawn(side / 3, side / 11, side, side);
+            QCOMPARE(pixels(RoiGeometry::normalizedRect(drawn, frame), frame), drawn);
         }
     }
 
@@ -48,8 +46,30 @@ private slots:
             QCOMPARE(RoiGeometry::rotationAt(index), offered.at(index));
             QCOMPARE(RoiGeometry::rotationIndex(offered.at(index) + 360), index);
         }
-        for (const int other : {45, INT_MIN})
+        const QImage upright = TestSession::frame({30, 20});
+        for (const int other : {45, INT_MIN}) { // no quarter turn is none
             QCOMPARE(RoiGeometry::rotationIndex(other), 0);
+            QCOMPARE(RoiFrame::turned(upright, other), upright);
+        }
+        for (const int stored : {0, 90, -90, 180, 270, 450}) {
+            const QImage turned = RoiFrame::turned(upright, stored);
+            QCOMPARE(turned.size(), stored % 180 == 0 ? QSize(30, 20) : QSize(20, 30));
+            QCOMPARE(RoiFrame::turned(turned, -stored), upright);
+        }
+        // "clockwise" as stored is counter-clockwise as seen.
+        QCOMPARE(RoiFrame::turned(upright, 90).pixel(0, 0), upright.pixel(29, 0));
+    }
+
+    void cuts()
+    {
+        const QRect region(30, 22, 4, 4);
+        const QImage frame = TestSession::frame({64, 48});
+        for (const auto format : {QImage::Format_RGB32, QImage::Format_ARGB32})
+            QCOMPARE(RoiFrame::crop(frame.convertToFormat(format), region), frame.copy(region));
+        QImage holed = frame.convertToFormat(QImage::Format_ARGB32);
+        holed.setPixel(33, 23, qRgba(1, 2, 3, 0));
+        QCOMPARE(RoiFrame::crop(holed, region), holed.copy(region)); // its alpha is kept
+        QCOMPARE(RoiFrame::crop(holed, QRect(0, 0, 4, 4)).format(), QImage::Format_RGB32);
     }
 
     void introduction()
@@ -63,8 +83,17 @@ private slots:
         QCOMPARE(RoiGeometry::zoomView(region, frame, 4, 5), region);
         // Smoothstep: a quarter of the time covers 5/32 of the way.
         QCOMPARE(RoiGeometry::zoomView(region, frame, 1, 5).x(), 100 * 5.0 / 32.0);
+        QImage lines(512, 512, QImage::Format_RGB32); // a black one, a red one, and so on
+        for (int x = 0; x < lines.width(); ++x)
+            QPainter(&lines).fillRect(x, 0, 1, 512, x % 2 ? Qt::red : Qt::black);
+        const QImage narrow = ZoomSource(lines).picture({0, 0, 512, 512}, {64, 512});
+        QVERIFY(std::abs(qRed(narrow.pixel(31, 21)) - 127) <= 2); // squeezed, they blend
+        const QRect view(0, 0, 1000, 600);           // squeezed by 10 across and by 12 down
+        for (const int rotation : {0, 180, 90, -90}) // the bar lies across the turned picture
+            QCOMPARE(RoiFrame::zoomKmPerPixel(2.0, view, {100, 50}, rotation),
+                     rotation % 180 == 0 ? 20.0 : 24.0);
     }
 };
 
-QTEST_APPLESS_MAIN(TestRoiGeometry)
-#include "tst_roigeometry.moc"
+QTEST_GUILESS_MAIN(TestRegions)
+#include "tst_regions.moc"

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "roi/roiset.h"
+
+#include <QGroupBox>
+#include <QSize>
+#include <QVector>
+
+#include <memory>
+
+class QListWidgetItem;
+class QSpinBox;
+
+namespace Ui {
+class RoiEditor;
+}
+
+/**
+ * The regions of a session, in a list and in fields that change the current one.
+ *
+ * Owns the regions and knows whether they differ from those stored in rois.json. Its fields show
+ * pixels of the current frame, of which it knows only the size.
+ */
+class RoiEditor final : public QGroupBox
+{
+    Q_OBJECT
+
+public:
+    explicit RoiEditor(QWidget *parent = nullptr);
+    ~RoiEditor() override;
+
+    const QVector<Roi> &rois() const { return m_rois; }
+    int currentRow() const; ///< -1 when no region is selected
+    /// The regions in pixels of the current frame, in list order; empty ones without a frame.
+    QVector<QRect> pixelRects() const;
+
+    /// Shows the regions stored in a session in place of the current ones.
+    void load(const QString &sessionDirectory);
+    /// Writes rois.json of that session; shows a warning and returns false when that fails.
+    bool store();
+    /// Asks whether to store unsaved changes, if there are any; false when the user cancels.
+    bool mayBeLeft();
+    /// Sets the size of the current frame; empty when there is none.
+    void setFrameSize(const QSize &pixels);
+    /// Appends and selects a region of @p pixels of the current frame; returns its name.
+    QString add(const QRectF &pixels);
+    /// Applies a number that is being typed, as leaving its field would do.
+    void commitTyped();
+
+signals:
+    /// A region has changed, or another one has been selected.
+    void regionsChanged();
+    /// The user wants to draw a region.
+    void drawingRequested();
+    /// A line for the log.
+    void logMessage(const QString &text);
+
+private:
+    void onCurrentRowChanged();
+    void onItemChanged(QListWidgetItem *item);
+    void onNameEdited(const QString &name);
+    void onRotationChosen(int index);
+    void deleteCurrent();
+    void storeAndSaySo();
+
+    void connectGeometry(QSpinBox *field, void (QRectF::*change)(qreal),
+                         int (QSize::*frameSide)() const);
+    void showFields();
+    void showGeometry(const QRect &pixels);
+    void clearGeometry();
+    QVector<QSpinBox *> geometryFields() const;
+    Roi *currentRoi();
+
+    std::unique_ptr<Ui::RoiEditor> m_ui;
+    QString m_sessionDirectory; // empty until one is loaded
+    QVector<Roi> m_rois;        // in list order, check states included
+    QVector<Roi> m_storedRois;  // as in rois.json
+    QSize m_frameSize;
+};
