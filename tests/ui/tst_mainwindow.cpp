@@ -18,6 +18,7 @@
 #include <QSplitter>
 #include <QTextEdit>
 #include <QToolButton>
+#include <QStatusBar>
 #include <QTreeWidget>
 #include <QtTest>
 
@@ -277,8 +278,10 @@ private slots:
             QTRY_VERIFY_WITH_TIMEOUT(hasActed, 20'000);
             if (end != stopping)
                 QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), 20'000);
-            if (end != closing)
+            if (end != closing) {
                 QTRY_COMPARE_WITH_TIMEOUT(enabledParts(window), idleParts, 20'000);
+                QCOMPARE(window.statusBar()->currentMessage(), "Ready"_s);
+            }
             QCOMPARE(logText(window).count("Session canceled."_s), end == closing ? 0 : 1);
             QCOMPARE(WindowFixture::findLeaf(window, "AIA 193 "_s)->checkState(0), Qt::Unchecked);
         }

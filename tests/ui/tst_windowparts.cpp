@@ -76,8 +76,8 @@ private slots:
         for (QTreeWidgetItemIterator it(m_tree.get()); *it != nullptr; ++it)
             texts.append((*it)->text(0));
         QCOMPARE(texts.join(QLatin1Char('|')),
-                 "Empty|SDO|AIA|AIA 1600   [sourceId 15]|AIA 171   [sourceId 10]|"
-                 "AIA 94   [sourceId 8]|HMI|HMI Mag   [sourceId 19]|"
+                 "Empty|SDO|AIA|AIA 94   [sourceId 8]|AIA 171   [sourceId 10]|"
+                 "AIA 1600   [sourceId 15]|HMI|HMI Mag   [sourceId 19]|"
                  "Zero   [sourceId 0]"_s);
         const QTreeWidgetItem *group = item("AIA");
         QVERIFY(!CatalogTree::isLeaf(group));
@@ -105,8 +105,8 @@ private slots:
     {
         m_selection = {{15, 19}, 19};
         fill(catalog);
-        CatalogTree::tickAiaBands(m_tree.get());
-        QCOMPARE(tickedIds(), QVector<int>({10, 8}));
+        QCOMPARE(CatalogTree::tickAiaBands(m_tree.get()), 2);
+        QCOMPARE(tickedIds(), QVector<int>({8, 10}));
         QCOMPARE(CatalogTree::currentId(m_tree.get()), 19);
         CatalogTree::untickAll(m_tree.get());
         QVERIFY(tickedIds().isEmpty());
