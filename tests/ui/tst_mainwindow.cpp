@@ -16,9 +16,9 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QSplitter>
+#include <QStatusBar>
 #include <QTextEdit>
 #include <QToolButton>
-#include <QStatusBar>
 #include <QTreeWidget>
 #include <QtTest>
 
