@@ -37,9 +37,7 @@ private slots:
         orvik.kill();
         QVERIFY(orvik.waitForFinished());
 
-        const QString said = QString::fromLocal8Bit(orvik.readAll());
-        QVERIFY2(!said.contains("QObject::"_s),
-                 qPrintable(said)); // a lost connection
+        QVERIFY(!orvik.readAll().contains("QObject::")); // a lost connection
         QVERIFY(JsonFile::load(cache));
         ini.sync();
         QCOMPARE(ini.value("network/apiBase"_s).toString(), server.baseUrl());

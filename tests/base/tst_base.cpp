@@ -10,15 +10,6 @@
 
 using LogLineClass::LineClass;
 
-namespace {
-
-void setKey(const char *key, const QVariant &value)
-{
-    TestFolder::setKey(QString::fromLatin1(key), value);
-}
-
-} // namespace
-
 /// The settings of the machine, JSON files, times, names and the first words of log lines.
 class TestBase : public QObject
 {
@@ -84,7 +75,7 @@ private slots:
             for (const char *key :
                  {"network/preflightParallelRequests", "timing/preflightProbeSeconds",
                   "timing/aiaMaxTimeErrorSeconds", "timing/suviMaxTimeErrorSeconds"})
-                setKey(key, given); // takes effect at once
+                TestFolder::setKey(QLatin1String(key), given); // takes effect at once
             QCOMPARE(RuntimeConfig::preflightParallelRequests(), parallel);
             QCOMPARE(RuntimeConfig::preflightProbeSeconds(), probe);
             QCOMPARE(RuntimeConfig::aiaMaxTimeErrorSeconds(), tolerance);
@@ -94,14 +85,14 @@ private slots:
 
     void addressesAndPaths()
     {
-        setKey("network/apiBase", "http://[::1]:80/v2///"_s);
+        TestFolder::setKey("network/apiBase"_s, "http://[::1]:80/v2///"_s);
         QCOMPARE(RuntimeConfig::apiBase(), "http://[::1]:80/v2"_s);
-        setKey("paths/curl", "/opt//x/./../curl"_s);
+        TestFolder::setKey("paths/curl"_s, "/opt//x/./../curl"_s);
         QCOMPARE(RuntimeConfig::curlPath(), "/opt/curl"_s);
 
         const QString workingDirectory = QDir::currentPath();
         QVERIFY(QDir::setCurrent(QDir::rootPath()));
-        setKey("paths/curl", "tools/curl"_s);
+        TestFolder::setKey("paths/curl"_s, "tools/curl"_s);
         QCOMPARE(RuntimeConfig::curlPath(), TestFolder::path("tools/curl"_s));
         QVERIFY(QDir::setCurrent(workingDirectory));
     }

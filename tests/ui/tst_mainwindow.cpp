@@ -258,11 +258,11 @@ private slots:
                 QCOMPARE(enabledParts(window), QStringList("actionStopAcquisition"_s));
                 part<QAction>(window, "actionRefreshCatalog")->trigger();
                 WindowFixture::clickLeaf(window, "AIA 193 "_s);
-                if (end == closing)
-                    window.close();
-                else if (end != stopping)
+                if (end > 0)
                     std::raise(end);
-                if (end == stopping) {
+                else if (end == closing)
+                    window.close();
+                else {
                     WindowFixture::clickToolButton(window, "actionStopAcquisition");
                     QVERIFY(QMetaObject::invokeMethod(&window, "stopAcquisition"));
                 }
