@@ -147,7 +147,6 @@ void AcquisitionController::takeNextStep()
 {
     switch (m_stage) {
     case Stage::Idle:
-        break;
     case Stage::Preflight: // goes by itself
         break;
     case Stage::Acquiring:

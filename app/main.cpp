@@ -1,6 +1,6 @@
 #include "app/applicationlook.h"
-#include "app/terminationsignals.h"
 #include "base/runtimeconfig.h"
+#include "base/terminationsignals.h"
 #include "ui/mainwindow.h"
 
 #include <QApplication>

@@ -2,9 +2,9 @@
 
 #include "acquisition/acquisitioncontroller.h"
 #include "base/runtimeconfig.h"
+#include "base/texttable.h"
 #include "demo/sessionaudit.h"
 #include "demo/terminal.h"
-#include "demo/texttable.h"
 #include "simulator/archive/archive.h"
 #include "simulator/service/server.h"
 

@@ -13,6 +13,11 @@ constexpr int shownCharacters = 4000;
 
 } // namespace
 
+RoiEncoder::RoiEncoder(QObject *parent) : QObject(parent)
+{
+    connect(&m_encoder, &FilmEncoder::outputRead, this, &RoiEncoder::outputRead);
+}
+
 bool RoiEncoder::isPresent(const QString &program, QString *errorText)
 {
     return QFileInfo::exists(program) ||

@@ -12,7 +12,7 @@ class RoiEncoder final : public QObject
     Q_OBJECT
 
 public:
-    using QObject::QObject;
+    explicit RoiEncoder(QObject *parent = nullptr);
 
     /// Whether the file @p program exists; @p errorText, which may be null, is set if not.
     static bool isPresent(const QString &program, QString *errorText = nullptr);
@@ -32,6 +32,10 @@ public:
 public slots:
     /// Kills the encoder, waiting up to a second for its end; run() then returns false.
     void cancel() { m_encoder.cancel(); }
+
+signals:
+    /// ffmpeg has written @p text, trimmed and not empty.
+    void outputRead(const QString &text);
 
 private:
     FilmOutcome runToEnd(const FilmOrder &order);
