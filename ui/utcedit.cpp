@@ -128,7 +128,11 @@ void UtcEdit::focusOutEvent(QFocusEvent *event)
 
 bool UtcEdit::focusNextPrevChild(bool next)
 {
-    endRun();
+    if (m_run) { // from the section that was typed, though the next one may be selected already
+        const UtcTyping::Section last = UtcTyping::read(*m_run).last;
+        endRun();
+        setCurrentSectionIndex(last);
+    }
     return QDateTimeEdit::focusNextPrevChild(next);
 }
 
@@ -212,7 +216,7 @@ void UtcEdit::endRun()
     const Reading reading = UtcTyping::read(*m_run);
     m_run.reset();
     setDateTime(dateTime()); // shows it in full
-    setCurrentSectionIndex(reading.last);
+    setCurrentSectionIndex(UtcTyping::sectionAt(reading.cursor));
     if (!isAllowed(reading.time))
         tellNoTime(tr("%1 is no time. The field keeps the one it had.").arg(reading.text));
 }

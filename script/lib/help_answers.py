@@ -28,9 +28,6 @@ NO_ANSWER = {
     "HelioviewerClient is already busy.": "the window does not ask twice at a time",
     "ERROR %1: %2": "the log line of a box that says the same",
     "WARNING %1: %2": "a film that is not whole; the reason is a text of its own",
-    "manifest.csv is empty.": "the region tool then takes the files in the folders",
-    "Cannot open %1": "as above",
-    "line %1 of manifest.csv is longer than 1 MB. Only the rows before it are read.": "as above",
     "not a regular file": "a reason within another message",
     "larger than %1 MB": "as above",
     "Session canceled.": "what the user asked for",
@@ -93,7 +90,7 @@ def is_trouble(text, statement, rules):
 def quoted_messages():
     """What the first column of the tables of messages quotes, as patterns of whole texts."""
     page = read("doc/help.html")
-    tables = re.findall(r'<caption id="messages-[^<]*</caption>(.*?)</table>', page, re.DOTALL)
+    tables = re.findall(r'<caption id="messages-.*?</caption>(.*?)</table>', page, re.DOTALL)
     for cell in re.findall(r"<tr><td>(.*?)</td>", "".join(tables), re.DOTALL):
         for quote in re.findall(r'<code class="msg">(.*?)</code>', cell, re.DOTALL):
             quote = " ".join(html.unescape(quote).split())

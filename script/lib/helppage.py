@@ -74,8 +74,10 @@ for message in map(plain, messages):
     expect(any(holds(text, message) for text in texts), f"no such message: {message}")
 
 kept = defaults(read("base/runtimeconfig.cpp"), r'\{"(\w+/\w+)", (.+?)\},')
-presets = defaults(read("ui/uisettings.cpp"),
-                   r'\{"(\w+/\w+)", form\.\w+, (\w+), Preset::RuntimeConfig\}')
+record = dict(found(r"\w+ (\w+) = (\w+);", read("session/acquisitionsettings.h")))
+presets = {key: record.get(field) for key, field in
+           defaults(read("ui/uisettings.cpp"),
+                    r'\{"(\w+/\w+)", form\.\w+, defaults\.(\w+), Preset::RuntimeConfig\}').items()}
 expect(len(kept) == 13 and len(presets) == 8, "the program's tables are not read")
 own = {**kept, **presets}
 rows = found(r'<th scope="row"><code class="key">(.*?)</code></th><td><code>(.*?)</code>', page)

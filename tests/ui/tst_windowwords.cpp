@@ -75,7 +75,7 @@ void TestWindowWords::enter(int clicked)
 void TestWindowWords::typed_data()
 {
     QTest::addColumn<int>("clicked");
-    QTest::addColumn<QString>("keys"); // < is Backspace, > Tab
+    QTest::addColumn<QString>("keys"); // < is Backspace, > Tab, ^ Up
     QTest::addColumn<QString>("expected");
     const QString stamp = QStringLiteral("2023-08-09 01:02:03");
     const auto row = [](int clicked, const char *keys, const QString &expected) {
@@ -92,6 +92,7 @@ void TestWindowWords::typed_data()
     row(5, "02<", QStringLiteral("2024-01-31 12:34:56"));
     row(19, "<7", QStringLiteral("2024-01-31 12:34:57"));
     row(18, "2021", QStringLiteral("2024-01-31 12:34:21"));
+    row(12, "12^", QStringLiteral("2024-01-31 12:35:56"));
     row(-1, "2023>08>>7>", QStringLiteral("2023-08-31 07:34:56"));
     for (const char *keys :
          {"2023-13-01 00:00:00>", "2023-02-31 00:00:00>", "23-08-09>", "1600-01-01>"})
@@ -103,9 +104,12 @@ void TestWindowWords::typed()
     QFETCH(int, clicked);
     QFETCH(QString, keys);
     enter(clicked);
+    const QHash<QChar, Qt::Key> named = {{QLatin1Char('<'), Qt::Key_Backspace},
+                                         {QLatin1Char('>'), Qt::Key_Tab},
+                                         {QLatin1Char('^'), Qt::Key_Up}};
     for (const QChar key : keys) {
-        if (key == QLatin1Char('<') || key == QLatin1Char('>'))
-            QTest::keyClick(m_edit, key == QLatin1Char('<') ? Qt::Key_Backspace : Qt::Key_Tab);
+        if (named.contains(key))
+            QTest::keyClick(m_edit, named.value(key));
         else
             QTest::keyClick(m_edit, key.toLatin1());
     }
