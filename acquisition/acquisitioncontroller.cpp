@@ -524,7 +524,7 @@ void AcquisitionController::onFfmpegFinished(const FilmOutcome &outcome)
         closeFilm();
 }
 
-/// Tells of an encoder that could not be started; there is no exit code then.
+/// The encoder could not be started, so that there is no exit code.
 void AcquisitionController::onFfmpegError(const QString &reason)
 {
     m_films.noteFailure();
@@ -537,7 +537,7 @@ void AcquisitionController::onFfmpegReadyRead(const QString &text)
     emit logMessage(text);
 }
 
-/// Says why a film was not taken, when the exit code does not.
+/// Logs a failed film; with exit code 0 a line before says why it failed.
 void AcquisitionController::failFilm(const FilmOutcome &outcome)
 {
     const DataSource source = m_films.current();

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Anything but a finite number is no measure, and JSON could not hold it.
+/// 0 for anything but a finite number, which JSON could not hold either.
 double toNumber(const QStringRef &text)
 {
     const double number = text.toDouble(); // 0 for what is no number
@@ -24,8 +24,8 @@ bool isKept(const ManifestColumns::Geometry &column, double number)
 /**
  * The frames of one datasource while they are read.
  *
- * From row to row the geometry of a datasource hardly changes, so each frame takes over the
- * metadata of the one before and only what differs is read anew: a million frames share memory.
+ * The geometry of a datasource hardly changes from row to row. So each frame starts from the
+ * metadata of the previous one, and only what differs is parsed: a million frames share memory.
  */
 class FrameList
 {
@@ -41,8 +41,8 @@ private:
 
     QVector<ManifestFrame> m_frames;
     std::array<QString, geometryCount> m_texts;
-    std::array<double, geometryCount> m_numbers{}; // that m_texts tell
-    QJsonObject m_metadata = newMetadata();        // made of m_numbers
+    std::array<double, geometryCount> m_numbers{}; // values of m_texts
+    QJsonObject m_metadata = newMetadata();        // made from m_numbers
 };
 
 void FrameList::append(const ManifestTable &table)
@@ -53,7 +53,7 @@ void FrameList::append(const ManifestTable &table)
                      m_metadata});
 }
 
-/// Values are replaced in place, but an object whose keys come and go would keep the room of all.
+/// Replaces values in place. When keys come or go the object is rebuilt: it would never shrink.
 void FrameList::updateMetadata(const ManifestTable &table)
 {
     bool sameKeys = true;
