@@ -38,7 +38,7 @@ public:
     /// Whether the file ends in the midst of it, as a full disk or a power failure leaves it.
     bool isCutOff() const;
 
-    /// A sentence when reading ended before the file did; else empty.
+    /// A sentence about the line that is too long; empty when there was none.
     QString remark() const;
 
 private:
