@@ -1,7 +1,7 @@
 #include "app/applicationlook.h"
-#include "app/terminationsignals.h"
 #include "base/helperprograms.h"
 #include "base/runtimeconfig.h"
+#include "base/terminationsignals.h"
 #include "ui/mainwindow.h"
 
 #include <QApplication>

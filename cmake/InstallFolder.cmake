@@ -11,7 +11,7 @@ if(CMAKE_INSTALL_PREFIX_INITIALIZED_TO_DEFAULT)
   set_property(CACHE CMAKE_INSTALL_PREFIX PROPERTY VALUE "${CMAKE_BINARY_DIR}/install")
 endif()
 
-set(programs orvik)
+set(programs orvik orvik-sessiontool)
 install(TARGETS ${programs} RUNTIME DESTINATION . COMPONENT folder)
 install(FILES LICENSE DESTINATION . COMPONENT folder)
 install(FILES packaging/README DESTINATION . COMPONENT bundle EXCLUDE_FROM_ALL)
@@ -56,6 +56,7 @@ foreach(plugin QXcbIntegrationPlugin QOffscreenIntegrationPlugin
                QComposePlatformInputContextPlugin QIbusPlatformInputContextPlugin)
   list(APPEND plugins $<TARGET_FILE:Qt5::${plugin}>)
 endforeach()
-install(CODE "set(plugins ${plugins})\nset(programs ${programs} sample/orvik-simulator)"
+list(TRANSFORM programs REPLACE "(.+)" "$<TARGET_FILE_NAME:\\1>" OUTPUT_VARIABLE names)
+install(CODE "set(plugins \"${plugins}\")\nset(programs \"${names}\" sample/orvik-simulator)"
   COMPONENT bundle EXCLUDE_FROM_ALL)
 install(SCRIPT cmake/BundleLibraries.cmake COMPONENT bundle EXCLUDE_FROM_ALL)

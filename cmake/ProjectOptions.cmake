@@ -41,5 +41,5 @@ if(ORVIK_LINT)
   # Our headers, but not what moc and uic write into a build folder within the project.
   string(REGEX REPLACE "([][+.*()^$?{}|\\])" "\\\\\\1" root "${PROJECT_SOURCE_DIR}")
   set(CMAKE_CXX_CLANG_TIDY clang-tidy --quiet
-    "--header-filter=^${root}/(app|base|session|client|imaging|output|acquisition|roi|ui|simulator|demo|bench|fuzz|tests|tools)/")
+    "--header-filter=^${root}/(app|base|session|client|imaging|output|acquisition|roi|ui|sessiontool|simulator|demo|bench|fuzz|tests|tools)/")
 endif()

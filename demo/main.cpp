@@ -2,11 +2,11 @@
 // --public a small one against the public archive; --public=BASE asks another one, as a mirror.
 
 #include "base/runtimeconfig.h"
+#include "base/texttable.h"
 #include "demo/publicarchive.h"
 #include "demo/sessionaudit.h"
 #include "demo/sessionrun.h"
 #include "demo/terminal.h"
-#include "demo/texttable.h"
 #include "simulator/archive/archive.h"
 #include "simulator/service/server.h"
 

@@ -38,6 +38,15 @@ QString toText(FrameStatus status)
     return {};
 }
 
+std::optional<FrameStatus> frameStatus(const QStringRef &word)
+{
+    for (const FrameStatus status : frameStatuses) {
+        if (word == toText(status))
+            return status;
+    }
+    return std::nullopt;
+}
+
 QString toLine(const ManifestRow &row)
 {
     QStringList fields{

@@ -6,11 +6,19 @@
 #include <QJsonObject>
 #include <QString>
 
+#include <array>
+#include <optional>
+
 /// How one request ended.
 enum class FrameStatus { Ok, RejectedTime, Duplicate, CorruptImage, DownloadError, LookupError };
+constexpr std::array<FrameStatus, 6> frameStatuses = {
+    FrameStatus::Ok,           FrameStatus::RejectedTime,  FrameStatus::Duplicate,
+    FrameStatus::CorruptImage, FrameStatus::DownloadError, FrameStatus::LookupError};
 
 /// The word that the manifest stores.
 QString toText(FrameStatus status);
+/// The status of a stored word; nothing for any other.
+std::optional<FrameStatus> frameStatus(const QStringRef &word);
 
 /// One outcome, as it is entered in the ledger.
 struct ManifestRow

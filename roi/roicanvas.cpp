@@ -19,7 +19,7 @@ constexpr double smallestDragPx = 2.0;
 constexpr double regionZ = 10.0;
 constexpr double rubberBandZ = 1000.0;
 
-/// Grows and shrinks with the zoom; a frame of any size has outlines of the same weight.
+/// In pixels of the frame, so that it scales with the zoom; wider on larger frames.
 QPen regionPen(int frameWidthPx, bool current)
 {
     return QPen(current ? Qt::yellow : Qt::green, std::max(1.0, frameWidthPx / 1000.0));
@@ -30,8 +30,8 @@ QPen regionPen(int frameWidthPx, bool current)
 RoiCanvas::RoiCanvas(QGraphicsView *view, QObject *parent)
     : QObject(parent), m_view(view), m_message(new QLabel(view->viewport()))
 {
-    // An index by place is of no use: all is in sight, and regions that overlap make it grow with
-    // the square of their number.
+    // A spatial index does not help: all regions are visible. With many that overlap it takes
+    // minutes and gigabytes.
     m_scene.setItemIndexMethod(QGraphicsScene::NoIndex);
     m_view->setScene(&m_scene);
     m_view->setDragMode(QGraphicsView::ScrollHandDrag);
@@ -76,8 +76,7 @@ void RoiCanvas::showRegions(const QVector<QRect> &regions, int current)
     }
     const QPen pens[] = {regionPen(m_framePixmap.width(), false),
                          regionPen(m_framePixmap.width(), true)};
-    for (int row = 0; row < regions.size();
-         ++row) { // items that stay as they are cost next to nothing
+    for (int row = 0; row < regions.size(); ++row) { // unchanged items are not painted anew
         m_regions.at(row)->setRect(regions.at(row));
         m_regions.at(row)->setPen(pens[row == current ? 1 : 0]);
     }
@@ -111,7 +110,7 @@ void RoiCanvas::fit()
 bool RoiCanvas::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
-    case QEvent::Wheel: // always taken: the view itself would scroll
+    case QEvent::Wheel: // always consumed: the view would scroll
         zoom(static_cast<QWheelEvent *>(event)->angleDelta().y() >= 1);
         return true;
     case QEvent::Show:
@@ -134,7 +133,7 @@ void RoiCanvas::zoom(bool closer)
     m_view->scale(factor, factor);
 }
 
-/// Whether the view is not to see @p event. It does see moves: it zooms about the last one.
+/// Whether @p event is consumed. Moves are passed on: the view zooms about the last position.
 bool RoiCanvas::drawingEvent(QEvent *event)
 {
     switch (event->type()) {
@@ -142,7 +141,7 @@ bool RoiCanvas::drawingEvent(QEvent *event)
         draw(*static_cast<QMouseEvent *>(event));
         return false;
     case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick: // so arrives a press that soon follows one beside the frame
+    case QEvent::MouseButtonDblClick: // a press soon after one outside the frame
     case QEvent::MouseButtonRelease:
         draw(*static_cast<QMouseEvent *>(event));
         return true;

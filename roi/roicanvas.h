@@ -23,7 +23,7 @@ class RoiCanvas final : public QObject
     Q_OBJECT
 
 public:
-    /// Puts its scene into @p view and takes the mouse of its viewport.
+    /// Sets the scene of @p view and handles the mouse events of its viewport.
     explicit RoiCanvas(QGraphicsView *view, QObject *parent = nullptr);
 
     bool isDrawing() const { return m_drawing; }
@@ -34,24 +34,24 @@ public:
     void showFrame(const QPixmap &frame);
     /// Shows @p text in place of a frame; ends drawing.
     void showMessage(const QString &text);
-    /// Replaces the outlines; the one at @p current, if any, stands out.
+    /// Replaces the outlines; the one at the index @p current, if any, is highlighted.
     void showRegions(const QVector<QRect> &regions, int current);
 
-    /// Lets the next drag that begins inside the frame draw a rectangle where it would pan.
+    /// Makes the next drag inside the frame draw a rectangle instead of panning.
     void startDrawing();
-    /// Lets drags pan again; a rectangle that is being drawn is dropped without a signal.
+    /// Makes drags pan again; drops a rectangle that is being drawn, without a signal.
     void cancelDrawing();
 
 public slots:
-    /// Fits the whole frame into the view: at once, or as soon as the view has its size.
+    /// Fits the whole frame into the view, as soon as the view has its final size.
     void fit();
 
 signals:
     /// A drag of at least 2 x 2 pixels ended; @p pixels lies inside the frame.
     void rectangleDrawn(const QRectF &pixels);
-    /// The drag ended smaller than that; nothing is to be created.
+    /// A drag ended that was smaller; no region is to be created.
     void rectangleTooSmall();
-    /// The mouse went down beside the frame; drawing goes on.
+    /// The mouse was pressed outside the frame; drawing mode stays on.
     void startedOutside();
 
 protected:

@@ -47,7 +47,7 @@ QString cannotDecodeText(const RoiSourceFrame &frame)
     return RoiVideoDialog::tr("Cannot decode %1").arg(frame.file);
 }
 
-/// A failure in one line, without the encoder's own words.
+/// A failure in one line, without the encoder's output.
 QString summary(const QString &errorText)
 {
     return errorText.section(QStringLiteral("\n\n"), 0, 0)
@@ -63,7 +63,7 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     m_ui->splitter->setStretchFactor(0, 1);
-    m_ui->splitter->setSizes({860, 400}); // in proportion: the canvas takes what there is
+    m_ui->splitter->setSizes({860, 400});              // only their ratio counts
     m_ui->frameView->setFocusProxy(m_ui->frameSlider); // arrow keys step through the frames
     m_canvas = new RoiCanvas(m_ui->frameView, this);
     m_canvas->showMessage(tr("Open a session to inspect the captured full frames."));
@@ -106,7 +106,7 @@ void RoiVideoDialog::reject()
     }
 }
 
-/// The first Esc ends a drawing, the next one closes.
+/// Esc ends drawing first, and closes the dialog only when nothing is being drawn.
 void RoiVideoDialog::keyPressEvent(QKeyEvent *event)
 {
     if (event->matches(QKeySequence::Cancel) && m_canvas->isDrawing())
@@ -196,7 +196,7 @@ void RoiVideoDialog::startDrawing()
 void RoiVideoDialog::endDrawing()
 {
     if (m_canvas->isDrawing())
-        setStatus(QString()); // it asks for a rectangle
+        setStatus(QString()); // it asks the user to draw
     m_canvas->cancelDrawing();
 }
 
@@ -295,7 +295,7 @@ void RoiVideoDialog::fillWidgets()
     m_ui->scaleOverlayCheck->setChecked(m_session.scaleOverlay);
 }
 
-/// Who opens the dialog listens to its log from then on.
+/// The log is connected only after the constructor has returned.
 void RoiVideoDialog::sendRemarks()
 {
     if (!isVisible())
@@ -350,7 +350,7 @@ RoiVideoPlan RoiVideoDialog::planFromWidgets() const
     return plan;
 }
 
-/// False when the user gave up waiting.
+/// False when the user canceled.
 bool RoiVideoDialog::findScales(RoiVideoPlan &plan)
 {
     enterActivity(Activity::LookingUp);
@@ -389,8 +389,8 @@ void RoiVideoDialog::report(RoiVideoGenerator::Outcome outcome)
     }
 }
 
-/// Cancel hides the progress dialog while the run is still on the stack, so that nothing else keeps
-/// the user from starting a second one, or from closing the dialog below it.
+/// Canceling hides the modal progress dialog while the run is still on the stack. Without the lock
+/// the user could start a second run then, or close the dialog.
 void RoiVideoDialog::enterActivity(Activity activity)
 {
     m_activity = activity;

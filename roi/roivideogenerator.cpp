@@ -24,20 +24,20 @@
 
 namespace {
 
-/// The folder below a datasource's own that holds pictures on their way to the encoder.
+/// The folder inside a datasource's folder that holds the pictures for the encoder.
 QString temporaryRoot(const RoiSource &source)
 {
     return source.folder + QStringLiteral("/.roi_video_frames");
 }
 
-/// Two digits, so that films sort by it.
+/// At least two digits, so that films sort by number.
 QString numberText(int number)
 {
     return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
 }
 
-/// The region's name is shortened where the disk could not hold it, then the folder's: the number
-/// alone tells the films of a folder apart.
+/// Shortens the region's name, then the folder's, if the file name would be too long. The number
+/// keeps the names in a folder distinct.
 QString filmName(const QString &folderName, const QString &number, const QString &regionName)
 {
     const QString pattern = QStringLiteral("%1__ROI_%2_%3.mp4");
@@ -47,15 +47,15 @@ QString filmName(const QString &folderName, const QString &number, const QString
     return pattern.arg(folderPart, number, FileNames::shortened(regionName, rest));
 }
 
-/// The folder of a film's pictures, below the temporary root.
+/// The folder of one film's pictures, inside the temporary root.
 QString jobFolderName(const QString &number, const QString &regionName)
 {
     const QString name = QStringLiteral("roi_%1_%2").arg(number, regionName);
     return FileNames::shortened(name, FileNames::maxNameBytes);
 }
 
-/// Removes @p path and all in it; true when nothing is left there. A link is taken away itself;
-/// where it leads is not ours.
+/// Removes @p path and everything in it; true when nothing is left. Of a link only the link itself
+/// is removed.
 bool removeTemporary(const QString &path)
 {
     const QFileInfo info(path);
@@ -143,7 +143,7 @@ RoiVideoGenerator::Outcome RoiVideoGenerator::run(const RoiVideoPlan &plan)
         return Outcome::Completed;
     if (!m_canceled)
         return Outcome::Failed;
-    m_errorText.clear(); // of an encoder that was killed
+    m_errorText.clear(); // it tells of the encoder that was killed
     return Outcome::Canceled;
 }
 
@@ -158,7 +158,7 @@ bool RoiVideoGenerator::filmSources()
     const FilmingLock lock(m_plan.sessionDirectory);
     if (!lock.isFree(&m_errorText))
         return false;
-    // A missing encoder is named before an hour is spent on pictures for it.
+    // A missing encoder is reported before an hour is spent on pictures for it.
     return std::all_of(
         m_plan.sources.cbegin(), m_plan.sources.cend(), [this](const RoiFilmSource &filmed) {
             return RoiEncoder::isPresent(RuntimeConfig::ffmpegPath(), &m_errorText) &&
@@ -171,7 +171,7 @@ bool RoiVideoGenerator::filmSource(const RoiFilmSource &filmed)
     if (!RoiSession::mayWriteTo(filmed.source, m_plan.sessionDirectory, &m_errorText))
         return false;
     const QString root = temporaryRoot(filmed.source);
-    // Pictures that an earlier run left behind would follow those of this one into the film.
+    // Pictures left behind by an earlier run would end up in this film.
     bool done =
         (removeTemporary(root) && QDir().mkpath(root)) ||
         fail(tr("Cannot create temporary directory:\n%1").arg(QDir::toNativeSeparators(root)));
@@ -251,7 +251,7 @@ bool RoiVideoGenerator::writePicture(const Job &job, const QImage &upright, cons
     return PngWriter::save(picture, path);
 }
 
-/// A cut changes no pixel's length, so it is the full frame's width that counts.
+/// Cropping does not change the length of a pixel, so the width of the full frame counts.
 double RoiVideoGenerator::frameKmPerPixel(const Job &job, const RoiSourceFrame &frame,
                                           int frameWidthPx) const
 {
@@ -310,7 +310,7 @@ QString RoiVideoGenerator::completionDetails(const Job &job) const
     return details;
 }
 
-/// Always false, for the caller to hand on.
+/// Always returns false, for the caller to return.
 bool RoiVideoGenerator::fail(const QString &text)
 {
     m_errorText = text;

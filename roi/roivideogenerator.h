@@ -8,7 +8,7 @@
 
 class QImage;
 
-/// A region to film, with its place in the list, which its films are numbered by.
+/// A region to film, with its position in the list, by which its films are numbered.
 struct NumberedRoi
 {
     int number = 1; ///< counted from 1, regions that are not filmed included
@@ -22,7 +22,7 @@ struct RoiFilmSource
     QJsonObject scaleMetadata; ///< for frames that have none of their own; may be empty
 };
 
-/// All that is asked of one generation run.
+/// Everything that one generation run needs to know.
 struct RoiVideoPlan
 {
     QString sessionDirectory;
@@ -41,10 +41,10 @@ struct RoiVideoPlan
 };
 
 /**
- * Makes one film per region and datasource from the stored frames, which it only reads.
+ * Makes one film per region and datasource from the stored frames, which are only read.
  *
- * Pictures go one by one into a folder of their own below the datasource's, from where ffmpeg
- * takes them; that folder is gone when a datasource is done, whatever the end.
+ * The pictures are written to a temporary folder inside the datasource's folder, where ffmpeg reads
+ * them. It is removed when the datasource is done, also after a failure or a cancel.
  */
 class RoiVideoGenerator final : public QObject
 {
@@ -56,31 +56,31 @@ public:
     using QObject::QObject;
 
     /**
-     * Puts back the earlier films of @p session that a killed program has left aside.
+     * Restores earlier films of @p session that were kept aside by a program that was killed.
      *
-     * Nothing happens while another window is making films there.
+     * Does nothing while another window is making films of this session.
      *
-     * @return lines for the log, one for each film that is back
+     * @return lines for the log, one for each restored film
      */
     static QStringList restoreEarlierFilms(const StoredSession &session);
 
     int createdVideos() const { return m_createdVideos; }
     QString errorText() const { return m_errorText; } ///< empty unless the run failed
 
-    /// Works through the whole plan; pending events are processed after each picture.
+    /// Makes all films of the plan; pending events are processed after each picture.
     Outcome run(const RoiVideoPlan &plan);
 
 public slots:
-    /// Makes run() end within one picture; an encoder at work is killed, which takes up to a
-    /// second.
+    /// Makes run() return after the current picture. A running encoder is killed, which takes up to
+    /// a second.
     void cancel();
 
 signals:
     /// A line for the log.
     void logMessage(const QString &text);
-    /// What is being done now, for the user; before each picture and each encoding.
+    /// A description of the next step, sent before each picture and each encoding.
     void labelChanged(const QString &text);
-    /// Another picture is written; @p frames counts them over the whole run.
+    /// A picture has been written; @p frames is the number written in this run so far.
     void progressChanged(int frames);
 
 private:

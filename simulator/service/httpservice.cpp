@@ -73,7 +73,8 @@ int HttpService::listenOn(int port)
 void HttpService::breakOff()
 {
     close();
-    qDeleteAll(findChildren<QTcpSocket *>());
+    // An encrypted socket owns another one, which goes with it.
+    qDeleteAll(findChildren<QTcpSocket *>(QString(), Qt::FindDirectChildrenOnly));
 }
 
 void HttpService::incomingConnection(qintptr descriptor)
