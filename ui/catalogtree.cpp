@@ -111,7 +111,7 @@ QTreeWidgetItem *newLeaf(const QString &key, const QJsonObject &entry, const QSt
 void sort(QList<QTreeWidgetItem *> *items)
 {
     static const QCollator collator = [] {
-        QCollator english(QLocale(QLocale::English));
+        QCollator english{QLocale(QLocale::English)};
         english.setNumericMode(true);
         return english;
     }();
