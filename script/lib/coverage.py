@@ -60,6 +60,8 @@ def print_rest(files):
 
 def main():
     files = json.load(sys.stdin)["files"]
+    for file in files:
+        file["lines"] = [line for line in file["lines"] if not line["gcovr/noncode"]]
     print_table(files, sys.argv[1:])
     print_rest(files)
 

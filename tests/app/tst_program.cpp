@@ -33,8 +33,9 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(cache) || orvik.state() == QProcess::NotRunning,
                                  30'000);
         QCOMPARE(orvik.state(), QProcess::Running);
-        orvik.kill();
+        orvik.terminate(); // as a logout does
         QVERIFY(orvik.waitForFinished());
+        QCOMPARE(orvik.exitStatus(), QProcess::NormalExit);
 
         QVERIFY(!orvik.readAll().contains("QObject::")); // a lost connection
         QVERIFY(JsonFile::load(cache));
