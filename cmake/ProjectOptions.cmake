@@ -23,7 +23,9 @@ target_compile_definitions(orvik_options INTERFACE
   QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
 target_compile_options(orvik_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
-  $<$<BOOL:${ORVIK_WERROR}>:-Werror>)
+  $<$<BOOL:${ORVIK_WERROR}>:-Werror>
+  # What is handed out does not tell where it was built.
+  "$<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")
 
 if(ORVIK_SANITIZE)
   target_compile_options(orvik_options INTERFACE
