@@ -574,7 +574,8 @@ void AcquisitionController::cancelChildren()
 bool AcquisitionController::writeDescriptor(bool canceled) const
 {
     return JsonFile::save(QDir(m_sessionDirectory).filePath(SessionFiles::descriptor()),
-                          SessionDescriptor::toJson(toRecord(m_settings, m_tally, canceled))) !=
+                          SessionDescriptor::toJson(
+                              SessionTallying::toRecord(m_settings, m_tally, canceled))) !=
            JsonFile::SaveResult::CannotCommit;
 }
 

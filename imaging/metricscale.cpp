@@ -15,8 +15,8 @@ constexpr double nominalSolarRadiusKm = 695700.0;
 
 double MetricScale::kmPerPixel(const QJsonObject &metadata, int imageWidth)
 {
-    const double solarRadiusPx = metadataNumber(metadata, QStringLiteral("rsun"));
-    const double nativeWidthPx = metadataNumber(metadata, QStringLiteral("width"));
+    const double solarRadiusPx = ImageMetadata::metadataNumber(metadata, QStringLiteral("rsun"));
+    const double nativeWidthPx = ImageMetadata::metadataNumber(metadata, QStringLiteral("width"));
     const bool known = imageWidth >= 1 && solarRadiusPx > 0.0 && nativeWidthPx > 0.0;
     return known ? nominalSolarRadiusKm / solarRadiusPx * (nativeWidthPx / imageWidth) : 0.0;
 }

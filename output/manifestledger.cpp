@@ -37,7 +37,8 @@ std::optional<ManifestRow> ManifestLedger::next()
         m_isCutOff = m_table.isCutOff();
         bool isNumber = false;
         const int sourceId = m_table.field(Column::SourceId).toInt(&isNumber);
-        const std::optional<FrameStatus> status = frameStatus(m_table.field(Column::Status));
+        const std::optional<FrameStatus> status =
+            ManifestRows::frameStatus(m_table.field(Column::Status));
         if (isNumber && sourceId >= 0 && status)
             return toRow(m_table, sourceId, *status);
         if (!m_isCutOff)

@@ -91,7 +91,7 @@ std::optional<ManifestFrames> ManifestReader::read(const QString &manifestPath, 
     ManifestTable table;
     if (!table.open(manifestPath, errorText))
         return std::nullopt;
-    const QString accepted = toText(FrameStatus::Ok);
+    const QString accepted = ManifestRows::toText(FrameStatus::Ok);
     QHash<int, FrameList> lists;
     while (table.next()) {
         if (table.field(ManifestColumns::Status) == accepted)

@@ -19,7 +19,7 @@ QString metadataText(const QJsonValue &value)
 
 } // namespace
 
-QString toText(FrameStatus status)
+QString ManifestRows::toText(FrameStatus status)
 {
     switch (status) {
     case FrameStatus::Ok:
@@ -38,7 +38,7 @@ QString toText(FrameStatus status)
     return {};
 }
 
-std::optional<FrameStatus> frameStatus(const QStringRef &word)
+std::optional<FrameStatus> ManifestRows::frameStatus(const QStringRef &word)
 {
     for (const FrameStatus status : frameStatuses) {
         if (word == toText(status))
@@ -47,7 +47,7 @@ std::optional<FrameStatus> frameStatus(const QStringRef &word)
     return std::nullopt;
 }
 
-QString toLine(const ManifestRow &row)
+QString ManifestRows::toLine(const ManifestRow &row)
 {
     QStringList fields{
         QString::number(row.request.sourceId),

@@ -62,8 +62,8 @@ void endWithAnswer(QEventLoop &wait, HelioviewerClient &client, const Question &
 
 bool ScaleLookup::isUsable(const QJsonObject &metadata)
 {
-    return metadataNumber(metadata, QStringLiteral("rsun")) > 0.0 &&
-           metadataNumber(metadata, QStringLiteral("width")) > 0.0;
+    return ImageMetadata::metadataNumber(metadata, QStringLiteral("rsun")) > 0.0 &&
+           ImageMetadata::metadataNumber(metadata, QStringLiteral("width")) > 0.0;
 }
 
 QString ScaleLookup::lineText(int frameWidthPx, const QJsonObject &metadata)

@@ -212,7 +212,7 @@ void SessionVerifier::checkDelta(const ManifestRow &row)
                       .arg(UtcText::signedDelta(delta), UtcText::signedDelta(row.deltaSeconds)));
     if (isNear == (row.status == FrameStatus::RejectedTime))
         reportRow(QStringLiteral("%1 at %2 s, with a tolerance of %3 s")
-                      .arg(toText(row.status), UtcText::signedDelta(delta),
+                      .arg(ManifestRows::toText(row.status), UtcText::signedDelta(delta),
                            QString::number(row.toleranceSeconds)));
 }
 

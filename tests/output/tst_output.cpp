@@ -71,8 +71,9 @@ private slots:
         ManifestRow row;
         for (int status = 0; status <= int(FrameStatus::LookupError); ++status) {
             row.status = FrameStatus(status);
-            QCOMPARE(toLine(row), "-1,\"\",0,\"\",\"\",,0,,\"\",\"\",%1,,,,,,,\n"_s.arg(
-                                      words.section(QLatin1Char(' '), status, status)));
+            QCOMPARE(ManifestRows::toLine(row),
+                     "-1,\"\",0,\"\",\"\",,0,,\"\",\"\",%1,,,,,,,\n"_s.arg(
+                         words.section(QLatin1Char(' '), status, status)));
         }
     }
 
@@ -83,7 +84,7 @@ private slots:
         for (const QJsonValue &value : values) {
             ManifestRow row;
             row.metadata = {{"refPixelY"_s, value}};
-            texts.append(toLine(row).section("OK,,,,,,,"_s, 1).trimmed());
+            texts.append(ManifestRows::toLine(row).section("OK,,,,,,,"_s, 1).trimmed());
         }
         QCOMPARE(texts.join(QLatin1Char(' ')),
                  "0.6 4096 1.5e-05 150753140000 999999999999999 1e+15 -2048.125 "
