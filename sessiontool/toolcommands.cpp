@@ -1,7 +1,7 @@
 #include "sessiontool/toolcommands.h"
 
-#include "base/jsonfile.h"
 #include "base/helperprograms.h"
+#include "base/jsonfile.h"
 #include "base/runtimeconfig.h"
 #include "base/terminationsignals.h"
 #include "output/sessionfiles.h"

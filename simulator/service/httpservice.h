@@ -56,7 +56,7 @@ private:
     PictureStore m_pictures;
     FaultPlan m_faults;
     std::function<void(const QByteArray &)> m_journal; // may be empty
-    QSslCertificate m_certificate; // null for plain HTTP
+    QSslCertificate m_certificate;                     // null for plain HTTP
     QSslKey m_key;
 };
 
