@@ -33,7 +33,7 @@ QString RunProgress::text(const Count &count)
             .arg(number(count.done), number(count.total));
     const int requests = count.total - count.films;
     const int done = std::min(count.done, requests);
-    const QString requestsDone = tr("%1 of %2 requests").arg(number(done), number(requests));
+    QString requestsDone = tr("%1 of %2 requests").arg(number(done), number(requests));
     if (done == requests) {
         return count.films > 0
                    ? tr("%1, %2 of %3 films")

@@ -3,9 +3,9 @@
 #include "base/utctext.h"
 
 #include <QRegularExpression>
+#include <QVector>
 
 #include <algorithm>
-#include <array>
 
 using UtcTyping::Reading;
 using UtcTyping::Run;
@@ -49,7 +49,7 @@ bool ends(int section, QChar key)
 /// Typed digits, each in its section.
 struct Filled
 {
-    std::array<QString, sectionCount> digits;
+    QVector<QString> digits = QVector<QString>(sectionCount);
     int last = UtcTyping::Year;
 
     bool isFull(int section) const { return digits[section].size() >= layouts[section].width; }
@@ -98,7 +98,7 @@ bool isInRange(const Filled &filled)
     return true;
 }
 
-using Numbers = std::array<int, sectionCount>;
+using Numbers = QVector<int>; // one for each section
 
 /// The numbers of all sections; those of @p before where none are typed yet.
 Numbers numbersOf(const Filled &filled, const QDateTime &before)
