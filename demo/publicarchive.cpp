@@ -83,7 +83,8 @@ bool PublicArchive::answers(QString *errorText)
                                       "machine's network and proxy, or try again later. Without "
                                       "--public the demonstration needs no network.")
                            .arg(RuntimeConfig::apiBase(), reason.trimmed()));
-    for (const DataSource &source : settings().sources) {
+    const QVector<DataSource> sources = settings().sources;
+    for (const DataSource &source : sources) {
         if (!holds(*catalog, source.sourceId))
             return ErrorText::fail(errorText, QStringLiteral("The archive at %1 has no %2.")
                                                   .arg(RuntimeConfig::apiBase(), source.nickname));

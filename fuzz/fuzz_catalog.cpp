@@ -21,7 +21,8 @@ void describe(QTreeWidget &tree)
 QSet<int> tickedIds(QTreeWidget &tree)
 {
     QSet<int> ids;
-    for (const DataSource &source : CatalogTree::tickedSources(&tree))
+    const QVector<DataSource> ticked = CatalogTree::tickedSources(&tree);
+    for (const DataSource &source : ticked)
         ids.insert(source.sourceId);
     return ids;
 }

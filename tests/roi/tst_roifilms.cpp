@@ -11,9 +11,13 @@ using Outcome = RoiVideoGenerator::Outcome;
 
 namespace {
 
+QByteArray half() // of a film
+{
+    return QByteArray::fromHex("0000001066747970");
+}
+
 constexpr const char *filmName = "AIA_171/AIA_171__ROI_01_Flare_1_west.mp4";
-const QByteArray earlierFilm = "an earlier film";
-const QByteArray half = QByteArray::fromHex("0000001066747970"); // of a film
+constexpr const char *earlierFilm = "an earlier film";
 
 RoiVideoPlan planFor(const TestSession &stored)
 {
@@ -110,7 +114,7 @@ private slots:
         QCOMPARE(stored.read(filmName), earlierFilm);
         reply.exitCode = 0; // as on a full disk
         reply.standardError = "the last words";
-        reply.files.insert(QStringLiteral("$last"), half);
+        reply.files.insert(QStringLiteral("$last"), half());
         useStandIn(QStringLiteral("ffmpeg"), reply);
         QCOMPARE(failureOf(planFor(stored)),
                  start + QStringLiteral("ffmpeg ended without an error, but the film is cut off. "
@@ -165,7 +169,7 @@ private slots:
         const auto before = stored.contents();
         FakeProgram::Reply hanging;
         hanging.hang = true;
-        hanging.files.insert(QStringLiteral("$last"), half);
+        hanging.files.insert(QStringLiteral("$last"), half());
         useStandIn(QStringLiteral("ffmpeg"), hanging);
         RoiVideoPlan plan = planFor(stored);
         plan.intro = true;
@@ -174,7 +178,7 @@ private slots:
             QSignalSpy progress(&generator, &RoiVideoGenerator::progressChanged);
             QTimer hand;
             connect(&hand, &QTimer::timeout, &generator, [&] {
-                if (progress.size() == last || stored.read(filmName) == half)
+                if (progress.size() == last || stored.read(filmName) == half())
                     generator.cancel();
             });
             hand.start(0);
@@ -192,12 +196,12 @@ private slots:
         const QByteArray aside = QByteArray(filmName) + ".orvik-earlier";
         const auto session = *RoiSession::load(stored.path());
         stored.write(aside, earlierFilm);
-        stored.write(filmName, half); // of the next
+        stored.write(filmName, half()); // of the next
         {
             const FilmingLock other(stored.path()); // the next is still being made
             QCOMPARE(RoiVideoGenerator::restoreEarlierFilms(session), QStringList());
             QVERIFY(failureOf(planFor(stored)).startsWith(QLatin1String("Another Orvik window")));
-            QCOMPARE(stored.read(filmName), half);
+            QCOMPARE(stored.read(filmName), half());
         }
         QCOMPARE(RoiVideoGenerator::restoreEarlierFilms(session).size(), 1);
         QCOMPARE(stored.read(filmName), earlierFilm);

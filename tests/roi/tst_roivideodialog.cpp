@@ -157,7 +157,8 @@ private slots:
         QCOMPARE(drawnCorners(6), QStringLiteral("top right"));
         QVERIFY(scale->text().startsWith(QLatin1String("Projected scale: 6957.0 km/pixel")));
         QCOMPARE(FakeProgram::runs(curl).size(), 1); // with the session's start
-        QVERIFY(FakeProgram::runs(curl).first().arguments.last().contains(QLatin1String("00:00Z")));
+        QVERIFY(FakeProgram::runs(curl).constFirst().arguments.last().contains(
+            QLatin1String("00:00Z")));
         QCOMPARE(m_stored->contents(), before);
     }
 
