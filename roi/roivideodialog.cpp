@@ -2,16 +2,14 @@
 
 #include "base/plainmessagebox.h"
 #include "base/runtimeconfig.h"
-#include "base/utctext.h"
-#include "imaging/framedecoder.h"
 #include "output/sessionfiles.h"
 #include "roi/roicanvas.h"
+#include "roi/roiencoder.h"
 #include "roi/roiprogressdialog.h"
 #include "ui_roivideodialog.h"
 
 #include <QDir>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QTimer>
@@ -34,19 +32,6 @@ QString sourceRowText(const RoiSource &source)
     return source.nickname + count;
 }
 
-QString frameMetaText(const RoiSourceFrame &frame, const QSize &size)
-{
-    const QString what = frame.actualUtc.isValid() ? UtcText::toOverlayText(frame.actualUtc)
-                                                   : QFileInfo(frame.file).fileName();
-    return QStringLiteral("%1   |   %2 x %3")
-        .arg(what, QString::number(size.width()), QString::number(size.height()));
-}
-
-QString cannotDecodeText(const RoiSourceFrame &frame)
-{
-    return RoiVideoDialog::tr("Cannot decode %1").arg(frame.file);
-}
-
 /// A failure in one line, without the encoder's own words.
 QString summary(const QString &errorText)
 {
@@ -64,13 +49,10 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     m_ui->splitter->setStretchFactor(0, 1);
     m_ui->splitter->setSizes({860, 400}); // in proportion: the canvas takes what there is
-    m_ui->frameView->setFocusProxy(m_ui->frameSlider); // arrow keys step through the frames
-    m_canvas = new RoiCanvas(m_ui->frameView, this);
-    m_canvas->showMessage(tr("Open a session to inspect the captured full frames."));
     connectWidgets();
-    connectCanvas();
+    connectFrames();
     connectRun();
-    showSource(-1);
+    showScaleLine();
     m_ui->browseButton->setFocus();
     const QDir initial(initialSessionDirectory);
     if (!initialSessionDirectory.isEmpty() && initial.exists(SessionFiles::descriptor()))
@@ -106,11 +88,24 @@ void RoiVideoDialog::reject()
     }
 }
 
+void RoiVideoDialog::abandon()
+{
+    m_isAbandoned = true;
+    m_ui->framePanel->endDrawing();
+    m_activity = Activity::Canceling;
+    m_lookup.abort();
+    m_generator.cancel();
+    const QList<QDialog *> open = findChildren<QDialog *>();
+    for (QDialog *dialog : open) // each waits in an event loop above this one
+        dialog->reject();
+    QDialog::reject();
+}
+
 /// The first Esc ends a drawing, the next one closes.
 void RoiVideoDialog::keyPressEvent(QKeyEvent *event)
 {
-    if (event->matches(QKeySequence::Cancel) && m_canvas->isDrawing())
-        endDrawing();
+    if (event->matches(QKeySequence::Cancel) && m_ui->framePanel->canvas().isDrawing())
+        m_ui->framePanel->endDrawing();
     else
         QDialog::keyPressEvent(event);
 }
@@ -139,65 +134,23 @@ void RoiVideoDialog::browse()
 
 void RoiVideoDialog::showSource(int row)
 {
-    const bool known = row >= 0 && row < m_session.sources.size();
-    const int frames = known ? m_session.sources.at(row).frames.size() : 0;
-    const QSignalBlocker quiet(m_ui->frameSlider);
-    m_ui->frameSlider->setEnabled(frames > 1);
-    m_ui->frameSlider->setRange(0, std::max(frames - 1, 0));
-    m_ui->frameSlider->setPageStep(std::max(frames / 10, 1));
-    m_ui->frameSlider->setValue(0);
-    if (known)
-        showFrame(0);
+    if (row >= 0 && row < m_session.sources.size())
+        m_ui->framePanel->showFrames(m_session.sources.at(row).frames);
 }
 
-void RoiVideoDialog::showFrame(int index)
+void RoiVideoDialog::showFrame()
 {
-    endDrawing();
-    const QVector<RoiSourceFrame> &frames = currentSource()->frames;
-    if (frames.isEmpty()) {
-        const QString text = tr("The original PNG frames are not present for this datasource.");
-        m_canvas->showMessage(text);
-        m_ui->frameCounterLabel->setText(QStringLiteral("0 / 0"));
-        m_ui->frameMetaLabel->clear();
-        setStatus(text);
-    } else {
-        const RoiSourceFrame &frame = frames.at(index);
-        const QPixmap picture = QPixmap::fromImage(FrameDecoder::decode(frame.file));
-        if (picture.isNull()) {
-            const QString text = cannotDecodeText(frame);
-            m_canvas->showMessage(text);
-            setStatus(text);
-        } else {
-            m_canvas->showFrame(picture);
-        }
-        m_ui->frameCounterLabel->setText(
-            QStringLiteral("%1 / %2").arg(index + 1).arg(frames.size()));
-        m_ui->frameMetaLabel->setText(frameMetaText(frame, picture.size()));
-    }
-    m_ui->roiBox->setFrameSize(m_canvas->frameSize());
+    m_ui->roiBox->setFrameSize(m_ui->framePanel->image().size());
     drawRegions();
     showScaleLine();
-    if (index == 0)
-        m_canvas->fit();
 }
 
 void RoiVideoDialog::startDrawing()
 {
-    if (!currentSource() || currentSource()->frames.isEmpty()) {
+    if (m_ui->framePanel->hasFrames())
+        m_ui->framePanel->startDrawing();
+    else
         warn(tr("Load a datasource with original PNG frames first."));
-    } else if (m_canvas->frameSize().isEmpty()) {
-        setStatus(cannotDecodeText(currentSource()->frames.at(m_ui->frameSlider->value())));
-    } else {
-        m_canvas->startDrawing();
-        setStatus(tr("Drag a rectangle on the image to define the new ROI."));
-    }
-}
-
-void RoiVideoDialog::endDrawing()
-{
-    if (m_canvas->isDrawing())
-        setStatus(QString()); // it asks for a rectangle
-    m_canvas->cancelDrawing();
 }
 
 void RoiVideoDialog::createRoi(const QRectF &pixels)
@@ -208,12 +161,12 @@ void RoiVideoDialog::createRoi(const QRectF &pixels)
 
 void RoiVideoDialog::drawRegions()
 {
-    m_canvas->showRegions(m_ui->roiBox->pixelRects(), m_ui->roiBox->currentRow());
+    m_ui->framePanel->canvas().showRegions(m_ui->roiBox->pixelRects(), m_ui->roiBox->currentRow());
 }
 
 void RoiVideoDialog::generate()
 {
-    endDrawing();
+    m_ui->framePanel->endDrawing();
     m_ui->roiBox->commitTyped();
     RoiVideoPlan plan = planFromWidgets();
     if (plan.rois.isEmpty()) {
@@ -226,7 +179,13 @@ void RoiVideoDialog::generate()
         warn(tr("No original PNG frames are available for the selected datasource(s)."));
         return;
     }
-    const bool canceled = plan.scaleOverlay && !findScales(plan);
+    QString errorText;
+    if (!RoiEncoder::isPresent(RuntimeConfig::ffmpegPath(),
+                               &errorText)) { // before the service is asked
+        warn(errorText);
+        return;
+    }
+    const bool canceled = plan.overlays.scale && !findScales(plan);
     const auto outcome = canceled ? RoiVideoGenerator::Outcome::Canceled : film(plan);
     enterActivity(Activity::None);
     report(outcome);
@@ -237,7 +196,6 @@ void RoiVideoDialog::connectWidgets()
     connect(m_ui->browseButton, &QPushButton::clicked, this, &RoiVideoDialog::browse);
     connect(m_ui->sourceCombo, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &RoiVideoDialog::showSource);
-    connect(m_ui->frameSlider, &QSlider::valueChanged, this, &RoiVideoDialog::showFrame);
     connect(m_ui->roiBox, &RoiEditor::regionsChanged, this, &RoiVideoDialog::drawRegions);
     connect(m_ui->roiBox, &RoiEditor::drawingRequested, this, &RoiVideoDialog::startDrawing);
     connect(m_ui->roiBox, &RoiEditor::logMessage, this, &RoiVideoDialog::logMessage);
@@ -251,14 +209,12 @@ void RoiVideoDialog::connectRun()
     connect(&m_generator, &RoiVideoGenerator::logMessage, this, &RoiVideoDialog::logMessage);
 }
 
-void RoiVideoDialog::connectCanvas()
+void RoiVideoDialog::connectFrames()
 {
-    connect(m_ui->fitButton, &QPushButton::clicked, m_canvas, &RoiCanvas::fit);
-    connect(m_canvas, &RoiCanvas::rectangleDrawn, this, &RoiVideoDialog::createRoi);
-    connect(m_canvas, &RoiCanvas::rectangleTooSmall, this,
-            [this] { setStatus(tr("ROI creation canceled: rectangle too small.")); });
-    connect(m_canvas, &RoiCanvas::startedOutside, this,
-            [this] { setStatus(tr("Start the ROI selection inside the image.")); });
+    const FramePanel *panel = m_ui->framePanel;
+    connect(panel, &FramePanel::frameChanged, this, &RoiVideoDialog::showFrame);
+    connect(panel, &FramePanel::statusChanged, this, &RoiVideoDialog::setStatus);
+    connect(&panel->canvas(), &RoiCanvas::rectangleDrawn, this, &RoiVideoDialog::createRoi);
 }
 
 void RoiVideoDialog::showSession(const StoredSession &session)
@@ -272,7 +228,7 @@ void RoiVideoDialog::showSession(const StoredSession &session)
         m_ui->sourceCombo->setCurrentIndex(row);
     }
     showSource(row);
-    m_ui->frameSlider->setFocus();
+    m_ui->framePanel->focusSlider();
     setStatus(tr("Session loaded: %1 datasource(s), %2 with original PNG frames.")
                   .arg(m_session.sources.size())
                   .arg(m_session.sourcesWithFrames()));
@@ -289,10 +245,7 @@ void RoiVideoDialog::fillWidgets()
             m_ui->sourceCombo->addItem(sourceRowText(source));
     }
     m_ui->sessionEdit->setText(QDir::toNativeSeparators(m_session.directory));
-    m_ui->fpsSpin->setValue(m_session.videoFps);
-    m_ui->crfSpin->setValue(m_session.videoCrf);
-    m_ui->sourceOverlayCheck->setChecked(m_session.sourceOverlay);
-    m_ui->scaleOverlayCheck->setChecked(m_session.scaleOverlay);
+    m_ui->outputBox->preset(m_session);
 }
 
 /// Who opens the dialog listens to its log from then on.
@@ -307,15 +260,16 @@ void RoiVideoDialog::sendRemarks()
 
 void RoiVideoDialog::showScaleLine()
 {
-    const RoiSource *source = currentSource();
-    const int widthPx = m_canvas->frameSize().width();
-    if (!source || widthPx < 1) {
-        m_ui->scaleLabel->setText(ScaleLookup::lineText(0, {}));
-        return;
-    }
-    const QJsonObject &own = source->frames.at(m_ui->frameSlider->value()).metadata;
-    m_ui->scaleLabel->setText(
-        ScaleLookup::lineText(widthPx, ScaleLookup::isUsable(own) ? own : m_lookup.known(*source)));
+    const int widthPx = m_ui->framePanel->image().width();
+    const QJsonObject metadata = widthPx > 0 ? frameMetadata() : QJsonObject();
+    m_ui->outputBox->showScaleLine(ScaleLookup::lineText(widthPx, metadata));
+}
+
+/// Of the frame that is shown, or of its datasource.
+QJsonObject RoiVideoDialog::frameMetadata() const
+{
+    const QJsonObject &own = m_ui->framePanel->frame().metadata;
+    return ScaleLookup::isUsable(own) || !currentSource() ? own : m_lookup.known(*currentSource());
 }
 
 /// Null while no session is loaded.
@@ -331,7 +285,7 @@ RoiVideoPlan RoiVideoDialog::planFromWidgets() const
     plan.sessionDirectory = m_session.directory;
     for (int row = 0; row < m_session.sources.size(); ++row) {
         const bool chosen =
-            m_ui->allSourcesCheck->isChecked() || row == m_ui->sourceCombo->currentIndex();
+            m_ui->outputBox->allSources() || row == m_ui->sourceCombo->currentIndex();
         if (chosen && !m_session.sources.at(row).frames.isEmpty())
             plan.sources.append({m_session.sources.at(row), {}});
     }
@@ -340,13 +294,7 @@ RoiVideoPlan RoiVideoDialog::planFromWidgets() const
         if (rois.at(row).enabled)
             plan.rois.append({row + 1, rois.at(row)});
     }
-    plan.fps = m_ui->fpsSpin->value();
-    plan.crf = m_ui->crfSpin->value();
-    plan.timestampOverlay = m_ui->timestampCheck->isChecked();
-    plan.sourceOverlay = m_ui->sourceOverlayCheck->isChecked();
-    plan.scaleOverlay = m_ui->scaleOverlayCheck->isChecked();
-    plan.intro = m_ui->introCheck->isChecked();
-    plan.introSeconds = m_ui->zoomDurationSpin->value();
+    m_ui->outputBox->fill(plan);
     return plan;
 }
 
@@ -354,6 +302,8 @@ RoiVideoPlan RoiVideoDialog::planFromWidgets() const
 bool RoiVideoDialog::findScales(RoiVideoPlan &plan)
 {
     enterActivity(Activity::LookingUp);
+    const RoiProgressDialog progress(m_lookup, this);
+    connect(&progress, &RoiProgressDialog::canceled, this, &RoiVideoDialog::reject);
     for (RoiFilmSource &filmed : plan.sources) {
         if (m_activity == Activity::LookingUp)
             filmed.scaleMetadata = m_lookup.ensure(filmed.source, m_session.startUtc);
@@ -366,6 +316,7 @@ RoiVideoGenerator::Outcome RoiVideoDialog::film(const RoiVideoPlan &plan)
 {
     enterActivity(Activity::Filming);
     RoiProgressDialog progress(m_generator, plan.totalFrames(), this);
+    connect(&progress, &RoiProgressDialog::canceled, this, &RoiVideoDialog::reject);
     progress.show();
     return m_generator.run(plan);
 }
@@ -410,10 +361,16 @@ void RoiVideoDialog::setStatus(const QString &text)
 
 void RoiVideoDialog::warn(const QString &text)
 {
-    PlainMessageBox::show(this, QMessageBox::Warning, boxTitle(), text);
+    showBox(QMessageBox::Warning, text);
 }
 
 void RoiVideoDialog::inform(const QString &text)
 {
-    PlainMessageBox::show(this, QMessageBox::Information, boxTitle(), text);
+    showBox(QMessageBox::Information, text);
+}
+
+void RoiVideoDialog::showBox(QMessageBox::Icon icon, const QString &text)
+{
+    if (!m_isAbandoned)
+        PlainMessageBox::show(this, icon, boxTitle(), text);
 }

@@ -5,11 +5,9 @@
 #include "roi/scalelookup.h"
 
 #include <QDialog>
+#include <QMessageBox>
 
 #include <memory>
-#include <optional>
-
-class RoiCanvas;
 
 namespace Ui {
 class RoiVideoDialog;
@@ -36,6 +34,9 @@ public slots:
     /// Ends a run that is under way; without one closes the dialog, unless the user would rather
     /// keep regions that are not saved.
     void reject() override;
+    /// Closes without a question, for a program that has to end: a run is canceled, what it has not
+    /// finished is gone, and what is not saved is lost.
+    void abandon();
 
 signals:
     /// A line for the log; those about a session wait until the dialog is shown.
@@ -48,9 +49,8 @@ protected:
 private slots:
     void browse();
     void showSource(int row);
-    void showFrame(int index);
+    void showFrame();
     void startDrawing();
-    void endDrawing();
     void createRoi(const QRectF &pixels);
     void drawRegions();
     void generate();
@@ -60,13 +60,14 @@ private:
     enum class Activity { None, LookingUp, Filming, Canceling };
 
     void connectWidgets();
-    void connectCanvas();
+    void connectFrames();
     void connectRun();
     void showSession(const StoredSession &session);
     void fillWidgets();
     void sendRemarks();
     void showScaleLine();
     const RoiSource *currentSource() const;
+    QJsonObject frameMetadata() const;
     RoiVideoPlan planFromWidgets() const;
     bool findScales(RoiVideoPlan &plan);
     RoiVideoGenerator::Outcome film(const RoiVideoPlan &plan);
@@ -75,12 +76,13 @@ private:
     void setStatus(const QString &text);
     void warn(const QString &text);
     void inform(const QString &text);
+    void showBox(QMessageBox::Icon icon, const QString &text);
 
     std::unique_ptr<Ui::RoiVideoDialog> m_ui;
-    RoiCanvas *m_canvas; // owned as a child
     ScaleLookup m_lookup;
     RoiVideoGenerator m_generator;
     StoredSession m_session;
     QString m_initialError;
     Activity m_activity = Activity::None;
+    bool m_isAbandoned = false;
 };

@@ -469,6 +469,7 @@ void MainWindow::createRoiVideo()
     const QString newest = OutputSearch::newestSession(outputRoot);
     RoiVideoDialog dialog(newest.isEmpty() ? outputRoot : newest, this);
     connect(&dialog, &RoiVideoDialog::logMessage, m_log, &LogView::append);
+    connect(this, &MainWindow::shuttingDown, &dialog, &RoiVideoDialog::abandon);
     dialog.exec();
 }
 
@@ -487,6 +488,7 @@ void MainWindow::showLicense()
 
 void MainWindow::shutDown()
 {
+    emit shuttingDown();
     m_controller->stop();
     close();
 }

@@ -36,6 +36,10 @@ public slots:
     /// Ends what runs as a Stop does, asks nothing, and closes the window.
     void shutDown();
 
+signals:
+    /// Windows that are open above this one have to close without a question.
+    void shuttingDown();
+
 protected:
     void closeEvent(QCloseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;

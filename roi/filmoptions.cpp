@@ -1,0 +1,44 @@
+#include "roi/filmoptions.h"
+
+#include "ui_filmoptions.h"
+
+FilmOptions::FilmOptions(QWidget *parent)
+    : QGroupBox(parent), m_ui(std::make_unique<Ui::FilmOptions>())
+{
+    m_ui->setupUi(this);
+}
+
+FilmOptions::~FilmOptions() = default;
+
+RoiOverlays FilmOptions::overlays() const
+{
+    return {m_ui->timestampCheck->isChecked(), m_ui->sourceOverlayCheck->isChecked(),
+            m_ui->scaleOverlayCheck->isChecked()};
+}
+
+bool FilmOptions::allSources() const
+{
+    return m_ui->allSourcesCheck->isChecked();
+}
+
+void FilmOptions::fill(RoiVideoPlan &plan) const
+{
+    plan.fps = m_ui->fpsSpin->value();
+    plan.crf = m_ui->crfSpin->value();
+    plan.overlays = overlays();
+    plan.intro = m_ui->introCheck->isChecked();
+    plan.introSeconds = m_ui->zoomDurationSpin->value();
+}
+
+void FilmOptions::preset(const StoredSession &session)
+{
+    m_ui->fpsSpin->setValue(session.videoFps);
+    m_ui->crfSpin->setValue(session.videoCrf);
+    m_ui->sourceOverlayCheck->setChecked(session.sourceOverlay);
+    m_ui->scaleOverlayCheck->setChecked(session.scaleOverlay);
+}
+
+void FilmOptions::showScaleLine(const QString &text)
+{
+    m_ui->scaleLabel->setText(text);
+}

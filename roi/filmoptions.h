@@ -1,0 +1,33 @@
+#pragma once
+
+#include "roi/roivideoplan.h"
+
+#include <QGroupBox>
+
+#include <memory>
+
+namespace Ui {
+class FilmOptions;
+}
+
+/// How films shall be encoded and annotated, and of which datasources they are made.
+class FilmOptions final : public QGroupBox
+{
+    Q_OBJECT
+
+public:
+    explicit FilmOptions(QWidget *parent = nullptr);
+    ~FilmOptions() override;
+
+    RoiOverlays overlays() const;
+    bool allSources() const; ///< rather than the current one
+    /// Puts all choices but the datasources into @p plan.
+    void fill(RoiVideoPlan &plan) const;
+
+    /// Presets what a session has stored.
+    void preset(const StoredSession &session);
+    void showScaleLine(const QString &text);
+
+private:
+    std::unique_ptr<Ui::FilmOptions> m_ui;
+};
