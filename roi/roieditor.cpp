@@ -63,13 +63,14 @@ int RoiEditor::currentRow() const
     return m_ui->roiList->currentRow();
 }
 
-QVector<QRect> RoiEditor::pixelRects() const
+QVector<RegionMark> RoiEditor::marks() const
 {
-    QVector<QRect> rects;
-    rects.reserve(m_rois.size());
+    QVector<RegionMark> marks;
+    marks.reserve(m_rois.size());
     for (const Roi &roi : m_rois)
-        rects.append(RoiGeometry::pixelRect(roi.rect, m_frameSize));
-    return rects;
+        marks.append({RoiGeometry::pixelRect(roi.rect, m_frameSize),
+                      RegionMarks::nameOf(marks.size() + 1, roi.name, roi.enabled)});
+    return marks;
 }
 
 void RoiEditor::load(const QString &sessionDirectory)
@@ -127,6 +128,32 @@ QString RoiEditor::add(const QRectF &pixels)
     m_ui->roiList->addItem(makeItem(roi));
     m_ui->roiList->setCurrentRow(m_rois.size() - 1);
     return roi.name;
+}
+
+void RoiEditor::pick(int row)
+{
+    m_ui->roiList->setCurrentRow(row);
+}
+
+void RoiEditor::dragTo(const QRect &pixels)
+{
+    Roi *roi = currentRoi();
+    if (!roi)
+        return;
+    if (!m_beforeDrag)
+        m_beforeDrag = roi->rect;
+    roi->rect = RoiGeometry::coveringPixels(*m_beforeDrag, pixels, m_frameSize);
+    onCurrentRowChanged();
+}
+
+void RoiEditor::endDrag(bool kept)
+{
+    const std::optional<QRectF> before = std::exchange(m_beforeDrag, std::nullopt);
+    Roi *roi = currentRoi();
+    if (kept || !before || !roi)
+        return;
+    roi->rect = *before;
+    onCurrentRowChanged();
 }
 
 void RoiEditor::commitTyped()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "roi/regionmarks.h"
 #include "roi/roiset.h"
 
 #include <QGroupBox>
@@ -7,6 +8,7 @@
 #include <QVector>
 
 #include <memory>
+#include <optional>
 
 class QListWidgetItem;
 class QSpinBox;
@@ -32,7 +34,7 @@ public:
     const QVector<Roi> &rois() const { return m_rois; }
     int currentRow() const; ///< -1 when no region is selected
     /// What the regions cover of the frame, in the order of the list; empty without a frame.
-    QVector<QRect> pixelRects() const;
+    QVector<RegionMark> marks() const;
 
     /// Takes over the regions that are stored in a session.
     void load(const QString &sessionDirectory);
@@ -46,6 +48,11 @@ public:
     /// Appends a region over @p pixels of the frame, which becomes the current one.
     /// @return its name
     QString add(const QRectF &pixels);
+    /// Makes a region the current one.
+    void pick(int row);
+    /// Lets the current region cover @p pixels of the frame, until endDrag() says for good or not.
+    void dragTo(const QRect &pixels);
+    void endDrag(bool kept);
     /// Takes over a number that is still being typed.
     void commitTyped();
 
@@ -74,8 +81,9 @@ private:
     Roi *currentRoi();
 
     std::unique_ptr<Ui::RoiEditor> m_ui;
-    QString m_sessionDirectory; // empty until one is loaded
-    QVector<Roi> m_rois;        // row for row what the list shows, ticks included
-    QVector<Roi> m_storedRois;  // as rois.json has them
+    QString m_sessionDirectory;         // empty until one is loaded
+    QVector<Roi> m_rois;                // row for row what the list shows, ticks included
+    QVector<Roi> m_storedRois;          // as rois.json has them
+    std::optional<QRectF> m_beforeDrag; // the current region, while it is dragged
     QSize m_frameSize;
 };

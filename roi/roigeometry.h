@@ -20,6 +20,14 @@ QRect pixelRect(const QRectF &normalized, const QSize &frame);
 /// Pixels as fractions of a frame that is not empty.
 QRectF normalizedRect(const QRectF &pixels, const QSize &frame);
 
+/**
+ * @p normalized, changed so that it covers @p pixels of a frame that is not empty.
+ *
+ * Sides that are there already stay as they are: what they hold beyond whole pixels, or beyond this
+ * frame's edge, stays for frames of other sizes.
+ */
+QRectF coveringPixels(const QRectF &normalized, const QRect &pixels, const QSize &frame);
+
 /// The part of @p stored degrees that turns a picture: 0, 90, 180 or 270; 0 for anything between.
 int reducedRotation(int stored);
 

@@ -101,13 +101,16 @@ void RoiVideoDialog::abandon()
     QDialog::reject();
 }
 
-/// The first Esc ends a drawing, the next one closes.
+/// The first Esc ends a drawing or takes a drag back, the next one closes.
 void RoiVideoDialog::keyPressEvent(QKeyEvent *event)
 {
-    if (event->matches(QKeySequence::Cancel) && m_ui->framePanel->canvas().isDrawing())
-        m_ui->framePanel->endDrawing();
-    else
+    RoiCanvas &canvas = m_ui->framePanel->canvas();
+    if (!event->matches(QKeySequence::Cancel) || !(canvas.isDrawing() || canvas.isDragging())) {
         QDialog::keyPressEvent(event);
+        return;
+    }
+    m_ui->framePanel->endDrawing();
+    canvas.cancelDrag();
 }
 
 void RoiVideoDialog::showEvent(QShowEvent *event)
@@ -161,7 +164,7 @@ void RoiVideoDialog::createRoi(const QRectF &pixels)
 
 void RoiVideoDialog::drawRegions()
 {
-    m_ui->framePanel->canvas().showRegions(m_ui->roiBox->pixelRects(), m_ui->roiBox->currentRow());
+    m_ui->framePanel->canvas().showRegions(m_ui->roiBox->marks(), m_ui->roiBox->currentRow());
 }
 
 void RoiVideoDialog::generate()
@@ -214,7 +217,11 @@ void RoiVideoDialog::connectFrames()
     const FramePanel *panel = m_ui->framePanel;
     connect(panel, &FramePanel::frameChanged, this, &RoiVideoDialog::showFrame);
     connect(panel, &FramePanel::statusChanged, this, &RoiVideoDialog::setStatus);
-    connect(&panel->canvas(), &RoiCanvas::rectangleDrawn, this, &RoiVideoDialog::createRoi);
+    const RoiCanvas *canvas = &panel->canvas();
+    connect(canvas, &RoiCanvas::rectangleDrawn, this, &RoiVideoDialog::createRoi);
+    connect(canvas, &RoiCanvas::regionPicked, m_ui->roiBox, &RoiEditor::pick);
+    connect(canvas, &RoiCanvas::regionDragged, m_ui->roiBox, &RoiEditor::dragTo);
+    connect(canvas, &RoiCanvas::dragEnded, m_ui->roiBox, &RoiEditor::endDrag);
 }
 
 void RoiVideoDialog::showSession(const StoredSession &session)
