@@ -5,7 +5,9 @@
 #include "roi/roicanvas.h"
 #include "ui_framepanel.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -30,7 +32,7 @@ QString cannotDecodeText(const RoiSourceFrame &frame)
 FramePanel::FramePanel(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<Ui::FramePanel>())
 {
     m_ui->setupUi(this);
-    m_ui->frameView->setFocusProxy(m_ui->frameSlider); // arrow keys step through the frames
+    m_ui->frameView->installEventFilter(this);
     m_ui->frameSlider->setEnabled(false);
     m_canvas = new RoiCanvas(m_ui->frameView, this);
     m_canvas->showMessage(tr("Open a session to inspect the captured full frames."));
@@ -65,6 +67,7 @@ void FramePanel::startDrawing()
         return;
     }
     m_canvas->startDrawing();
+    m_ui->frameView->setFocus(); // Return draws half of the frame
     emit statusChanged(tr("Drag a rectangle on the image to define the new ROI."));
 }
 
@@ -79,6 +82,32 @@ void FramePanel::endDrawing()
         return;
     m_canvas->cancelDrawing();
     emit statusChanged(QString()); // it asks for a rectangle
+}
+
+/// Keys of the canvas: where the view would scroll they step through the frames.
+bool FramePanel::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return QWidget::eventFilter(watched, event);
+    switch (static_cast<QKeyEvent *>(event)->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (!m_canvas->isDrawing())
+            return false;
+        m_canvas->drawMiddle();
+        return true;
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+        return QCoreApplication::sendEvent(m_ui->frameSlider, event);
+    default:
+        return false;
+    }
 }
 
 void FramePanel::wantFrame(int index)

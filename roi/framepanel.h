@@ -51,6 +51,9 @@ signals:
     /// A sentence for the status line; empty when the last one no longer holds.
     void statusChanged(const QString &text);
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void wantFrame(int index);
     void showWanted();

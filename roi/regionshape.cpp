@@ -29,9 +29,8 @@ int limited(int value, int lowest, int highest)
 /// The largest size of a proportion in @p room whose width does not exceed @p width.
 QSize shaped(double width, const QSize &room, double proportion)
 {
-    const double widest =
-        std::min({width, double(room.width()), std::max(room.height(), 2) * proportion});
-    const int even = evenDown(widest);
+    const double widest = std::min(double(room.width()), room.height() * proportion);
+    const int even = std::min(evenNearest(width), evenDown(widest));
     return {even, std::min(evenNearest(even / proportion), evenDown(room.height()))};
 }
 

@@ -82,6 +82,12 @@ void RoiCanvas::cancelDrawing()
     m_view->setDragMode(QGraphicsView::ScrollHandDrag);
 }
 
+void RoiCanvas::drawMiddle()
+{
+    cancelDrawing();
+    emit rectangleDrawn(RegionShape::middle(m_scene.frameSize(), m_proportion));
+}
+
 void RoiCanvas::cancelDrag()
 {
     endDrag(false);

@@ -42,6 +42,8 @@ public:
     void startDrawing();
     /// Lets drags pan again; a rectangle that is being drawn is dropped without a signal.
     void cancelDrawing();
+    /// Draws half of the frame, in its middle, as if by a drag.
+    void drawMiddle();
     /// Takes back what a drag has done to the current region; nothing happens without one.
     void cancelDrag();
 
@@ -50,7 +52,7 @@ public slots:
     void fit();
 
 signals:
-    /// A drag of at least 2 x 2 pixels ended; @p pixels lies inside the frame.
+    /// A rectangle of at least 2 x 2 pixels is drawn; @p pixels lies inside the frame.
     void rectangleDrawn(const QRectF &pixels);
     /// The drag ended smaller than that; nothing is to be created.
     void rectangleTooSmall();

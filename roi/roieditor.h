@@ -1,15 +1,17 @@
 #pragma once
 
+#include "roi/regionhistory.h"
 #include "roi/regionmarks.h"
-#include "roi/roiset.h"
 
 #include <QGroupBox>
 #include <QSize>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
+class QAction;
 class QListWidgetItem;
 class QSpinBox;
 
@@ -53,7 +55,7 @@ public:
     /// Lets the current region cover @p pixels of the frame, until endDrag() says for good or not.
     void dragTo(const QRect &pixels);
     void endDrag(bool kept);
-    /// Takes over a number that is still being typed.
+    /// Takes over what is still being typed.
     void commitTyped();
 
 signals:
@@ -61,29 +63,49 @@ signals:
     void regionsChanged();
     /// The user wants to draw a region.
     void drawingRequested();
+    /// New regions, and those that are resized, shall have this proportion; 0 for any.
+    void proportionChanged(double proportion);
     /// A line for the log.
     void logMessage(const QString &text);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void onCurrentRowChanged();
     void onItemChanged(QListWidgetItem *item);
     void onNameEdited(const QString &name);
     void onRotationChosen(int index);
+    void shapeChosen(int index);
+    void renameCurrent();
+    void copyCurrent();
     void deleteCurrent();
+    void undo();
+    void redo();
     void storeAndSaySo();
 
+    void connectWidgets();
+    void addActions();
     void connectGeometry(QSpinBox *field, void (QRectF::*change)(qreal),
                          int (QSize::*frameSide)() const);
+    void append(const QString &step, const Roi &roi);
+    void changeCurrent(const QString &step, const std::function<void(Roi &)> &change,
+                       const QWidget *field = nullptr);
+    RegionState state() const;
+    void showState(const RegionState &state);
     void showFields();
     void showGeometry(const QRect &pixels);
     void clearGeometry();
     QVector<QSpinBox *> geometryFields() const;
-    Roi *currentRoi();
+    QVector<const QWidget *> typedFields() const;
+    const Roi *currentRoi() const;
 
     std::unique_ptr<Ui::RoiEditor> m_ui;
-    QString m_sessionDirectory;         // empty until one is loaded
-    QVector<Roi> m_rois;                // row for row what the list shows, ticks included
-    QVector<Roi> m_storedRois;          // as rois.json has them
-    std::optional<QRectF> m_beforeDrag; // the current region, while it is dragged
+    QString m_sessionDirectory;              // empty until one is loaded
+    QVector<Roi> m_rois;                     // row for row what the list shows, ticks included
+    QVector<Roi> m_storedRois;               // as rois.json has them
+    std::optional<RegionState> m_beforeDrag; // while the current region is dragged
+    RegionHistory m_history;
+    QVector<QAction *> m_needRegion; // owned as children
     QSize m_frameSize;
 };

@@ -21,6 +21,9 @@ bool operator==(const Roi &one, const Roi &other);
 /// The regions of one session, and the file rois.json that holds them.
 namespace RoiSet {
 
+/// Characters in the longest name that can be typed; a stored one may have more.
+constexpr int maxNameLength = 80;
+
 /// The name that a region gets in a set that holds @p count of them so far.
 QString defaultName(int count);
 

@@ -59,7 +59,11 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
         loadSession(initialSessionDirectory, &m_initialError);
 }
 
-RoiVideoDialog::~RoiVideoDialog() = default;
+RoiVideoDialog::~RoiVideoDialog()
+{
+    m_ui->roiBox->disconnect(this); // a name that is still edited in the list is taken over as the
+                                    // window goes
+}
 
 bool RoiVideoDialog::loadSession(const QString &directory, QString *errorText)
 {
@@ -201,6 +205,8 @@ void RoiVideoDialog::connectWidgets()
             &RoiVideoDialog::showSource);
     connect(m_ui->roiBox, &RoiEditor::regionsChanged, this, &RoiVideoDialog::drawRegions);
     connect(m_ui->roiBox, &RoiEditor::drawingRequested, this, &RoiVideoDialog::startDrawing);
+    connect(m_ui->roiBox, &RoiEditor::proportionChanged, &m_ui->framePanel->canvas(),
+            &RoiCanvas::setProportion);
     connect(m_ui->roiBox, &RoiEditor::logMessage, this, &RoiVideoDialog::logMessage);
     connect(m_ui->generateButton, &QPushButton::clicked, this, &RoiVideoDialog::generate);
 }

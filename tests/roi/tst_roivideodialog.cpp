@@ -78,6 +78,49 @@ private slots:
         QCOMPARE(intervals, QStringLiteral("0-254 0-190 2-256 2-192 1-120 0-51 "));
     }
 
+    void regionsAreWorkedOnThePicture()
+    {
+        drawTwo();
+        const auto press = [this](Qt::Key key) { // on whatever field has the focus
+            QTest::keyClick(m_dialog->focusWidget(), key, Qt::ControlModifier);
+            return geometry();
+        };
+        QTest::mouseClick(view()->viewport(), Qt::LeftButton, {}, view()->mapFromScene(64, 99));
+        QCOMPARE(list()->currentRow(), 0);
+        drag({192, 144}, {207, 300}); // the corner, beyond the frame and at an odd width
+        QCOMPARE(geometry(), QRect(64, 48, 142, 144));
+        drag({64, 100}, {90, 100}, Qt::Key_Escape);
+        QCOMPARE(geometry(), QRect(64, 48, 142, 144));
+        drag({70, 40}, {300, 50}); // the name
+        QCOMPARE(geometry(), QRect(114, 48, 142, 144));
+        find<QComboBox>("shapeCombo")->setCurrentIndex(3);
+        drag({185, 48}, {185, 100}); // of a side, 16:9 as far as the frame goes
+        QCOMPARE(geometry(), QRect(92, 100, 164, 92));
+        click("newRoiButton");
+        QVERIFY(view()->hasFocus());
+        QTest::keyClick(m_dialog->focusWidget(), Qt::Key_Return);
+        QCOMPARE(geometry(), QRect(64, 60, 128, 72));
+        QCOMPARE(press(Qt::Key_D), QRect(64, 60, 128, 72));
+        QTest::keyClick(list(), Qt::Key_F2);
+        QTest::keyClicks(list()->findChild<QLineEdit *>(), QString(90, QLatin1Char('n')));
+        QTest::keyClick(list()->findChild<QLineEdit *>(), Qt::Key_Return);
+        QTRY_COMPARE(list()->currentItem()->text(), QString(80, QLatin1Char('n')));
+        find<QComboBox>("rotationCombo")->setCurrentIndex(1);
+        spin("xSpin")->setFocus();
+        for (int step = 0; step < 3; ++step)
+            QTest::keyClick(spin("xSpin"), Qt::Key_Up);
+        QCOMPARE(press(Qt::Key_Z), QRect(64, 60, 128, 72)); // three spins are one step
+        QCOMPARE(press(Qt::Key_Y), QRect(67, 60, 128, 72));
+        for (int step = 0; step < 3; ++step) // and the turn, and the name
+            press(Qt::Key_Z);
+        QCOMPARE(find<QComboBox>("rotationCombo")->currentIndex(), 0);
+        QCOMPARE(list()->currentItem()->text(), QStringLiteral("ROI 3 copy"));
+        for (int step = 0; step < 3; ++step) // and the copy, the third region, the side
+            press(Qt::Key_Z);
+        QCOMPARE(list()->count(), 2);
+        QCOMPARE(geometry(), QRect(114, 48, 142, 144));
+    }
+
     void editsAreNotLostUnsaved()
     {
         drawTwo();
