@@ -6,6 +6,14 @@ FilmOptions::FilmOptions(QWidget *parent)
     : QGroupBox(parent), m_ui(std::make_unique<Ui::FilmOptions>())
 {
     m_ui->setupUi(this);
+    for (const QSpinBox *spin : {m_ui->fpsSpin, m_ui->crfSpin})
+        connect(spin, qOverload<int>(&QSpinBox::valueChanged), this, &FilmOptions::changed);
+    for (const QCheckBox *check :
+         {m_ui->timestampCheck, m_ui->sourceOverlayCheck, m_ui->scaleOverlayCheck, m_ui->introCheck,
+          m_ui->allSourcesCheck})
+        connect(check, &QCheckBox::toggled, this, &FilmOptions::changed);
+    connect(m_ui->zoomDurationSpin, qOverload<double>(&QDoubleSpinBox::valueChanged), this,
+            &FilmOptions::changed);
 }
 
 FilmOptions::~FilmOptions() = default;

@@ -28,6 +28,10 @@ public:
     void preset(const StoredSession &session);
     void showScaleLine(const QString &text);
 
+signals:
+    /// A choice is another one; sent for each.
+    void changed();
+
 private:
     std::unique_ptr<Ui::FilmOptions> m_ui;
 };

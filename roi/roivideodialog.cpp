@@ -47,12 +47,13 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
     m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setWindowFlag(Qt::WindowMaximizeButtonHint);
-    m_ui->splitter->setStretchFactor(0, 1);
-    m_ui->splitter->setSizes({860, 400}); // in proportion: the canvas takes what there is
+    m_ui->splitter->setStretchFactor(0, 2); // the pictures take what there is
+    m_ui->splitter->setStretchFactor(1, 1);
+    m_ui->splitter->setSizes({620, 300, 400}); // in proportion
     connectWidgets();
     connectFrames();
     connectRun();
-    showScaleLine();
+    showFrame();
     m_ui->browseButton->setFocus();
     const QDir initial(initialSessionDirectory);
     if (!initialSessionDirectory.isEmpty() && initial.exists(SessionFiles::descriptor()))
@@ -169,6 +170,29 @@ void RoiVideoDialog::createRoi(const QRectF &pixels)
 void RoiVideoDialog::drawRegions()
 {
     m_ui->framePanel->canvas().showRegions(m_ui->roiBox->marks(), m_ui->roiBox->currentRow());
+    showResult();
+}
+
+/// What the current region makes of the frame; the image is decoded once, for the canvas.
+void RoiVideoDialog::showResult()
+{
+    const FramePanel &panel = *m_ui->framePanel;
+    const int row = m_ui->roiBox->currentRow();
+    if (panel.image().isNull() || row < 0) {
+        m_ui->resultBox->showMessage(
+            panel.image().isNull() ? QString()
+                                   : tr("Draw or select a region to see what its film will show."));
+        return;
+    }
+    RoiVideoPlan plan;
+    m_ui->outputBox->fill(plan);
+    const int pictures = currentSource()->frames.size() + plan.introFrames();
+    const QString caption =
+        tr("%1 frames, %2 s")
+            .arg(QString::number(pictures), QString::number(double(pictures) / plan.fps, 'f', 1));
+    const RoiLook look{plan.overlays, currentSource()->nickname, sourceMetadata()};
+    m_ui->resultBox->showSubject(
+        {panel.image(), panel.frame(), m_ui->roiBox->rois().at(row), look, caption});
 }
 
 void RoiVideoDialog::generate()
@@ -208,6 +232,7 @@ void RoiVideoDialog::connectWidgets()
     connect(m_ui->roiBox, &RoiEditor::proportionChanged, &m_ui->framePanel->canvas(),
             &RoiCanvas::setProportion);
     connect(m_ui->roiBox, &RoiEditor::logMessage, this, &RoiVideoDialog::logMessage);
+    connect(m_ui->outputBox, &FilmOptions::changed, this, &RoiVideoDialog::showResult);
     connect(m_ui->generateButton, &QPushButton::clicked, this, &RoiVideoDialog::generate);
 }
 
@@ -233,6 +258,7 @@ void RoiVideoDialog::connectFrames()
 void RoiVideoDialog::showSession(const StoredSession &session)
 {
     m_session = session;
+    learnScales();
     m_ui->roiBox->load(m_session.directory);
     fillWidgets();
     const int row = m_session.firstWithFrames();
@@ -282,7 +308,20 @@ void RoiVideoDialog::showScaleLine()
 QJsonObject RoiVideoDialog::frameMetadata() const
 {
     const QJsonObject &own = m_ui->framePanel->frame().metadata;
-    return ScaleLookup::isUsable(own) || !currentSource() ? own : m_lookup.known(*currentSource());
+    return ScaleLookup::isUsable(own) ? own : sourceMetadata();
+}
+
+QJsonObject RoiVideoDialog::sourceMetadata() const
+{
+    return m_scales.value(m_ui->sourceCombo->currentIndex());
+}
+
+/// Looked for once per session: it may take a look at every frame.
+void RoiVideoDialog::learnScales()
+{
+    m_scales.clear();
+    for (const RoiSource &source : std::as_const(m_session.sources))
+        m_scales.append(m_lookup.known(source));
 }
 
 /// Null while no session is loaded.
@@ -321,7 +360,9 @@ bool RoiVideoDialog::findScales(RoiVideoPlan &plan)
         if (m_activity == Activity::LookingUp)
             filmed.scaleMetadata = m_lookup.ensure(filmed.source, m_session.startUtc);
     }
+    learnScales();
     showScaleLine();
+    showResult();
     return m_activity == Activity::LookingUp;
 }
 

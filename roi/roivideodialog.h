@@ -53,6 +53,7 @@ private slots:
     void startDrawing();
     void createRoi(const QRectF &pixels);
     void drawRegions();
+    void showResult();
     void generate();
 
 private:
@@ -68,6 +69,8 @@ private:
     void showScaleLine();
     const RoiSource *currentSource() const;
     QJsonObject frameMetadata() const;
+    QJsonObject sourceMetadata() const;
+    void learnScales();
     RoiVideoPlan planFromWidgets() const;
     bool findScales(RoiVideoPlan &plan);
     RoiVideoGenerator::Outcome film(const RoiVideoPlan &plan);
@@ -82,6 +85,7 @@ private:
     ScaleLookup m_lookup;
     RoiVideoGenerator m_generator;
     StoredSession m_session;
+    QVector<QJsonObject> m_scales; // what is known of its datasources
     QString m_initialError;
     Activity m_activity = Activity::None;
     bool m_isAbandoned = false;
