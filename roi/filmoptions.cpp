@@ -50,3 +50,9 @@ void FilmOptions::showScaleLine(const QString &text)
 {
     m_ui->scaleLabel->setText(text);
 }
+
+void FilmOptions::showScaleWarning(const QString &text)
+{
+    m_ui->scaleWarningLabel->setText(text);
+    m_ui->scaleWarningLabel->setVisible(!text.isEmpty());
+}

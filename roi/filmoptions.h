@@ -27,6 +27,8 @@ public:
     /// Presets what a session has stored.
     void preset(const StoredSession &session);
     void showScaleLine(const QString &text);
+    /// Warns of what the chosen datasources do not have in common; hidden when empty.
+    void showScaleWarning(const QString &text);
 
 signals:
     /// A choice is another one; sent for each.

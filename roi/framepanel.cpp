@@ -3,6 +3,7 @@
 #include "base/utctext.h"
 #include "imaging/framedecoder.h"
 #include "roi/roicanvas.h"
+#include "roi/solarposition.h"
 #include "ui_framepanel.h"
 
 #include <QCoreApplication>
@@ -33,6 +34,8 @@ FramePanel::FramePanel(QWidget *parent) : QWidget(parent), m_ui(std::make_unique
 {
     m_ui->setupUi(this);
     m_ui->frameView->installEventFilter(this);
+    for (QLabel *line : {m_ui->cursorLabel, m_ui->regionLabel}) // the canvas keeps its size
+        line->setMinimumHeight(line->fontMetrics().lineSpacing());
     m_ui->frameSlider->setEnabled(false);
     m_canvas = new RoiCanvas(m_ui->frameView, this);
     m_canvas->showMessage(tr("Open a session to inspect the captured full frames."));
@@ -44,6 +47,12 @@ FramePanel::FramePanel(QWidget *parent) : QWidget(parent), m_ui(std::make_unique
 }
 
 FramePanel::~FramePanel() = default;
+
+void FramePanel::clear()
+{
+    m_frames.clear();
+    showNone({});
+}
 
 void FramePanel::showFrames(const QVector<RoiSourceFrame> &frames)
 {
@@ -57,7 +66,12 @@ void FramePanel::showFrames(const QVector<RoiSourceFrame> &frames)
     if (count > 0)
         wantFrame(0);
     else
-        showNone();
+        showNone(tr("The original PNG frames are not present for this datasource."));
+}
+
+void FramePanel::showRegionSize(const QString &text)
+{
+    m_ui->regionLabel->setText(text);
 }
 
 void FramePanel::startDrawing()
@@ -134,22 +148,32 @@ void FramePanel::showWanted()
         m_canvas->fit();
 }
 
-void FramePanel::showNone()
+void FramePanel::showNone(const QString &text)
 {
     endDrawing();
     m_decoding.stop();
     m_frame = {};
     m_image = {};
-    const QString text = tr("The original PNG frames are not present for this datasource.");
     m_canvas->showMessage(text);
     m_ui->frameCounterLabel->setText(QStringLiteral("0 / 0"));
     m_ui->frameMetaLabel->clear();
+    m_ui->cursorLabel->clear();
     emit statusChanged(text);
     emit frameChanged();
 }
 
+void FramePanel::showCursor(const QPointF &pixel)
+{
+    m_ui->cursorLabel->setText(
+        m_image.rect().contains(pixel.toPoint())
+            ? SolarPosition::pixelText(pixel, m_image.size(), m_frame.metadata)
+            : QString());
+}
+
 void FramePanel::connectCanvas()
 {
+    connect(m_canvas, &RoiCanvas::hovered, this, &FramePanel::showCursor);
+    connect(m_canvas, &RoiCanvas::left, m_ui->cursorLabel, &QLabel::clear);
     connect(m_canvas, &RoiCanvas::rectangleTooSmall, this,
             [this] { emit statusChanged(tr("ROI creation canceled: rectangle too small.")); });
     connect(m_canvas, &RoiCanvas::startedOutside, this,

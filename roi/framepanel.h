@@ -35,8 +35,12 @@ public:
     /// What is known of that frame.
     const RoiSourceFrame &frame() const { return m_frame; }
 
+    /// Shows nothing, until there are frames.
+    void clear();
     /// Takes over the frames of a datasource, of which the first one is shown.
     void showFrames(const QVector<RoiSourceFrame> &frames);
+    /// Tells what is known of the size of the current region; empty when nothing is.
+    void showRegionSize(const QString &text);
     /// Lets the next drag draw a region; does nothing without a frame but say so.
     void startDrawing();
     void focusSlider();
@@ -57,7 +61,8 @@ protected:
 private:
     void wantFrame(int index);
     void showWanted();
-    void showNone();
+    void showNone(const QString &text);
+    void showCursor(const QPointF &pixel);
     void connectCanvas();
 
     std::unique_ptr<Ui::FramePanel> m_ui;

@@ -109,6 +109,9 @@ bool RoiCanvas::eventFilter(QObject *watched, QEvent *event)
     case QEvent::Show:
         fitWhenShown();
         return false;
+    case QEvent::Leave:
+        emit left();
+        return false;
     default:
         return (m_scene.frame() && mouseEvent(event)) || QObject::eventFilter(watched, event);
     }
@@ -135,6 +138,7 @@ bool RoiCanvas::mouseEvent(QEvent *event)
     case QEvent::MouseButtonDblClick: // so arrives a press that soon follows another one
     case QEvent::MouseButtonRelease: {
         const auto &mouse = *static_cast<QMouseEvent *>(event);
+        emit hovered(m_scene.framePosition(mouse.pos()));
         const bool taken = m_drawing ? drawingEvent(mouse) : regionEvent(mouse);
         return taken && event->type() != QEvent::MouseMove;
     }

@@ -58,6 +58,10 @@ signals:
     void rectangleTooSmall();
     /// The mouse went down beside the frame; drawing goes on.
     void startedOutside();
+    /// The mouse is at @p pixel of the frame, or beside it.
+    void hovered(const QPointF &pixel);
+    /// The mouse has left the view.
+    void left();
     /// A click on the outline or the name of another region.
     void regionPicked(int row);
     /// The current region shall cover @p pixels, while a drag goes on.

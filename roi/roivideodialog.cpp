@@ -5,7 +5,8 @@
 #include "output/sessionfiles.h"
 #include "roi/roicanvas.h"
 #include "roi/roiencoder.h"
-#include "roi/roiprogressdialog.h"
+#include "roi/samescale.h"
+#include "roi/solarposition.h"
 #include "ui_roivideodialog.h"
 
 #include <QDir>
@@ -42,7 +43,7 @@ QString summary(const QString &errorText)
 } // namespace
 
 RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *parent)
-    : QDialog(parent), m_ui(std::make_unique<Ui::RoiVideoDialog>())
+    : QDialog(parent), m_ui(std::make_unique<Ui::RoiVideoDialog>()), m_run(this)
 {
     m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
@@ -76,30 +77,17 @@ bool RoiVideoDialog::loadSession(const QString &directory, QString *errorText)
 
 void RoiVideoDialog::reject()
 {
-    switch (m_activity) {
-    case Activity::None:
-        if (m_ui->roiBox->mayBeLeft())
-            QDialog::reject();
-        break;
-    case Activity::LookingUp:
-        m_activity = Activity::Canceling;
-        m_lookup.abort();
-        break;
-    case Activity::Filming:
-        m_generator.cancel();
-        break;
-    case Activity::Canceling:
-        break;
-    }
+    if (m_run.isActive())
+        m_run.cancel();
+    else if (m_ui->roiBox->mayBeLeft())
+        QDialog::reject();
 }
 
 void RoiVideoDialog::abandon()
 {
     m_isAbandoned = true;
     m_ui->framePanel->endDrawing();
-    m_activity = Activity::Canceling;
-    m_lookup.abort();
-    m_generator.cancel();
+    m_run.cancel();
     const QList<QDialog *> open = findChildren<QDialog *>();
     for (QDialog *dialog : open) // each waits in an event loop above this one
         dialog->reject();
@@ -142,6 +130,7 @@ void RoiVideoDialog::browse()
 
 void RoiVideoDialog::showSource(int row)
 {
+    showScaleWarning();
     if (row >= 0 && row < m_session.sources.size())
         m_ui->framePanel->showFrames(m_session.sources.at(row).frames);
 }
@@ -169,7 +158,13 @@ void RoiVideoDialog::createRoi(const QRectF &pixels)
 
 void RoiVideoDialog::drawRegions()
 {
-    m_ui->framePanel->canvas().showRegions(m_ui->roiBox->marks(), m_ui->roiBox->currentRow());
+    FramePanel &panel = *m_ui->framePanel;
+    const QVector<RegionMark> marks = m_ui->roiBox->marks();
+    const int row = m_ui->roiBox->currentRow();
+    panel.canvas().showRegions(marks, row);
+    panel.showRegionSize(row < 0 ? QString()
+                                 : SolarPosition::sizeText(marks.at(row).pixels.size(),
+                                                           panel.image().size(), frameMetadata()));
     showResult();
 }
 
@@ -216,10 +211,7 @@ void RoiVideoDialog::generate()
         warn(errorText);
         return;
     }
-    const bool canceled = plan.overlays.scale && !findScales(plan);
-    const auto outcome = canceled ? RoiVideoGenerator::Outcome::Canceled : film(plan);
-    enterActivity(Activity::None);
-    report(outcome);
+    report(m_run.make(plan, m_session.startUtc));
 }
 
 void RoiVideoDialog::connectWidgets()
@@ -233,14 +225,15 @@ void RoiVideoDialog::connectWidgets()
             &RoiCanvas::setProportion);
     connect(m_ui->roiBox, &RoiEditor::logMessage, this, &RoiVideoDialog::logMessage);
     connect(m_ui->outputBox, &FilmOptions::changed, this, &RoiVideoDialog::showResult);
+    connect(m_ui->outputBox, &FilmOptions::changed, this, &RoiVideoDialog::showScaleWarning);
     connect(m_ui->generateButton, &QPushButton::clicked, this, &RoiVideoDialog::generate);
 }
 
 void RoiVideoDialog::connectRun()
 {
-    connect(&m_lookup, &ScaleLookup::logMessage, this, &RoiVideoDialog::logMessage);
-    connect(&m_lookup, &ScaleLookup::statusChanged, this, &RoiVideoDialog::setStatus);
-    connect(&m_generator, &RoiVideoGenerator::logMessage, this, &RoiVideoDialog::logMessage);
+    connect(&m_run, &RoiRun::logMessage, this, &RoiVideoDialog::logMessage);
+    connect(&m_run, &RoiRun::statusChanged, this, &RoiVideoDialog::setStatus);
+    connect(&m_run, &RoiRun::activeChanged, this, &RoiVideoDialog::lock);
 }
 
 void RoiVideoDialog::connectFrames()
@@ -257,16 +250,12 @@ void RoiVideoDialog::connectFrames()
 
 void RoiVideoDialog::showSession(const StoredSession &session)
 {
+    m_ui->framePanel->clear(); // what is shown does not belong to this session
     m_session = session;
-    learnScales();
-    m_ui->roiBox->load(m_session.directory);
     fillWidgets();
-    const int row = m_session.firstWithFrames();
-    {
-        const QSignalBlocker quiet(m_ui->sourceCombo);
-        m_ui->sourceCombo->setCurrentIndex(row);
-    }
-    showSource(row);
+    m_ui->roiBox->load(m_session.directory);
+    learnScales();
+    showSource(m_ui->sourceCombo->currentIndex());
     m_ui->framePanel->focusSlider();
     setStatus(tr("Session loaded: %1 datasource(s), %2 with original PNG frames.")
                   .arg(m_session.sources.size())
@@ -282,6 +271,7 @@ void RoiVideoDialog::fillWidgets()
         m_ui->sourceCombo->clear();
         for (const RoiSource &source : std::as_const(m_session.sources))
             m_ui->sourceCombo->addItem(sourceRowText(source));
+        m_ui->sourceCombo->setCurrentIndex(m_session.firstWithFrames());
     }
     m_ui->sessionEdit->setText(QDir::toNativeSeparators(m_session.directory));
     m_ui->outputBox->preset(m_session);
@@ -321,14 +311,31 @@ void RoiVideoDialog::learnScales()
 {
     m_scales.clear();
     for (const RoiSource &source : std::as_const(m_session.sources))
-        m_scales.append(m_lookup.known(source));
+        m_scales.append(m_run.scales().known(source));
+    showScaleLine();
+    showScaleWarning();
+    drawRegions();
+}
+
+/// What the films of all datasources would not have in common with that of the current one.
+void RoiVideoDialog::showScaleWarning()
+{
+    QVector<SameScale::Source> sources;
+    for (int row = 0; row < m_session.sources.size(); ++row) {
+        const RoiSource &source = m_session.sources.at(row);
+        const bool current = row == m_ui->sourceCombo->currentIndex();
+        if (!source.frames.isEmpty())
+            sources.insert(current ? 0 : sources.size(), {source.nickname, m_scales.value(row)});
+    }
+    m_ui->outputBox->showScaleWarning(m_ui->outputBox->allSources() ? SameScale::warning(sources)
+                                                                    : QString());
 }
 
 /// Null while no session is loaded.
 const RoiSource *RoiVideoDialog::currentSource() const
 {
     const int row = m_ui->sourceCombo->currentIndex();
-    return row >= 0 ? &m_session.sources.at(row) : nullptr;
+    return row >= 0 && row < m_session.sources.size() ? &m_session.sources.at(row) : nullptr;
 }
 
 RoiVideoPlan RoiVideoDialog::planFromWidgets() const
@@ -350,62 +357,37 @@ RoiVideoPlan RoiVideoDialog::planFromWidgets() const
     return plan;
 }
 
-/// False when the user gave up waiting.
-bool RoiVideoDialog::findScales(RoiVideoPlan &plan)
-{
-    enterActivity(Activity::LookingUp);
-    const RoiProgressDialog progress(m_lookup, this);
-    connect(&progress, &RoiProgressDialog::canceled, this, &RoiVideoDialog::reject);
-    for (RoiFilmSource &filmed : plan.sources) {
-        if (m_activity == Activity::LookingUp)
-            filmed.scaleMetadata = m_lookup.ensure(filmed.source, m_session.startUtc);
-    }
-    learnScales();
-    showScaleLine();
-    showResult();
-    return m_activity == Activity::LookingUp;
-}
-
-RoiVideoGenerator::Outcome RoiVideoDialog::film(const RoiVideoPlan &plan)
-{
-    enterActivity(Activity::Filming);
-    RoiProgressDialog progress(m_generator, plan.totalFrames(), this);
-    connect(&progress, &RoiProgressDialog::canceled, this, &RoiVideoDialog::reject);
-    progress.show();
-    return m_generator.run(plan);
-}
-
 void RoiVideoDialog::report(RoiVideoGenerator::Outcome outcome)
 {
     switch (outcome) {
     case RoiVideoGenerator::Outcome::Completed:
-        setStatus(tr("Completed: %1 ROI video(s) created.").arg(m_generator.createdVideos()));
+        setStatus(tr("Completed: %1 ROI video(s) created.").arg(m_run.generator().createdVideos()));
         inform(tr("Created %1 ROI video(s).\n\nOriginal PNG frames were not modified.")
-                   .arg(m_generator.createdVideos()));
+                   .arg(m_run.generator().createdVideos()));
         break;
     case RoiVideoGenerator::Outcome::Canceled:
         setStatus(tr("ROI video generation canceled. Original frames were not modified."));
         inform(m_ui->statusLabel->text());
         break;
     case RoiVideoGenerator::Outcome::Failed:
-        setStatus(summary(m_generator.errorText()));
-        warn(m_generator.errorText());
+        setStatus(summary(m_run.generator().errorText()));
+        warn(m_run.generator().errorText());
         break;
     }
 }
 
 /// Cancel hides the progress dialog while the run is still on the stack, so that nothing else keeps
 /// the user from starting a second one, or from closing the dialog below it.
-void RoiVideoDialog::enterActivity(Activity activity)
+void RoiVideoDialog::lock(bool locked)
 {
-    m_activity = activity;
-    const bool locked = activity != Activity::None;
     for (QWidget *part :
          {static_cast<QWidget *>(m_ui->splitter), static_cast<QWidget *>(m_ui->browseButton),
           static_cast<QWidget *>(m_ui->generateButton)})
         part->setDisabled(locked);
-    if (!locked)
-        m_ui->generateButton->setFocus();
+    if (locked)
+        return;
+    m_ui->generateButton->setFocus();
+    learnScales(); // the service may have told some
 }
 
 void RoiVideoDialog::setStatus(const QString &text)

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "roi/roirun.h"
 #include "roi/roisession.h"
-#include "roi/roivideogenerator.h"
-#include "roi/scalelookup.h"
 
 #include <QDialog>
 #include <QMessageBox>
@@ -54,12 +53,10 @@ private slots:
     void createRoi(const QRectF &pixels);
     void drawRegions();
     void showResult();
+    void showScaleWarning();
     void generate();
 
 private:
-    /// What a run is at. Until it is back everything but canceling is locked.
-    enum class Activity { None, LookingUp, Filming, Canceling };
-
     void connectWidgets();
     void connectFrames();
     void connectRun();
@@ -72,21 +69,17 @@ private:
     QJsonObject sourceMetadata() const;
     void learnScales();
     RoiVideoPlan planFromWidgets() const;
-    bool findScales(RoiVideoPlan &plan);
-    RoiVideoGenerator::Outcome film(const RoiVideoPlan &plan);
     void report(RoiVideoGenerator::Outcome outcome);
-    void enterActivity(Activity activity);
+    void lock(bool locked);
     void setStatus(const QString &text);
     void warn(const QString &text);
     void inform(const QString &text);
     void showBox(QMessageBox::Icon icon, const QString &text);
 
     std::unique_ptr<Ui::RoiVideoDialog> m_ui;
-    ScaleLookup m_lookup;
-    RoiVideoGenerator m_generator;
+    RoiRun m_run;
     StoredSession m_session;
     QVector<QJsonObject> m_scales; // what is known of its datasources
     QString m_initialError;
-    Activity m_activity = Activity::None;
     bool m_isAbandoned = false;
 };
