@@ -24,6 +24,11 @@ RoiOverlays FilmOptions::overlays() const
             m_ui->scaleOverlayCheck->isChecked()};
 }
 
+int FilmOptions::fps() const
+{
+    return m_ui->fpsSpin->value();
+}
+
 bool FilmOptions::allSources() const
 {
     return m_ui->allSourcesCheck->isChecked();
@@ -31,7 +36,7 @@ bool FilmOptions::allSources() const
 
 void FilmOptions::fill(RoiVideoPlan &plan) const
 {
-    plan.fps = m_ui->fpsSpin->value();
+    plan.fps = fps();
     plan.crf = m_ui->crfSpin->value();
     plan.overlays = overlays();
     plan.intro = m_ui->introCheck->isChecked();

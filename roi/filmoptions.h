@@ -20,6 +20,7 @@ public:
     ~FilmOptions() override;
 
     RoiOverlays overlays() const;
+    int fps() const;
     bool allSources() const; ///< rather than the current one
     /// Puts all choices but the datasources into @p plan.
     void fill(RoiVideoPlan &plan) const;

@@ -23,6 +23,8 @@ QString frameMetaText(const RoiSourceFrame &frame, const QSize &size)
         .arg(what, QString::number(size.width()), QString::number(size.height()));
 }
 
+const QPointF beside(-1.0, -1.0); // the frame
+
 QString cannotDecodeText(const RoiSourceFrame &frame)
 {
     return FramePanel::tr("Cannot decode %1").arg(frame.file);
@@ -41,9 +43,10 @@ FramePanel::FramePanel(QWidget *parent) : QWidget(parent), m_ui(std::make_unique
     m_canvas->showMessage(tr("Open a session to inspect the captured full frames."));
     m_decoding.setSingleShot(true);
     connect(&m_decoding, &QTimer::timeout, this, &FramePanel::showWanted);
-    connect(m_ui->frameSlider, &QSlider::valueChanged, this, &FramePanel::wantFrame);
     connect(m_ui->fitButton, &QPushButton::clicked, m_canvas, &RoiCanvas::fit);
     connectCanvas();
+    connectSlider();
+    setInterval({});
 }
 
 FramePanel::~FramePanel() = default;
@@ -51,18 +54,23 @@ FramePanel::~FramePanel() = default;
 void FramePanel::clear()
 {
     m_frames.clear();
+    m_row = -1;
+    setInterval({});
     showNone({});
 }
 
-void FramePanel::showFrames(const QVector<RoiSourceFrame> &frames)
+void FramePanel::showFrames(const QVector<RoiSourceFrame> &frames, int row)
 {
+    rest();
     m_frames = frames;
+    m_row = row;
     const int count = frames.size();
     const QSignalBlocker quiet(m_ui->frameSlider);
     m_ui->frameSlider->setEnabled(count > 1);
     m_ui->frameSlider->setRange(0, std::max(count - 1, 0));
     m_ui->frameSlider->setPageStep(std::max(count / 10, 1));
     m_ui->frameSlider->setValue(0);
+    setInterval(m_interval);
     if (count > 0)
         wantFrame(0);
     else
@@ -80,6 +88,7 @@ void FramePanel::startDrawing()
         emit statusChanged(cannotDecodeText(m_frame));
         return;
     }
+    m_player.stop();
     m_canvas->startDrawing();
     m_ui->frameView->setFocus(); // Return draws half of the frame
     emit statusChanged(tr("Drag a rectangle on the image to define the new ROI."));
@@ -96,6 +105,12 @@ void FramePanel::endDrawing()
         return;
     m_canvas->cancelDrawing();
     emit statusChanged(QString()); // it asks for a rectangle
+}
+
+void FramePanel::rest()
+{
+    endDrawing();
+    m_player.stop();
 }
 
 /// Keys of the canvas: where the view would scroll they step through the frames.
@@ -143,9 +158,50 @@ void FramePanel::showWanted()
         m_canvas->showFrame(QPixmap::fromImage(m_image));
     }
     m_ui->frameMetaLabel->setText(frameMetaText(m_frame, m_image.size()));
+    showCursor(m_canvas->mousePosition());
     emit frameChanged();
     if (index == 0)
         m_canvas->fit();
+}
+
+void FramePanel::togglePlaying()
+{
+    if (m_player.isPlaying()) {
+        m_player.stop();
+        return;
+    }
+    const QSlider *slider = m_ui->frameSlider;
+    const bool atEnd = slider->value() == slider->maximum();
+    m_player.play(atEnd ? slider->minimum() : slider->value(), slider->maximum());
+}
+
+void FramePanel::changeInterval(FrameInterval (*change)(FrameInterval,
+                                                        const QVector<RoiSourceFrame> &, int, int))
+{
+    const int index = m_ui->frameSlider->value();
+    if (FrameIntervals::haveTimes(m_frames) && !m_frames.at(index).actualUtc.isValid())
+        emit statusChanged(tr("This frame has no time. Choose one that has."));
+    else
+        setInterval(change(m_interval, m_frames, m_row, index));
+}
+
+void FramePanel::setInterval(const FrameInterval &interval)
+{
+    m_interval = interval;
+    const QVector<int> kept = FrameIntervals::kept(interval, m_frames, m_row);
+    m_kept = kept.size();
+    const bool whole = m_kept == m_frames.size();
+    std::optional<QPair<int, int>> shown;
+    if (!whole && !kept.isEmpty())
+        shown = {kept.first(), kept.last()};
+    m_ui->frameSlider->setInterval(shown);
+    m_ui->intervalLabel->setText(FrameIntervals::keptText(interval, m_frames, m_row));
+    m_ui->intervalLabel->setVisible(!whole);
+    for (QToolButton *button :
+         {static_cast<QToolButton *>(m_ui->playButton), m_ui->fromButton, m_ui->toButton})
+        button->setEnabled(m_frames.size() > 1);
+    m_ui->allButton->setEnabled(!FrameIntervals::isAll(interval));
+    emit intervalChanged();
 }
 
 void FramePanel::showNone(const QString &text)
@@ -157,25 +213,41 @@ void FramePanel::showNone(const QString &text)
     m_canvas->showMessage(text);
     m_ui->frameCounterLabel->setText(QStringLiteral("0 / 0"));
     m_ui->frameMetaLabel->clear();
-    m_ui->cursorLabel->clear();
+    showCursor(beside);
     emit statusChanged(text);
     emit frameChanged();
 }
 
+/// Nothing at all is shown where the metadata do not tell it.
 void FramePanel::showCursor(const QPointF &pixel)
 {
-    m_ui->cursorLabel->setText(
-        m_image.rect().contains(pixel.toPoint())
-            ? SolarPosition::pixelText(pixel, m_image.size(), m_frame.metadata)
-            : QString());
+    const bool inside = QRectF(m_image.rect()).contains(pixel);
+    const QString text = SolarPosition::pixelText(pixel, m_image.size(), m_frame.metadata);
+    m_ui->cursorLabel->setText(inside || text.isEmpty() ? text : tr("Cursor: --"));
 }
 
 void FramePanel::connectCanvas()
 {
     connect(m_canvas, &RoiCanvas::hovered, this, &FramePanel::showCursor);
-    connect(m_canvas, &RoiCanvas::left, m_ui->cursorLabel, &QLabel::clear);
+    connect(m_canvas, &RoiCanvas::left, this, [this] { showCursor(beside); });
     connect(m_canvas, &RoiCanvas::rectangleTooSmall, this,
             [this] { emit statusChanged(tr("ROI creation canceled: rectangle too small.")); });
     connect(m_canvas, &RoiCanvas::startedOutside, this,
             [this] { emit statusChanged(tr("Start the ROI selection inside the image.")); });
+}
+
+void FramePanel::connectSlider()
+{
+    const QSlider *slider = m_ui->frameSlider;
+    connect(slider, &QSlider::valueChanged, this, &FramePanel::wantFrame);
+    connect(slider, &QSlider::actionTriggered, &m_player, &FramePlayer::stop); // by the user
+    connect(m_canvas, &RoiCanvas::regionDragged, &m_player, &FramePlayer::stop);
+    connect(&m_player, &FramePlayer::frameDue, slider, &QSlider::setValue);
+    connect(&m_player, &FramePlayer::playingChanged, m_ui->playButton, &PlayButton::showPlaying);
+    connect(m_ui->playButton, &QToolButton::clicked, this, &FramePanel::togglePlaying);
+    connect(m_ui->fromButton, &QToolButton::clicked, this,
+            [this] { changeInterval(&FrameIntervals::beginningAt); });
+    connect(m_ui->toButton, &QToolButton::clicked, this,
+            [this] { changeInterval(&FrameIntervals::endingAt); });
+    connect(m_ui->allButton, &QToolButton::clicked, this, [this] { setInterval({}); });
 }

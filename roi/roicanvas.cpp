@@ -42,6 +42,11 @@ RoiCanvas::RoiCanvas(QGraphicsView *view, QObject *parent)
     (new QVBoxLayout(m_view->viewport()))->addWidget(m_message);
 }
 
+QPointF RoiCanvas::mousePosition() const
+{
+    return m_scene.framePosition(m_view->viewport()->mapFromGlobal(QCursor::pos()));
+}
+
 void RoiCanvas::showFrame(const QPixmap &frame)
 {
     endDrag(true);

@@ -29,6 +29,9 @@ public:
     /// Size in pixels of the frame that is shown; empty when none is.
     QSize frameSize() const { return m_scene.frameSize(); }
 
+    /// The pixel of the frame that the mouse is at, or would be at beside it.
+    QPointF mousePosition() const;
+
     /// Shows a frame without regions; ends drawing.
     void showFrame(const QPixmap &frame);
     /// Shows @p text in place of a frame; ends drawing.

@@ -86,7 +86,7 @@ void RoiVideoDialog::reject()
 void RoiVideoDialog::abandon()
 {
     m_isAbandoned = true;
-    m_ui->framePanel->endDrawing();
+    m_ui->framePanel->rest();
     m_run.cancel();
     const QList<QDialog *> open = findChildren<QDialog *>();
     for (QDialog *dialog : open) // each waits in an event loop above this one
@@ -132,7 +132,7 @@ void RoiVideoDialog::showSource(int row)
 {
     showScaleWarning();
     if (row >= 0 && row < m_session.sources.size())
-        m_ui->framePanel->showFrames(m_session.sources.at(row).frames);
+        m_ui->framePanel->showFrames(m_session.sources.at(row).frames, row);
 }
 
 void RoiVideoDialog::showFrame()
@@ -181,7 +181,7 @@ void RoiVideoDialog::showResult()
     }
     RoiVideoPlan plan;
     m_ui->outputBox->fill(plan);
-    const int pictures = currentSource()->frames.size() + plan.introFrames();
+    const int pictures = panel.keptFrames() + plan.introFrames();
     const QString caption =
         tr("%1 frames, %2 s")
             .arg(QString::number(pictures), QString::number(double(pictures) / plan.fps, 'f', 1));
@@ -192,7 +192,7 @@ void RoiVideoDialog::showResult()
 
 void RoiVideoDialog::generate()
 {
-    m_ui->framePanel->endDrawing();
+    m_ui->framePanel->rest();
     m_ui->roiBox->commitTyped();
     RoiVideoPlan plan = planFromWidgets();
     if (plan.rois.isEmpty()) {
@@ -205,13 +205,17 @@ void RoiVideoDialog::generate()
         warn(tr("No original PNG frames are available for the selected datasource(s)."));
         return;
     }
+    if (!leaveOutEmpty(plan))
+        return;
     QString errorText;
     if (!RoiEncoder::isPresent(RuntimeConfig::ffmpegPath(),
                                &errorText)) { // before the service is asked
         warn(errorText);
         return;
     }
-    report(m_run.make(plan, m_session.startUtc));
+    const RoiVideoGenerator::Outcome outcome = m_run.make(plan, m_session.startUtc);
+    m_ui->filmsBox->showFilms(m_run.generator().films());
+    report(outcome);
 }
 
 void RoiVideoDialog::connectWidgets()
@@ -225,6 +229,8 @@ void RoiVideoDialog::connectWidgets()
             &RoiCanvas::setProportion);
     connect(m_ui->roiBox, &RoiEditor::logMessage, this, &RoiVideoDialog::logMessage);
     connect(m_ui->outputBox, &FilmOptions::changed, this, &RoiVideoDialog::showResult);
+    connect(m_ui->outputBox, &FilmOptions::changed, this,
+            [this] { m_ui->framePanel->setRate(m_ui->outputBox->fps()); });
     connect(m_ui->outputBox, &FilmOptions::changed, this, &RoiVideoDialog::showScaleWarning);
     connect(m_ui->generateButton, &QPushButton::clicked, this, &RoiVideoDialog::generate);
 }
@@ -232,6 +238,7 @@ void RoiVideoDialog::connectWidgets()
 void RoiVideoDialog::connectRun()
 {
     connect(&m_run, &RoiRun::logMessage, this, &RoiVideoDialog::logMessage);
+    connect(m_ui->filmsBox, &FilmList::logMessage, this, &RoiVideoDialog::logMessage);
     connect(&m_run, &RoiRun::statusChanged, this, &RoiVideoDialog::setStatus);
     connect(&m_run, &RoiRun::activeChanged, this, &RoiVideoDialog::lock);
 }
@@ -240,6 +247,7 @@ void RoiVideoDialog::connectFrames()
 {
     const FramePanel *panel = m_ui->framePanel;
     connect(panel, &FramePanel::frameChanged, this, &RoiVideoDialog::showFrame);
+    connect(panel, &FramePanel::intervalChanged, this, &RoiVideoDialog::showResult);
     connect(panel, &FramePanel::statusChanged, this, &RoiVideoDialog::setStatus);
     const RoiCanvas *canvas = &panel->canvas();
     connect(canvas, &RoiCanvas::rectangleDrawn, this, &RoiVideoDialog::createRoi);
@@ -250,6 +258,7 @@ void RoiVideoDialog::connectFrames()
 
 void RoiVideoDialog::showSession(const StoredSession &session)
 {
+    m_ui->filmsBox->showFilms({});
     m_ui->framePanel->clear(); // what is shown does not belong to this session
     m_session = session;
     fillWidgets();
@@ -340,21 +349,37 @@ const RoiSource *RoiVideoDialog::currentSource() const
 
 RoiVideoPlan RoiVideoDialog::planFromWidgets() const
 {
+    const FrameInterval &interval = m_ui->framePanel->interval();
     RoiVideoPlan plan;
     plan.sessionDirectory = m_session.directory;
     for (int row = 0; row < m_session.sources.size(); ++row) {
+        const RoiSource &source = m_session.sources.at(row);
         const bool chosen =
             m_ui->outputBox->allSources() || row == m_ui->sourceCombo->currentIndex();
-        if (chosen && !m_session.sources.at(row).frames.isEmpty())
-            plan.sources.append({m_session.sources.at(row), {}});
+        if (chosen && !source.frames.isEmpty())
+            plan.sources.append({FrameIntervals::cut(interval, source, row), {}});
     }
-    const QVector<Roi> &rois = m_ui->roiBox->rois();
-    for (int row = 0; row < rois.size(); ++row) {
-        if (rois.at(row).enabled)
-            plan.rois.append({row + 1, rois.at(row)});
-    }
+    plan.takeTicked(m_ui->roiBox->rois());
     m_ui->outputBox->fill(plan);
     return plan;
+}
+
+/// Names the datasources that have no frame in the interval; false when no films shall be made.
+bool RoiVideoDialog::leaveOutEmpty(RoiVideoPlan &plan)
+{
+    const QStringList empty = plan.leaveOutEmpty();
+    if (empty.isEmpty())
+        return true;
+    const QString which = tr("No frame lies in the interval %1 of:\n%2")
+                              .arg(FrameIntervals::timesText(m_ui->framePanel->interval()),
+                                   empty.join(QLatin1Char('\n')));
+    if (plan.sources.isEmpty()) {
+        warn(which + tr("\n\nChoose another interval with From and To."));
+        return false;
+    }
+    return PlainMessageBox::ask(this, boxTitle(), which + tr("\n\nThe others are filmed."),
+                                QMessageBox::Ok | QMessageBox::Cancel,
+                                QMessageBox::Ok) == QMessageBox::Ok;
 }
 
 void RoiVideoDialog::report(RoiVideoGenerator::Outcome outcome)

@@ -69,6 +69,7 @@ private:
     QJsonObject sourceMetadata() const;
     void learnScales();
     RoiVideoPlan planFromWidgets() const;
+    bool leaveOutEmpty(RoiVideoPlan &plan);
     void report(RoiVideoGenerator::Outcome outcome);
     void lock(bool locked);
     void setStatus(const QString &text);

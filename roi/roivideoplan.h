@@ -32,4 +32,9 @@ struct RoiVideoPlan
 
     int introFrames() const; ///< per film; 0 without introduction
     int totalFrames() const; ///< of all films
+
+    /// Films the ticked ones of these regions.
+    void takeTicked(const QVector<Roi> &all);
+    /// Leaves out the datasources without a frame, whose nicknames it returns.
+    QStringList leaveOutEmpty();
 };

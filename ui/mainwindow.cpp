@@ -8,7 +8,7 @@
 #include "roi/roivideodialog.h"
 #include "ui/acquisitionestimate.h"
 #include "ui/catalogcache.h"
-#include "ui/desktopactions.h"
+#include "base/desktopactions.h"
 #include "ui/licensedialog.h"
 #include "ui/logview.h"
 #include "ui/outputsearch.h"
