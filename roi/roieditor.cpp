@@ -127,13 +127,15 @@ QVector<RegionMark> RoiEditor::marks() const
     return marks;
 }
 
-void RoiEditor::load(const QString &sessionDirectory)
+QString RoiEditor::load(const QString &sessionDirectory)
 {
+    QString remark;
     m_sessionDirectory = sessionDirectory;
-    m_storedRois = RoiSet::load(sessionDirectory);
+    m_storedRois = RoiSet::load(sessionDirectory, &remark);
     m_beforeDrag.reset();
     m_history.clear();
     showState({m_storedRois, m_storedRois.isEmpty() ? -1 : 0});
+    return remark;
 }
 
 bool RoiEditor::store()

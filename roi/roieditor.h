@@ -39,7 +39,8 @@ public:
     QVector<RegionMark> marks() const;
 
     /// Takes over the regions that are stored in a session.
-    void load(const QString &sessionDirectory);
+    /// @return a line for the log when they are damaged; else empty
+    QString load(const QString &sessionDirectory);
     /// Stores the regions in that session; false, after a warning, when that fails.
     bool store();
     /// Asks what shall become of regions that are not stored; false when the user would rather

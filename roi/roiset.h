@@ -33,11 +33,16 @@ QVector<Roi> fromJson(const QJsonObject &object);
 /// The object that rois.json holds; @p sessionName is the name of the session's folder.
 QJsonObject toJson(const QVector<Roi> &rois, const QString &sessionName);
 
-/// The set stored in a session; empty when there is none that can be read.
-QVector<Roi> load(const QString &sessionDirectory);
+/**
+ * The set stored in a session; empty when there is none that can be read.
+ *
+ * @param remark  may be null; a line for the log when there is a file, but a damaged one
+ */
+QVector<Roi> load(const QString &sessionDirectory, QString *remark = nullptr);
 
 /**
- * Replaces the stored set of a session.
+ * Replaces the stored set of a session. A damaged file is kept beside it, as rois.json.bad or with
+ * a number behind that.
  *
  * @param sessionDirectory  empty when none is loaded, which fails
  * @param errorText         may be null; set on failure only

@@ -262,7 +262,9 @@ void RoiVideoDialog::showSession(const StoredSession &session)
     m_ui->framePanel->clear(); // what is shown does not belong to this session
     m_session = session;
     fillWidgets();
-    m_ui->roiBox->load(m_session.directory);
+    const QString damage = m_ui->roiBox->load(m_session.directory);
+    if (!damage.isEmpty())
+        m_session.remarks.append(damage);
     learnScales();
     showSource(m_ui->sourceCombo->currentIndex());
     m_ui->framePanel->focusSlider();
