@@ -13,7 +13,7 @@ QTreeWidgetItem *makeItem(const MadeFilm &film)
 {
     const double seconds = double(film.pictures) / film.fps;
     auto *item = new QTreeWidgetItem({film.nickname, film.region, QString::number(film.pictures),
-                                      QString::number(seconds, 'f', 1)});
+                                      QString::number(seconds, 'f', 2)});
     item->setData(0, Qt::UserRole, film.file);
     for (int column = 0; column < item->columnCount(); ++column)
         item->setToolTip(column, QDir::toNativeSeparators(film.file).toHtmlEscaped());
@@ -25,7 +25,10 @@ QTreeWidgetItem *makeItem(const MadeFilm &film)
 FilmList::FilmList(QWidget *parent) : QGroupBox(parent), m_ui(std::make_unique<Ui::FilmList>())
 {
     m_ui->setupUi(this);
+    constexpr int regionColumn = 1; // names take what the others leave
+    m_ui->filmTree->header()->setStretchLastSection(false);
     m_ui->filmTree->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    m_ui->filmTree->header()->setSectionResizeMode(regionColumn, QHeaderView::Stretch);
     connect(m_ui->playFilmButton, &QPushButton::clicked, this, &FilmList::play);
     connect(m_ui->openFolderButton, &QPushButton::clicked, this, &FilmList::openFolder);
     connect(m_ui->filmTree, &QTreeWidget::itemActivated, this, &FilmList::play);

@@ -108,24 +108,28 @@ QString FrameIntervals::timesText(const FrameInterval &interval)
     const QString from = UtcText::toOverlayText(interval.fromUtc);
     const QString to = UtcText::toOverlayText(interval.toUtc);
     if (interval.fromUtc.isValid() && interval.toUtc.isValid())
-        return tr("%1 to %2").arg(from, to);
+        return tr("from %1 to %2").arg(from, to);
     if (interval.fromUtc.isValid())
         return tr("from %1 on").arg(from);
     return interval.toUtc.isValid() ? tr("up to %1").arg(to) : QString();
 }
 
-QString FrameIntervals::keptText(const FrameInterval &interval,
-                                 const QVector<RoiSourceFrame> &frames, int row)
+QString FrameIntervals::keptText(const QVector<int> &kept, int frames)
 {
-    const QVector<int> indices = kept(interval, frames, row);
-    if (indices.size() == frames.size())
-        return {};
-    if (indices.isEmpty())
-        return tr("Film: no frame of this datasource, %1.").arg(timesText(interval));
-    const QString which =
-        tr("Film: frames %1 to %2, ")
-            .arg(QString::number(indices.first() + 1), QString::number(indices.last() + 1));
-    return which + (interval.positions.contains(row)
-                        ? tr("of this datasource only, as its frames have no times.")
-                        : timesText(interval));
+    if (kept.size() == frames)
+        return tr("Film: all frames");
+    if (kept.isEmpty())
+        return tr("Film: no frame");
+    return tr("Film: frames %1 to %2")
+        .arg(QString::number(kept.first() + 1), QString::number(kept.last() + 1));
+}
+
+QString FrameIntervals::explanation(const FrameInterval &interval, int row)
+{
+    if (interval.positions.contains(row))
+        return tr("Films are made of this part of the datasource. Its frames have no times, so "
+                  "that other datasources are not cut with it.");
+    return isAll(interval) ? tr("Films are made of all frames.")
+                           : tr("Films are made of the frames of every datasource %1.")
+                                 .arg(timesText(interval));
 }

@@ -45,7 +45,10 @@ FrameInterval endingAt(FrameInterval interval, const QVector<RoiSourceFrame> &fr
 /// The times of an interval, for the user; empty when it has none.
 QString timesText(const FrameInterval &interval);
 
-/// Which of its frames a datasource films, for the user; empty when the interval leaves none out.
-QString keptText(const FrameInterval &interval, const QVector<RoiSourceFrame> &frames, int row);
+/// Which of @p frames frames a datasource films, in a few words.
+QString keptText(const QVector<int> &kept, int frames);
+
+/// What the interval means, in a sentence.
+QString explanation(const FrameInterval &interval, int row);
 
 } // namespace FrameIntervals

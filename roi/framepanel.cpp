@@ -36,8 +36,7 @@ FramePanel::FramePanel(QWidget *parent) : QWidget(parent), m_ui(std::make_unique
 {
     m_ui->setupUi(this);
     m_ui->frameView->installEventFilter(this);
-    for (QLabel *line : {m_ui->cursorLabel, m_ui->regionLabel}) // the canvas keeps its size
-        line->setMinimumHeight(line->fontMetrics().lineSpacing());
+    keepHeights();
     m_ui->frameSlider->setEnabled(false);
     m_canvas = new RoiCanvas(m_ui->frameView, this);
     m_canvas->showMessage(tr("Open a session to inspect the captured full frames."));
@@ -118,13 +117,26 @@ bool FramePanel::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
-    switch (static_cast<QKeyEvent *>(event)->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        if (!m_canvas->isDrawing())
-            return false;
+    auto *key = static_cast<QKeyEvent *>(event);
+    const bool isReturn = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+    if (isReturn && m_canvas->isDrawing()) {
         m_canvas->drawMiddle();
         return true;
+    }
+    return stepBy(key);
+}
+
+/// Keys that none of the buttons takes.
+void FramePanel::keyPressEvent(QKeyEvent *event)
+{
+    if (!stepBy(event))
+        QWidget::keyPressEvent(event);
+}
+
+/// Hands the keys that step through the frames to the slider; false for others.
+bool FramePanel::stepBy(QKeyEvent *event)
+{
+    switch (event->key()) {
     case Qt::Key_Left:
     case Qt::Key_Right:
     case Qt::Key_Up:
@@ -133,7 +145,8 @@ bool FramePanel::eventFilter(QObject *watched, QEvent *event)
     case Qt::Key_End:
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
-        return QCoreApplication::sendEvent(m_ui->frameSlider, event);
+        QCoreApplication::sendEvent(m_ui->frameSlider, event);
+        return true;
     default:
         return false;
     }
@@ -182,7 +195,13 @@ void FramePanel::changeInterval(FrameInterval (*change)(FrameInterval,
     if (FrameIntervals::haveTimes(m_frames) && !m_frames.at(index).actualUtc.isValid())
         emit statusChanged(tr("This frame has no time. Choose one that has."));
     else
-        setInterval(change(m_interval, m_frames, m_row, index));
+        tellInterval(change(m_interval, m_frames, m_row, index));
+}
+
+void FramePanel::tellInterval(const FrameInterval &interval)
+{
+    setInterval(interval);
+    emit statusChanged(m_ui->intervalLabel->toolTip());
 }
 
 void FramePanel::setInterval(const FrameInterval &interval)
@@ -190,13 +209,13 @@ void FramePanel::setInterval(const FrameInterval &interval)
     m_interval = interval;
     const QVector<int> kept = FrameIntervals::kept(interval, m_frames, m_row);
     m_kept = kept.size();
-    const bool whole = m_kept == m_frames.size();
     std::optional<QPair<int, int>> shown;
-    if (!whole && !kept.isEmpty())
+    if (!kept.isEmpty() && m_kept < m_frames.size())
         shown = {kept.first(), kept.last()};
     m_ui->frameSlider->setInterval(shown);
-    m_ui->intervalLabel->setText(FrameIntervals::keptText(interval, m_frames, m_row));
-    m_ui->intervalLabel->setVisible(!whole);
+    m_ui->intervalLabel->setText(
+        m_frames.isEmpty() ? QString() : FrameIntervals::keptText(kept, m_frames.size()));
+    m_ui->intervalLabel->setToolTip(FrameIntervals::explanation(interval, m_row));
     for (QToolButton *button :
          {static_cast<QToolButton *>(m_ui->playButton), m_ui->fromButton, m_ui->toButton})
         button->setEnabled(m_frames.size() > 1);
@@ -226,6 +245,16 @@ void FramePanel::showCursor(const QPointF &pixel)
     m_ui->cursorLabel->setText(inside || text.isEmpty() ? text : tr("Cursor: --"));
 }
 
+/// Whatever the lines below the canvas tell, its own size stays as it is.
+void FramePanel::keepHeights()
+{
+    for (QLabel *line : {m_ui->cursorLabel, m_ui->regionLabel}) {
+        line->setText(QStringLiteral("R\u2609")); // a sign that another font may have to lend
+        line->setFixedHeight(line->sizeHint().height());
+        line->clear();
+    }
+}
+
 void FramePanel::connectCanvas()
 {
     connect(m_canvas, &RoiCanvas::hovered, this, &FramePanel::showCursor);
@@ -249,5 +278,5 @@ void FramePanel::connectSlider()
             [this] { changeInterval(&FrameIntervals::beginningAt); });
     connect(m_ui->toButton, &QToolButton::clicked, this,
             [this] { changeInterval(&FrameIntervals::endingAt); });
-    connect(m_ui->allButton, &QToolButton::clicked, this, [this] { setInterval({}); });
+    connect(m_ui->allButton, &QToolButton::clicked, this, [this] { tellInterval({}); });
 }

@@ -68,8 +68,10 @@ signals:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    bool stepBy(QKeyEvent *event);
     void wantFrame(int index);
     void showWanted();
     void showNone(const QString &text);
@@ -78,6 +80,8 @@ private:
     void changeInterval(FrameInterval (*change)(FrameInterval, const QVector<RoiSourceFrame> &, int,
                                                 int));
     void setInterval(const FrameInterval &interval);
+    void tellInterval(const FrameInterval &interval);
+    void keepHeights();
     void connectCanvas();
     void connectSlider();
 

@@ -25,8 +25,8 @@ void IntervalSlider::paintEvent(QPaintEvent *event)
     const int left = xOf(m_interval->first);
     const int right = xOf(m_interval->second);
     QPainter painter(this);
-    const QColor color =
-        palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::Highlight);
+    const QColor color = palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled,
+                                         QPalette::Text); // the style's own bar is highlighted
     painter.fillRect(left, height() - barPx, right - left + 1, barPx, color);
     for (const int x : {left, right})
         painter.fillRect(x - 1, height() - endPx, 2, endPx, color);

@@ -162,9 +162,8 @@ void RoiVideoDialog::drawRegions()
     const QVector<RegionMark> marks = m_ui->roiBox->marks();
     const int row = m_ui->roiBox->currentRow();
     panel.canvas().showRegions(marks, row);
-    panel.showRegionSize(row < 0 ? QString()
-                                 : SolarPosition::sizeText(marks.at(row).pixels.size(),
-                                                           panel.image().size(), frameMetadata()));
+    const QSize size = row < 0 ? QSize() : marks.at(row).pixels.size();
+    panel.showRegionSize(SolarPosition::sizeText(size, panel.image().size(), frameMetadata()));
     showResult();
 }
 
@@ -183,8 +182,8 @@ void RoiVideoDialog::showResult()
     m_ui->outputBox->fill(plan);
     const int pictures = panel.keptFrames() + plan.introFrames();
     const QString caption =
-        tr("%1 frames, %2 s")
-            .arg(QString::number(pictures), QString::number(double(pictures) / plan.fps, 'f', 1));
+        tr("%1 frame(s), %2 s")
+            .arg(QString::number(pictures), QString::number(double(pictures) / plan.fps, 'f', 2));
     const RoiLook look{plan.overlays, currentSource()->nickname, sourceMetadata()};
     m_ui->resultBox->showSubject(
         {panel.image(), panel.frame(), m_ui->roiBox->rois().at(row), look, caption});
@@ -372,7 +371,7 @@ bool RoiVideoDialog::leaveOutEmpty(RoiVideoPlan &plan)
     const QStringList empty = plan.leaveOutEmpty();
     if (empty.isEmpty())
         return true;
-    const QString which = tr("No frame lies in the interval %1 of:\n%2")
+    const QString which = tr("No frame %1 in:\n%2")
                               .arg(FrameIntervals::timesText(m_ui->framePanel->interval()),
                                    empty.join(QLatin1Char('\n')));
     if (plan.sources.isEmpty()) {

@@ -85,6 +85,8 @@ QString SolarPosition::sizeText(const QSize &size, const QSize &frame, const QJs
     const Disk disk = diskOn(frame, metadata);
     if (disk.radiusX <= 0.0)
         return {};
+    if (size.isEmpty())
+        return tr("Region: --");
     const double width = size.width() / disk.radiusX;
     if (disk.radiusY <= 0.0)
         return tr("Region: %1 R\u2609   |   %2 Mm wide")

@@ -41,7 +41,7 @@ std::optional<QPointF> offset(const QPointF &pixel, const Disk &disk);
 /// Position of @p pixel, for the user; empty when the metadata do not tell it.
 QString pixelText(const QPointF &pixel, const QSize &frame, const QJsonObject &metadata);
 
-/// Width and height of a region of @p size pixels, for the user; empty likewise.
+/// Width and height of a region of @p size pixels, which is empty without one; likewise.
 QString sizeText(const QSize &size, const QSize &frame, const QJsonObject &metadata);
 
 } // namespace SolarPosition
