@@ -21,8 +21,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
-#include <QImage>
 
 #include <algorithm>
 #include <limits>
@@ -147,7 +145,6 @@ void AcquisitionController::takeNextStep()
 {
     switch (m_stage) {
     case Stage::Idle:
-        break;
     case Stage::Preflight: // goes by itself
         break;
     case Stage::Acquiring:
@@ -503,14 +500,8 @@ void AcquisitionController::encodeNext()
     }
     const DataSource source = m_films.current();
     const SourceTally tally = m_tally.value(source.sourceId);
-    FilmOrder order;
-    order.program = RuntimeConfig::ffmpegPath();
-    order.folder = tally.folder.directory;
-    order.inputPattern = SessionLayout::framePattern();
-    order.film = SessionLayout::filmPath(tally.folder);
-    order.fps = m_settings.videoFps;
-    order.crf = m_settings.videoCrf;
-    order.pictures = tally.timestampedVideoFrames;
+    const FilmOrder order =
+        SessionLayout::filmOrder(tally.folder, tally.timestampedVideoFrames, m_settings);
     if (report(AcquisitionLog::encoding(source, order.film)))
         m_ffmpeg.start(order);
 }
@@ -525,7 +516,7 @@ void AcquisitionController::onFfmpegFinished(const FilmOutcome &outcome)
         closeFilm();
 }
 
-/// Tells of an encoder that could not be started; there is no exit code then.
+/// The encoder could not be started, so that there is no exit code.
 void AcquisitionController::onFfmpegError(const QString &reason)
 {
     m_films.noteFailure();
@@ -538,7 +529,7 @@ void AcquisitionController::onFfmpegReadyRead(const QString &text)
     emit logMessage(text);
 }
 
-/// Says why a film was not taken, when the exit code does not.
+/// Logs a failed film; with exit code 0 a line before says why it failed.
 void AcquisitionController::failFilm(const FilmOutcome &outcome)
 {
     const DataSource source = m_films.current();
@@ -583,7 +574,8 @@ void AcquisitionController::cancelChildren()
 bool AcquisitionController::writeDescriptor(bool canceled) const
 {
     return JsonFile::save(QDir(m_sessionDirectory).filePath(SessionFiles::descriptor()),
-                          SessionDescriptor::toJson(toRecord(m_settings, m_tally, canceled))) !=
+                          SessionDescriptor::toJson(
+                              SessionTallying::toRecord(m_settings, m_tally, canceled))) !=
            JsonFile::SaveResult::CannotCommit;
 }
 

@@ -46,8 +46,8 @@ void SourceTally::countAccepted(qint64 imageId, bool hasVideoFrame)
     acceptedIds.insert(imageId);
 }
 
-SessionRecord toRecord(const AcquisitionSettings &settings, const SessionTally &tally,
-                       bool canceled)
+SessionRecord SessionTallying::toRecord(const AcquisitionSettings &settings,
+                                        const SessionTally &tally, bool canceled)
 {
     SessionRecord record;
     record.settings = settings;

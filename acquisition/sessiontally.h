@@ -33,6 +33,10 @@ struct SourceTally
 /// By sourceId.
 using SessionTally = QHash<int, SourceTally>;
 
+namespace SessionTallying {
+
 /// The session as its descriptor tells it, finished now; reads the runtime configuration.
 SessionRecord toRecord(const AcquisitionSettings &settings, const SessionTally &tally,
                        bool canceled);
+
+} // namespace SessionTallying

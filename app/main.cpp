@@ -1,6 +1,7 @@
 #include "app/applicationlook.h"
-#include "app/terminationsignals.h"
+#include "base/helperprograms.h"
 #include "base/runtimeconfig.h"
+#include "base/terminationsignals.h"
 #include "ui/mainwindow.h"
 
 #include <QApplication>
@@ -15,6 +16,7 @@ int main(int argc, char *argv[])
     // A decimal point on every system.
     QLocale::setDefault(QLocale(QLocale::English, QLocale::AnyCountry));
     RuntimeConfig::ensureRuntimeConfig();
+    HelperPrograms::linkMissing();
     applyApplicationLook(application);
 
     MainWindow window;

@@ -7,16 +7,16 @@ namespace ChildProcess {
 /**
  * Kills @p process unless it has ended, and waits up to a second for its end.
  *
- * Its last signals are sent meanwhile. A killed child is gone long before, but one that hangs on a
- * disk must not hold the program.
+ * Its last signals are delivered meanwhile. A killed child ends at once, unless it hangs in a
+ * system call; the program must not hang with it.
  */
 void killAndWait(QProcess &process);
 
 /**
- * Deletes @p process, whose signals nobody waits for any longer, from the event loop.
+ * Deletes @p process, which is no longer needed, from the event loop.
  *
- * One whose child not even a kill has ended loses its parent and lives on until that end: its
- * destructor would wait for it for half a minute.
+ * If its child is still running in spite of a kill, it is deleted only when that ends, and has no
+ * parent until then: the destructor of QProcess would block for half a minute.
  */
 void letGo(QProcess *process);
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Puts the box's own text label into a scroll area; a box built otherwise stays as it is.
+/// Puts the box's text label into a scroll area; does nothing if Qt builds its boxes differently.
 void makeScrollable(QMessageBox &box, const QSize &size)
 {
     auto *text = box.findChild<QLabel *>(QStringLiteral("qt_msgbox_label"));

@@ -5,17 +5,17 @@
 class QString;
 
 /**
- * Boxes whose text is never guessed to be HTML: names and paths in it may hold any character.
+ * Message boxes that show their text as it is: names and paths in it might look like HTML.
  *
- * Text taller than half the screen scrolls: an encoder's last words run to a hundred lines, and
- * the buttons must stay in sight.
+ * Text taller than half the screen scrolls, so that the buttons stay visible: the output of an
+ * encoder runs to a hundred lines.
  */
 namespace PlainMessageBox {
 
 /// Shows @p text and waits for OK.
 void show(QWidget *parent, QMessageBox::Icon icon, const QString &title, const QString &text);
 
-/// Asks the question @p text; returns the button that was pressed, for Esc the one that means no.
+/// Asks the question @p text; returns the button pressed, or the escape button for Esc.
 QMessageBox::StandardButton ask(QWidget *parent, const QString &title, const QString &text,
                                 QMessageBox::StandardButtons buttons,
                                 QMessageBox::StandardButton defaultButton);

@@ -1,9 +1,12 @@
 #include "bench/measures.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 
 #include <numeric>
 
+#include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -24,6 +27,27 @@ double Measures::residentKb()
         return 0.0;
     const double pages = file.readAll().split(' ').value(1).toDouble();
     return pages * double(sysconf(_SC_PAGESIZE)) / 1024;
+}
+
+double Measures::heapKb()
+{
+    const struct mallinfo2 heap = mallinfo2();
+    return double(heap.uordblks + heap.hblkhd) / 1024;
+}
+
+int Measures::openHandles()
+{
+    const QDir handles(QStringLiteral("/proc/self/fd"));
+    const int own = 1; // by which the folder is read
+    return handles.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size() - own;
+}
+
+QString Measures::children()
+{
+    QFile file(
+        QStringLiteral("/proc/self/task/%1/children").arg(QCoreApplication::applicationPid()));
+    return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll()).trimmed()
+                                          : QStringLiteral("unknown to this system");
 }
 
 QJsonObject StepTimes::perFrame(int frames) const

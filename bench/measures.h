@@ -14,6 +14,15 @@ double cpuMs(int who);
 /// Memory that this program has in use, in kB.
 double residentKb();
 
+/// What this program has allocated and not freed, in kB.
+double heapKb();
+
+/// Files, pipes and sockets that this program has open.
+int openHandles();
+
+/// Process ids of children that are alive or not waited for, with blanks between.
+QString children();
+
 } // namespace Measures
 
 /// Adds up the wall time of each step under its name.

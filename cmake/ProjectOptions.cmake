@@ -2,6 +2,7 @@
 
 option(ORVIK_WERROR "Treat compiler warnings as errors" OFF)
 option(ORVIK_BENCH "Build the benchmarks" OFF)
+option(ORVIK_FUZZ "Build the programs that search for inputs that readers stumble over (clang)" OFF)
 option(ORVIK_LINT "Let clazy and clang-tidy read every file that clang++ compiles" OFF)
 set(ORVIK_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
 
@@ -22,7 +23,9 @@ target_compile_definitions(orvik_options INTERFACE
   QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
 target_compile_options(orvik_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
-  $<$<BOOL:${ORVIK_WERROR}>:-Werror>)
+  $<$<BOOL:${ORVIK_WERROR}>:-Werror>
+  # What is handed out does not tell where it was built.
+  "$<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")
 
 if(ORVIK_SANITIZE)
   target_compile_options(orvik_options INTERFACE
@@ -40,5 +43,5 @@ if(ORVIK_LINT)
   # Our headers, but not what moc and uic write into a build folder within the project.
   string(REGEX REPLACE "([][+.*()^$?{}|\\])" "\\\\\\1" root "${PROJECT_SOURCE_DIR}")
   set(CMAKE_CXX_CLANG_TIDY clang-tidy --quiet
-    "--header-filter=^${root}/(app|base|session|client|imaging|output|acquisition|roi|ui|simulator|demo|bench|tests|tools)/")
+    "--header-filter=^${root}/(app|base|session|client|imaging|output|acquisition|roi|ui|sessiontool|simulator|demo|bench|fuzz|tests|tools)/")
 endif()

@@ -1,18 +1,18 @@
-// One whole acquisition in the terminal, against the sample archive of this machine.
+// One whole acquisition in the terminal, against the sample archive of this machine, or with
+// --public a small one against the public archive; --public=BASE asks another one, as a mirror.
 
-#include "acquisition/acquisitioncontroller.h"
 #include "base/runtimeconfig.h"
+#include "base/texttable.h"
+#include "demo/publicarchive.h"
 #include "demo/sessionaudit.h"
+#include "demo/sessionrun.h"
 #include "demo/terminal.h"
-#include "demo/texttable.h"
 #include "simulator/archive/archive.h"
 #include "simulator/service/server.h"
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QEventLoop>
 #include <QGuiApplication>
-#include <QSettings>
 
 namespace {
 
@@ -33,42 +33,6 @@ AcquisitionSettings demoSettings(const Simulator::Archive &archive)
             settings.sources.append({source->sourceId, source->nickname, source->path});
     }
     return settings;
-}
-
-/// Points the engine at the simulator, in the file and in the way a user would.
-void writeApiBase(const QString &baseUrl)
-{
-    RuntimeConfig::ensureRuntimeConfig();
-    QSettings config(RuntimeConfig::configFilePath(), QSettings::IniFormat);
-    config.setIniCodec("UTF-8");
-    config.setValue(QStringLiteral("network/apiBase"), baseUrl);
-}
-
-/// Runs a session to its end; its directory, or nothing with a reason.
-std::optional<QString> acquire(const AcquisitionSettings &settings, Terminal &terminal,
-                               QString *errorText)
-{
-    AcquisitionController controller;
-    QEventLoop loop;
-    QString sessionDirectory;
-    QObject::connect(&controller, &AcquisitionController::logMessage, &loop,
-                     [&](const QString &text) { terminal.logLine(text); });
-    QObject::connect(&controller, &AcquisitionController::stateChanged, &loop,
-                     [&](const QString &text) { terminal.setState(text); });
-    QObject::connect(&controller, &AcquisitionController::progressChanged, &loop,
-                     [&](int value, int maximum) { terminal.setProgress(value, maximum); });
-    QObject::connect(&controller, &AcquisitionController::finished, &loop,
-                     [&](bool, const QString &directory) {
-                         sessionDirectory = directory;
-                         loop.quit();
-                     });
-    if (!controller.start(settings, errorText))
-        return std::nullopt;
-    // A short session may be over before start() returns; quit() would then come too early.
-    if (controller.isRunning())
-        loop.exec();
-    terminal.endProgress();
-    return sessionDirectory;
 }
 
 QStringList tableRow(const SourceAudit &audit)
@@ -107,36 +71,65 @@ bool report(const QVector<SourceAudit> &audits, const QDir &session, Terminal &t
     return faults.isEmpty();
 }
 
-int run(Terminal &terminal)
+/// Acquires, reports, and says whether all is as it must be; @p expected is of each datasource.
+bool perform(const AcquisitionSettings &settings, const QVector<RequestCounts> &expected,
+             Terminal &terminal)
 {
     QElapsedTimer clock;
     clock.start();
+    QString errorText;
+    const auto directory = SessionRun::acquire(settings, terminal, &errorText);
+    if (!directory) {
+        terminal.logLine(QStringLiteral("ERROR the session did not start: %1").arg(errorText));
+        return false;
+    }
+    if (!report(SessionAudit::audit(*directory, settings, expected), QDir(*directory), terminal)) {
+        terminal.logLine(
+            QStringLiteral("ERROR the session is not what the archive's pictures make."));
+        return false;
+    }
+    terminal.print(QStringLiteral("All counts are as the archive's pictures make them and every "
+                                  "film decodes, after %1 s.")
+                       .arg(clock.elapsed() / 1000));
+    return true;
+}
+
+bool showSample(Terminal &terminal)
+{
     const auto archive = Simulator::Archive::sample();
     Simulator::Server server(archive);
     QString errorText;
     if (!server.start(&errorText)) {
         terminal.logLine(
             QStringLiteral("ERROR the sample archive did not start: %1").arg(errorText));
-        return 1;
+        return false;
     }
-    writeApiBase(server.baseUrl());
+    SessionRun::configure(QStringLiteral("network/apiBase"), server.baseUrl());
     terminal.print(QStringLiteral("Sample archive at %1").arg(server.baseUrl()));
 
     const AcquisitionSettings settings = demoSettings(*archive);
-    const auto directory = acquire(settings, terminal, &errorText);
-    if (!directory) {
-        terminal.logLine(QStringLiteral("ERROR the session did not start: %1").arg(errorText));
-        return 1;
+    QVector<RequestCounts> expected;
+    for (const DataSource &source : settings.sources)
+        expected << Expectation::counts(*archive, source, settings);
+    return perform(settings, expected, terminal);
+}
+
+/// @p baseUrl is empty for the public archive itself.
+bool showPublic(const QString &baseUrl, Terminal &terminal)
+{
+    if (!baseUrl.isEmpty())
+        SessionRun::configure(QStringLiteral("network/apiBase"), baseUrl);
+    QString errorText;
+    if (!PublicArchive::configure(&errorText) || !PublicArchive::answers(&errorText)) {
+        terminal.logLine(QStringLiteral("ERROR ") + errorText);
+        return false;
     }
-    if (!report(SessionAudit::audit(*directory, *archive, settings), QDir(*directory), terminal)) {
-        terminal.logLine(
-            QStringLiteral("ERROR the session is not what the archive's pictures make."));
-        return 1;
-    }
-    terminal.print(QStringLiteral("All counts are as the archive's pictures make them and every "
-                                  "film decodes, after %1 s.")
-                       .arg(clock.elapsed() / 1000));
-    return 0;
+    terminal.print(
+        QStringLiteral("Archive at %1, a request a second").arg(RuntimeConfig::apiBase()));
+    const AcquisitionSettings settings = PublicArchive::settings();
+    constexpr int frames = 3;
+    const RequestCounts each{frames, frames};
+    return perform(settings, QVector<RequestCounts>(settings.sources.size(), each), terminal);
 }
 
 } // namespace
@@ -148,5 +141,13 @@ int main(int argc, char **argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication application(argc, argv);
     Terminal terminal;
-    return run(terminal);
+    const QString argument = QGuiApplication::arguments().value(1);
+    const QString ofPublic = QStringLiteral("--public");
+    if (argument == ofPublic || argument.startsWith(ofPublic + QLatin1Char('=')))
+        return showPublic(argument.mid(ofPublic.size() + 1), terminal) ? 0 : 1;
+    if (!argument.isEmpty()) {
+        terminal.print(QStringLiteral("usage: orvik-demo [--public[=BASE]]"));
+        return 2;
+    }
+    return showSample(terminal) ? 0 : 1;
 }

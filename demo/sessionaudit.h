@@ -29,8 +29,8 @@ namespace SessionAudit {
 /// How the requests of each datasource ended, by sourceId, as manifest.csv tells it.
 QHash<int, RequestCounts> ledgerCounts(const QString &manifestFile);
 
-/// One record for each datasource of the session.
-QVector<SourceAudit> audit(const QString &sessionDirectory, const Simulator::Archive &archive,
-                           const AcquisitionSettings &settings);
+/// One record for each datasource of the session; @p expected is what each must come to.
+QVector<SourceAudit> audit(const QString &sessionDirectory, const AcquisitionSettings &settings,
+                           const QVector<RequestCounts> &expected);
 
 } // namespace SessionAudit

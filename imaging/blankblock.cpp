@@ -12,6 +12,8 @@
 #include <optional>
 #include <vector>
 
+using ImageMetadata::metadataNumber;
+
 namespace {
 
 constexpr int smallestSidePx = 256;       // fewer than four cells would tell nothing

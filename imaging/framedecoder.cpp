@@ -29,7 +29,23 @@ bool isWithinLimits(const QImageReader &reader)
            pixels <= maxPixels && pixels * neededBytesPerPixel(reader.imageFormat()) <= maxBytes;
 }
 
+/// Looks at the content alone, whatever the file's name.
+bool isReadable(QImageReader &reader)
+{
+    reader.setDecideFormatFromContent(true);
+    return reader.format() == "png" && isWithinLimits(reader);
+}
+
 } // namespace
+
+QSize FrameDecoder::size(const QString &file)
+{
+    QFile device(file);
+    if (!RegularFile::open(device))
+        return {};
+    QImageReader reader(&device);
+    return isReadable(reader) ? reader.size() : QSize();
+}
 
 QImage FrameDecoder::decode(const QString &file)
 {
@@ -37,8 +53,7 @@ QImage FrameDecoder::decode(const QString &file)
     if (!RegularFile::open(device))
         return {};
     QImageReader reader(&device);
-    reader.setDecideFormatFromContent(true);
-    if (reader.format() != "png" || !isWithinLimits(reader))
+    if (!isReadable(reader))
         return {};
     QImage image = reader.read();
     const bool alpha = image.hasAlphaChannel();

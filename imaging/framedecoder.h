@@ -1,6 +1,7 @@
 #pragma once
 
 class QImage;
+class QSize;
 class QString;
 
 /// The one way in which stored and downloaded pictures are read.
@@ -18,5 +19,9 @@ namespace FrameDecoder {
  *         bits per channel does from 40 million pixels on
  */
 QImage decode(const QString &file);
+
+/// The size that decode() would give in pixels, from the beginning of @p file; empty when it would
+/// refuse it.
+QSize size(const QString &file);
 
 } // namespace FrameDecoder

@@ -3,7 +3,7 @@
 #include <QJsonObject>
 #include <QString>
 
-double metadataNumber(const QJsonObject &metadata, const QString &key)
+double ImageMetadata::metadataNumber(const QJsonObject &metadata, const QString &key)
 {
     const QJsonValue value = metadata.value(key);
     if (value.isString())

@@ -8,8 +8,8 @@
 
 double MetricScale::kmPerPixel(const QJsonObject &metadata, int imageWidth)
 {
-    const double solarRadiusPx = metadataNumber(metadata, QStringLiteral("rsun"));
-    const double nativeWidthPx = metadataNumber(metadata, QStringLiteral("width"));
+    const double solarRadiusPx = ImageMetadata::metadataNumber(metadata, QStringLiteral("rsun"));
+    const double nativeWidthPx = ImageMetadata::metadataNumber(metadata, QStringLiteral("width"));
     const bool known = imageWidth >= 1 && solarRadiusPx > 0.0 && nativeWidthPx > 0.0;
     return known ? nominalSolarRadiusKm / solarRadiusPx * (nativeWidthPx / imageWidth) : 0.0;
 }

@@ -15,6 +15,6 @@ QStringList FfmpegCommand::arguments(int fps, const QString &inputPattern, int c
             QStringLiteral("-crf"),
             QString::number(crf),
             QStringLiteral("-pix_fmt"),
-            QStringLiteral("yuv420p"), // the one form that every player knows
+            QStringLiteral("yuv420p"), // the only format that every player supports
             outputFile};
 }

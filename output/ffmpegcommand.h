@@ -7,8 +7,7 @@ namespace FfmpegCommand {
 /**
  * The argument list that encodes a numbered PNG sequence as H.264.
  *
- * @param inputPattern  as ffmpeg's image sequence reader takes it, relative to its working
- * directory
+ * @param inputPattern  for ffmpeg's image sequence reader, relative to its working directory
  */
 QStringList arguments(int fps, const QString &inputPattern, int crf, const QString &outputFile);
 

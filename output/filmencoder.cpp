@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int keptBytes = 64 * 1024; // an encoder that talks for hours stays small
+constexpr int keptBytes = 64 * 1024; // ffmpeg may write for hours
 
 } // namespace
 
@@ -47,7 +47,7 @@ void FilmEncoder::start(const FilmOrder &order)
             &FilmEncoder::onProcessFinished);
     if (order.startLimitMs > 0)
         m_startLimit.start(order.startLimitMs);
-    // The last step: a program that cannot be started may end the run at once.
+    // This comes last: a program that cannot be started may end the run inside this call.
     m_process->start(order.program, FfmpegCommand::arguments(order.fps, order.inputPattern,
                                                              order.crf, order.film));
 }
@@ -55,7 +55,7 @@ void FilmEncoder::start(const FilmOrder &order)
 void FilmEncoder::cancel()
 {
     if (m_process)
-        ChildProcess::killAndWait(*m_process); // its last signals arrive meanwhile
+        ChildProcess::killAndWait(*m_process); // delivers its last signals
     if (m_process)
         conclude({FilmOutcome::End::Failed, 0, m_process->errorString()});
 }
@@ -74,7 +74,7 @@ void FilmEncoder::onProcessFinished(int exitCode, QProcess::ExitStatus exitStatu
                   QStringLiteral("ffmpeg ended without an error, but ") + flaw});
 }
 
-/// After any other error the process still ends.
+/// After any other error finished() follows.
 void FilmEncoder::onProcessError(QProcess::ProcessError error)
 {
     if (error == QProcess::FailedToStart)
@@ -94,8 +94,9 @@ void FilmEncoder::onReadyRead()
 
 void FilmEncoder::onStartLimit()
 {
-    if (m_process->waitForStarted(0) || !m_process)
-        return; // at the last moment it has started, or failed to
+    const bool started = m_process->waitForStarted(0);
+    if (started || !isRunning())
+        return; // it has just started, or failed to start
     const QString reason = m_process->errorString();
     m_process->disconnect(this);
     ChildProcess::killAndWait(*m_process);
@@ -104,6 +105,7 @@ void FilmEncoder::onStartLimit()
 
 void FilmEncoder::conclude(const FilmOutcome &outcome)
 {
+    m_outcome = outcome;
     m_startLimit.stop();
     m_process->disconnect(this);
     ChildProcess::letGo(std::exchange(m_process, nullptr));

@@ -6,7 +6,7 @@
 #include <QString>
 #include <QTimer>
 
-/// What is asked of one ffmpeg run.
+/// Everything one ffmpeg run needs to know.
 struct FilmOrder
 {
     QString program;      ///< ffmpeg
@@ -15,7 +15,7 @@ struct FilmOrder
     QString film;         ///< absolute path of the MP4, which may exist
     int fps = 25;
     int crf = 18;
-    int pictures = 0;     ///< how many there are, and the film has to show
+    int pictures = 0;     ///< number of pictures, all of which the film must show
     int startLimitMs = 0; ///< how long the program may take to start; 0 for no limit
 };
 
@@ -31,14 +31,14 @@ struct FilmOutcome
 
     End end = End::Completed;
     int exitCode = 0;
-    QString reason; ///< the system's words, or what is wrong with the film; empty when completed
+    QString reason; ///< system error text or what is wrong with the film; else empty
 };
 
 /**
- * Turns numbered pictures into a film by one ffmpeg run at a time.
+ * Makes films from numbered pictures, by one ffmpeg run at a time.
  *
- * After a run that failed no MP4 is left that is empty or cut off: no player could show it.
- * Destruction kills a run without a word.
+ * A failed run leaves no MP4 behind that is empty or cut off: no player could show it. The
+ * destructor kills a run without sending a signal.
  */
 class FilmEncoder final : public QObject
 {
@@ -49,20 +49,21 @@ public:
     ~FilmEncoder() override;
 
     bool isRunning() const { return m_process; }
-    /// The last @p maxCharacters of what the run has written, up to 64 KB, trimmed.
+    const FilmOutcome &outcome() const { return m_outcome; } ///< of the last run that has ended
+    /// The last @p maxCharacters, of 64 KB at most, that ffmpeg has written; trimmed.
     QString lastOutput(int maxCharacters) const;
 
-    /// Starts a run; one that is under way is canceled first.
+    /// Starts a run; cancels one that is still going on.
     void start(const FilmOrder &order);
 
 public slots:
-    /// Kills the run, which then ends as failed before this returns, after a second at the latest.
+    /// Kills the run and sends finished(), at the latest after a second, before it returns.
     void cancel();
 
 signals:
     /// ffmpeg has written @p text, trimmed and not empty.
     void outputRead(const QString &text);
-    /// The run has ended: the last signal of each, also when it is sent by start() or cancel().
+    /// A run has ended; sent exactly once per start(), as its last signal.
     void finished(const FilmOutcome &outcome);
 
 private:
@@ -73,7 +74,8 @@ private:
     void conclude(const FilmOutcome &outcome);
 
     FilmOrder m_order;
+    FilmOutcome m_outcome;
     QProcess *m_process = nullptr; // owned as a child; exists only during a run
-    QByteArray m_output;           // the end of it
+    QByteArray m_output;           // the last 64 to 128 KB
     QTimer m_startLimit;
 };

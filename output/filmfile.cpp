@@ -12,13 +12,13 @@
 
 namespace {
 
-/// The head of a box: its length and type, and, when that length is 1, the true one in 8 bytes.
+/// The head of a box: length and type, followed by a length of 8 bytes when the first one is 1.
 constexpr int headBytes = 8;
 constexpr int longHeadBytes = 16;
 constexpr int typeOffset = 4;
-constexpr int maxBoxes = 10'000; // a film of ours has some thirty
+constexpr int maxBoxes = 10'000; // ours have about thirty
 
-/// Bytes of a file, from the first one to behind the last.
+/// Bytes of a file; the end is exclusive.
 struct Range
 {
     qint64 begin = 0;
@@ -31,26 +31,26 @@ struct Box
     Range content;
 };
 
-/// Reads boxes and what is in them, trusting no length.
+/// Reads boxes and their contents; lengths are checked against what encloses them.
 class BoxReader
 {
 public:
     explicit BoxReader(QFile &file) : m_file(file), m_size(file.size()) {}
 
     Range whole() const { return {0, m_size}; }
-    /// Whether a box was not read because there have been too many.
+    /// Whether the limit of boxes has been exceeded.
     bool gaveUp() const { return m_boxes > maxBoxes; }
 
-    /// The box that @p range begins with; nothing when it does not fit in there.
+    /// The box at the beginning of @p range; nothing when it does not fit.
     std::optional<Box> firstBox(const Range &range);
-    /// The content of the box that a path of types leads to, the first of each type in @p range.
+    /// The content of the box at a path of types below @p range, taking the first of each type.
     std::optional<Range> find(std::initializer_list<const char *> types, Range range);
     /// Up to @p count bytes of @p range.
     QByteArray bytes(const Range &range, qint64 offset, qint64 count);
 
 private:
     QFile &m_file;
-    const qint64 m_size; // asked once: each question goes to the disk
+    const qint64 m_size; // asked once: each call goes to the file system
     int m_boxes = 0;
 };
 
@@ -63,7 +63,7 @@ std::optional<Box> BoxReader::firstBox(const Range &range)
     qint64 length = qFromBigEndian<quint32>(head.constData());
     int contentOffset = headBytes;
     if (length == 0) {
-        length = room; // up to the end, however long that is
+        length = room; // reaches to the end
     } else if (length == 1) {
         contentOffset = longHeadBytes;
         length =
@@ -97,14 +97,14 @@ QByteArray BoxReader::bytes(const Range &range, qint64 offset, qint64 count)
     return m_file.read(std::min(count, range.end - begin));
 }
 
-/// The pictures of a track, as its table of their sizes counts them; nothing when it is no video.
+/// Number of pictures in a track, from its table of sample sizes; nothing when it is no video.
 std::optional<qint64> picturesOfTrack(BoxReader &reader, const Range &track)
 {
-    constexpr int handlerOffset = 8; // behind version, flags and a number not used
+    constexpr int handlerOffset = 8; // after version, flags and an unused number
     const std::optional<Range> handler = reader.find({"mdia", "hdlr"}, track);
     if (!handler || reader.bytes(*handler, handlerOffset, 4) != "vide")
         return std::nullopt;
-    constexpr int countOffset = 8; // behind version, flags and the size that all might share
+    constexpr int countOffset = 8; // after version, flags and the common size
     const std::optional<Range> sizes = reader.find({"mdia", "minf", "stbl", "stsz"}, track);
     const QByteArray count = sizes ? reader.bytes(*sizes, countOffset, 4) : QByteArray();
     return count.size() < 4 ? 0 : qFromBigEndian<quint32>(count.constData());

@@ -6,36 +6,36 @@
 
 class QString;
 
-/// Films as ffmpeg leaves them on disk.
+/// Checks films that ffmpeg has written.
 namespace FilmFile {
 
-/// What an MP4 tells of itself.
+/// What the structure of an MP4 shows.
 struct Content
 {
-    bool isCutOff = false; ///< only the beginning of a film, or nothing at all
-    qint64 pictures = 0;   ///< that its tables list; 0 when it is cut off
+    bool isCutOff = false; ///< incomplete or empty
+    qint64 pictures = 0;   ///< number in its video track; 0 when it is cut off
 };
 
 /**
- * Looks through the boxes of the MP4 at @p path, trusting none of their lengths.
+ * Reads the box structure of the MP4 at @p path; no length in it is trusted.
  *
- * An MP4 is a row of boxes, each with its length in front (ISO/IEC 14496-12, 4.2); the one called
- * "moov", which ffmpeg writes last, holds the tables without which nothing can be played.
+ * An MP4 is a sequence of boxes, each with its length in front (ISO/IEC 14496-12, 4.2). The one
+ * called "moov", which ffmpeg writes last, holds the tables that a player needs.
  *
- * @return nothing for what is no MP4, has more boxes than a film of ours, is no regular file or
- *         cannot be opened: that is not judged
+ * @return nothing when the file is no MP4, has more than 10,000 boxes, is no regular file or cannot
+ *         be opened
  */
 std::optional<Content> read(const QString &path);
 
-/// Whether @p path holds only the beginning of a film, or nothing at all; false when not judged.
+/// Whether the film at @p path is incomplete or empty; false when read() returns nothing.
 bool isCutOff(const QString &path);
 
 /**
- * What is wrong with a film that ffmpeg says it has finished, as the end of a sentence; empty when
- * it has all of its @p pictures, or is not judged.
+ * What is wrong with a film that ffmpeg has finished, as the end of a sentence; empty when it shows
+ * @p pictures pictures, or when read() returns nothing.
  *
- * The exit code does not tell: ffmpeg up to 5.1 at least ends with 0 when the disk turns out to be
- * full as it closes the film, and when it leaves out pictures that it cannot read.
+ * The exit code is not enough: ffmpeg (at least up to 5.1) returns 0 when the disk is full as it
+ * closes the film, and when it has skipped pictures that it could not read.
  */
 QString flaw(const QString &path, qint64 pictures);
 

@@ -22,14 +22,14 @@ const QByteArray &lastChunk()
     return bytes;
 }
 
-bool isWhole(const QString &path)
+} // namespace
+
+bool FrameSequence::isWhole(const QString &path)
 {
     QFile file(path);
     return RegularFile::open(file) && file.read(signature().size()) == signature() &&
            file.seek(file.size() - lastChunk().size()) && file.readAll() == lastChunk();
 }
-
-} // namespace
 
 int FrameSequence::countWhole(const QString &folder, int count)
 {

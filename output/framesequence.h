@@ -5,6 +5,9 @@ class QString;
 /// The numbered frames that a film is made of.
 namespace FrameSequence {
 
+/// Whether @p path is a PNG file with a beginning and an end.
+bool isWhole(const QString &path);
+
 /**
  * How many of the frames 0 to @p count - 1 in @p folder are PNG files with a beginning and an end.
  *

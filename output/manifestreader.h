@@ -8,7 +8,7 @@
 
 #include <optional>
 
-/// An accepted frame as the manifest tells it.
+/// An accepted frame as listed in the manifest.
 struct ManifestFrame
 {
     QString file;         ///< as written: relative to the session directory
@@ -17,11 +17,11 @@ struct ManifestFrame
 };
 Q_DECLARE_TYPEINFO(ManifestFrame, Q_MOVABLE_TYPE);
 
-/// What there is in a manifest.
+/// The contents of a manifest.
 struct ManifestFrames
 {
     QHash<int, QVector<ManifestFrame>> bySource; ///< of each sourceId, in file order
-    QString remark; ///< a sentence when reading ended before the file did; else empty
+    QString remark; ///< a sentence if only part of the file was read; else empty
 };
 
 namespace ManifestReader {
@@ -33,7 +33,7 @@ namespace ManifestReader {
  * that a damaged line lacks. The metadata holds those of "scale", "scaleCorrection", "width",
  * "height" and "rsun" that are greater than 0, and always "refPixelX" and "refPixelY", which are 0
  * when unknown. A source id that is no number reads as 0. Time is linear in the size of the file.
- * A line of more than 1 MB, which no manifest has, ends the reading.
+ * Reading stops at a line of more than 1 MB, which no manifest has.
  *
  * @return nothing when the file is empty, no regular file or cannot be opened; @p errorText, which
  *         may be null, then says why

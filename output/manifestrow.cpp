@@ -19,7 +19,7 @@ QString metadataText(const QJsonValue &value)
 
 } // namespace
 
-QString toText(FrameStatus status)
+QString ManifestRows::toText(FrameStatus status)
 {
     switch (status) {
     case FrameStatus::Ok:
@@ -38,7 +38,16 @@ QString toText(FrameStatus status)
     return {};
 }
 
-QString toLine(const ManifestRow &row)
+std::optional<FrameStatus> ManifestRows::frameStatus(const QStringRef &word)
+{
+    for (const FrameStatus status : frameStatuses) {
+        if (word == toText(status))
+            return status;
+    }
+    return std::nullopt;
+}
+
+QString ManifestRows::toLine(const ManifestRow &row)
 {
     QStringList fields{
         QString::number(row.request.sourceId),

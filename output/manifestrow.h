@@ -6,11 +6,14 @@
 #include <QJsonObject>
 #include <QString>
 
+#include <array>
+#include <optional>
+
 /// How one request ended.
 enum class FrameStatus { Ok, RejectedTime, Duplicate, CorruptImage, DownloadError, LookupError };
-
-/// The word that the manifest stores.
-QString toText(FrameStatus status);
+constexpr std::array<FrameStatus, 6> frameStatuses = {
+    FrameStatus::Ok,           FrameStatus::RejectedTime,  FrameStatus::Duplicate,
+    FrameStatus::CorruptImage, FrameStatus::DownloadError, FrameStatus::LookupError};
 
 /// One outcome, as it is entered in the ledger.
 struct ManifestRow
@@ -26,5 +29,16 @@ struct ManifestRow
     QJsonObject metadata; ///< the closest-image answer
 };
 
+/// Outcomes as texts.
+namespace ManifestRows {
+
+/// The word that the manifest stores.
+QString toText(FrameStatus status);
+
+/// The status of a stored word; nothing for any other.
+std::optional<FrameStatus> frameStatus(const QStringRef &word);
+
 /// The row as it stands in manifest.csv, its line feed included.
 QString toLine(const ManifestRow &row);
+
+} // namespace ManifestRows

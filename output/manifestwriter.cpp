@@ -46,7 +46,7 @@ bool ManifestWriter::append(const ManifestRow &row, QString *errorText)
 {
     if (!isOpen())
         return true;
-    m_waiting.push_back(encoded(toLine(row)));
+    m_waiting.push_back(encoded(ManifestRows::toLine(row)));
     return writeWaiting(errorText);
 }
 

@@ -30,15 +30,15 @@ QJsonObject conventions()
 void insertSettings(QJsonObject &json, const AcquisitionSettings &settings)
 {
     json.insert(SessionKeys::startUtc, UtcText::toText(settings.startUtc));
-    json.insert(QStringLiteral("endUtc"), UtcText::toText(settings.endUtc));
+    json.insert(SessionKeys::endUtc, UtcText::toText(settings.endUtc));
     json.insert(QStringLiteral("cadenceSeconds"), settings.cadenceSeconds);
     json.insert(QStringLiteral("maxTimeErrorSeconds"), settings.maxTimeErrorSeconds);
     json.insert(QStringLiteral("useSourceTimingProfiles"), settings.useSourceTimingProfiles);
     json.insert(QStringLiteral("imageWidth"), settings.imageWidth);
     json.insert(SessionKeys::videoFps, settings.videoFps);
     json.insert(SessionKeys::videoCrf, settings.videoCrf);
-    json.insert(QStringLiteral("keepFrames"), settings.keepFrames);
-    json.insert(QStringLiteral("createVideos"), settings.createVideos);
+    json.insert(SessionKeys::keepFrames, settings.keepFrames);
+    json.insert(SessionKeys::createVideos, settings.createVideos);
     json.insert(SessionKeys::sourceOverlay, settings.sourceOverlay);
     json.insert(SessionKeys::scaleOverlay, settings.scaleOverlay);
 }
@@ -70,10 +70,10 @@ QJsonObject sourceJson(const SessionSourceRecord &record, const SessionRecord &s
         {QStringLiteral("videoFile"), SessionFiles::film(archiveName)},
         {QStringLiteral("timingProfile"), record.timingProfile},
         {QStringLiteral("maxTimeErrorSeconds"), record.maxTimeErrorSeconds},
-        {QStringLiteral("acceptedFrames"), record.acceptedFrames},
-        {QStringLiteral("timestampedVideoFrames"), record.timestampedVideoFrames},
-        {QStringLiteral("duplicateRequests"), record.duplicateRequests},
-        {QStringLiteral("rejectedTimeRequests"), record.rejectedTimeRequests},
+        {SessionKeys::acceptedFrames, record.acceptedFrames},
+        {SessionKeys::timestampedVideoFrames, record.timestampedVideoFrames},
+        {SessionKeys::duplicateRequests, record.duplicateRequests},
+        {SessionKeys::rejectedTimeRequests, record.rejectedTimeRequests},
         {QStringLiteral("preflightMode"), toText(record.preflightMode)},
         {QStringLiteral("preflightUsed"), record.preflightMode == PreflightMode::QuickProbe},
         {QStringLiteral("preflightProbeSeconds"), session.preflightProbeSeconds},
@@ -96,7 +96,7 @@ QJsonObject SessionDescriptor::toJson(const SessionRecord &session)
     insertSettings(json, session.settings);
     json.insert(QStringLiteral("apiBase"), session.apiBase);
     json.insert(QStringLiteral("preflightParallelRequests"), session.preflightParallelRequests);
-    json.insert(QStringLiteral("canceled"), session.canceled);
+    json.insert(SessionKeys::canceled, session.canceled);
     json.insert(QStringLiteral("completedUtc"), UtcText::toText(session.completedUtc));
     json.insert(SessionKeys::sources, sources);
     return json;

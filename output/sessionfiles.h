@@ -27,6 +27,16 @@ inline QString frame(int number)
     return QStringLiteral("frame_%1.png").arg(number, 6, 10, QLatin1Char('0'));
 }
 
+/// The number in the name of a frame; -1 for any other name.
+inline int frameNumber(const QString &name)
+{
+    constexpr int prefix = 6; // "frame_"
+    constexpr int suffix = 4; // ".png"
+    bool isNumber = false;
+    const int number = name.midRef(prefix, name.size() - prefix - suffix).toInt(&isNumber);
+    return isNumber && number >= 0 && frame(number) == name ? number : -1;
+}
+
 /// All frames of a folder, as a name filter.
 inline QString frameFilter()
 {

@@ -10,21 +10,21 @@
 
 namespace {
 
-/// Behind the film's whole name: nobody gives a file such a name by hand.
+/// Follows the film's whole name. Nobody gives a file such a name by hand.
 const QString &asideSuffix()
 {
     static const QString suffix = QStringLiteral(".orvik-earlier");
     return suffix;
 }
 
-/// A link counts as itself, also when it leads nowhere: the encoder would write through it.
+/// True also for a dangling link: the encoder would write through it.
 bool isThere(const QString &path)
 {
     const QFileInfo info(path);
     return info.isSymLink() || (info.exists() && !info.isDir());
 }
 
-/// Whether no film is lost when another one takes this place.
+/// Whether the film at this path may be replaced.
 bool isFree(const QString &film)
 {
     return !isThere(film) || FilmFile::isCutOff(film);

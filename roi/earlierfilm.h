@@ -4,39 +4,39 @@
 #include <QStringList>
 
 /**
- * The film that already bears the name of a new one, kept aside until the new one stands.
+ * The earlier film of the same name, kept aside until the new one is complete.
  *
- * It lies beside its place under a name of its own kind, which no search takes for a film's, and
- * comes back unless the new film supersedes it. When the program is killed in between it stays
- * there until restoreAll() or the next attempt at the same name finds it.
+ * It is renamed within its folder, to a name that no search for films matches, and gets its own
+ * name back unless the new film supersedes it. If the program is killed in between, restoreAll() or
+ * the next run that makes the same film finds it.
  */
 class EarlierFilm final
 {
 public:
-    /// Bytes that the file name of a film may have so that there is room for the one kept aside.
+    /// The longest file name a film may have, in bytes: the name of the one kept aside is longer.
     static int maxNameBytes();
 
-    /// Whether a film has been left aside in @p folder.
+    /// Whether @p folder holds a film that was kept aside.
     static bool isWaitingIn(const QString &folder) { return !waiting(folder).isEmpty(); }
 
     /**
-     * Puts the films that wait in @p folder back to places that are empty or hold a cut-off film.
+     * Gives the films kept aside in @p folder their names back, unless a whole film has taken them.
      *
-     * Nothing may be encoding there meanwhile.
+     * No encoder may be at work in that folder.
      *
-     * @return the films that are back
+     * @return paths of the films that were restored
      */
     static QStringList restoreAll(const QString &folder);
 
-    /// Frees @p film, the path of a film, for the encoder; see isOutOfTheWay().
+    /// Moves the film at the path @p film aside, if there is one; see isOutOfTheWay().
     explicit EarlierFilm(const QString &film);
-    /// Puts the earlier film back over whatever is at its place; without one clears that place.
+    /// Replaces whatever is at the film's path by the earlier film; removes it if there is none.
     ~EarlierFilm();
 
-    /// False when the system refused to move it: an encoder would write over it.
+    /// False when it could not be moved: an encoder would overwrite it.
     bool isOutOfTheWay() const { return m_isOutOfTheWay; }
 
-    /// The new film is whole: the earlier one goes. Without a new film it stays after all.
+    /// Tells that the new film is whole: the earlier one is removed, provided there is a new one.
     void supersede();
 
 private:

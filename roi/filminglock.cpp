@@ -5,13 +5,14 @@
 #include <QDir>
 #include <QFileInfo>
 
-// It lies in the session itself, so that it is the same for all who share that folder.
+// The lock file is in the session, so that computers that share the folder see it, too.
 FilmingLock::FilmingLock(const QString &sessionDirectory)
     : m_path(QDir(sessionDirectory).filePath(QStringLiteral(".roi_video.lock"))), m_file(m_path)
 {
-    m_file.setStaleLockTime(0); // films may take hours: a lock is void when its program is gone
+    m_file.setStaleLockTime(0); // films may take hours: only a program that is gone makes it stale
     const QFileInfo file(m_path);
-    const bool isUsable = file.isFile() || !file.exists(); // Qt would wait for a pipe to be written
+    const bool isUsable =
+        file.isFile() || !file.exists(); // QLockFile would wait for a writer of a pipe
     m_isTaken = !isUsable || (!m_file.tryLock(0) && m_file.error() == QLockFile::LockFailedError);
 }
 

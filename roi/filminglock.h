@@ -4,24 +4,24 @@
 #include <QString>
 
 /**
- * The right to make films in a session, which one window at a time has.
+ * Keeps two windows from making films of one session at the same time.
  *
- * All films of a session pass through the same temporary folders. The right ends with this object,
- * or with the program that had it, however that ended.
+ * Both would write to the same temporary folders. The lock is released when this object is
+ * destroyed; that of a program that was killed is void.
  */
 class FilmingLock final
 {
 public:
-    /// Asks for the right without waiting.
+    /// Tries to lock the session, without waiting.
     explicit FilmingLock(const QString &sessionDirectory);
 
     /**
-     * Whether no other window has the right.
+     * Whether no other window has locked the session.
      *
-     * True also where the disk takes no lock file: it will not take films either, and says better
-     * why.
+     * True also where no lock file can be created, as on a full or read-only disk: writing the
+     * films then fails with a more useful message.
      *
-     * @param errorText  may be null; a sentence for the user, set only when the right is refused
+     * @param errorText  may be null; a sentence for the user, set only when the session is locked
      */
     bool isFree(QString *errorText = nullptr) const;
 

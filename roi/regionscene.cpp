@@ -21,7 +21,7 @@ QColor regionColor(bool current)
     return current ? Qt::yellow : Qt::green;
 }
 
-/// Grows and shrinks with the zoom; a frame of any size has outlines of the same weight.
+/// In pixels of the frame, so that it scales with the zoom; wider on larger frames.
 QPen regionPen(int frameWidthPx, bool current)
 {
     return QPen(regionColor(current), std::max(1.0, frameWidthPx / 1000.0));
@@ -32,8 +32,8 @@ QPen regionPen(int frameWidthPx, bool current)
 RegionScene::RegionScene(QGraphicsView *view, QObject *parent)
     : QGraphicsScene(parent), m_view(view)
 {
-    // An index by place is of no use: all is in sight, and regions that overlap make it grow with
-    // the square of their number.
+    // A spatial index does not help: all regions are visible. With many that overlap it takes
+    // minutes and gigabytes.
     setItemIndexMethod(NoIndex);
     m_view->setScene(this);
     // Names reach beyond their items, and stay in sight while the picture is moved below them.

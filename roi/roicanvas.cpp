@@ -108,7 +108,7 @@ void RoiCanvas::fit()
 bool RoiCanvas::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
-    case QEvent::Wheel: // always taken: the view itself would scroll
+    case QEvent::Wheel: // always consumed: the view would scroll
         zoom(static_cast<QWheelEvent *>(event)->angleDelta().y() >= 1);
         return true;
     case QEvent::Show:
@@ -134,13 +134,13 @@ void RoiCanvas::zoom(bool closer)
     m_view->scale(factor, factor);
 }
 
-/// Whether the view is not to see @p event. It does see moves: it zooms about the last one.
+/// Whether @p event is consumed. Moves are passed on: the view zooms about the last position.
 bool RoiCanvas::mouseEvent(QEvent *event)
 {
     switch (event->type()) {
     case QEvent::MouseMove:
     case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick: // so arrives a press that soon follows another one
+    case QEvent::MouseButtonDblClick: // a press soon after another one
     case QEvent::MouseButtonRelease: {
         const auto &mouse = *static_cast<QMouseEvent *>(event);
         emit hovered(m_scene.framePosition(mouse.pos()));

@@ -21,7 +21,7 @@ class RoiCanvas final : public QObject
     Q_OBJECT
 
 public:
-    /// Puts its scene into @p view and takes the mouse of its viewport.
+    /// Sets the scene of @p view and handles the mouse events of its viewport.
     explicit RoiCanvas(QGraphicsView *view, QObject *parent = nullptr);
 
     bool isDrawing() const { return m_drawing; }
@@ -36,14 +36,15 @@ public:
     void showFrame(const QPixmap &frame);
     /// Shows @p text in place of a frame; ends drawing.
     void showMessage(const QString &text);
-    /// Replaces the regions; the one at @p current, if any, stands out and has handles.
+    /// Replaces the regions; the one at the index @p current, if any, is highlighted and has
+    /// handles.
     void showRegions(const QVector<RegionMark> &regions, int current);
     /// Width / height that drags hold, as in RegionShape; 0 for a free one.
     void setProportion(double proportion) { m_proportion = proportion; }
 
-    /// Lets the next drag that begins inside the frame draw a rectangle where it would pan.
+    /// Makes the next drag inside the frame draw a rectangle instead of panning.
     void startDrawing();
-    /// Lets drags pan again; a rectangle that is being drawn is dropped without a signal.
+    /// Makes drags pan again; drops a rectangle that is being drawn, without a signal.
     void cancelDrawing();
     /// Draws half of the frame, in its middle, as if by a drag.
     void drawMiddle();
@@ -51,15 +52,15 @@ public:
     void cancelDrag();
 
 public slots:
-    /// Fits the whole frame into the view: at once, or as soon as the view has its size.
+    /// Fits the whole frame into the view, as soon as the view has its final size.
     void fit();
 
 signals:
     /// A rectangle of at least 2 x 2 pixels is drawn; @p pixels lies inside the frame.
     void rectangleDrawn(const QRectF &pixels);
-    /// The drag ended smaller than that; nothing is to be created.
+    /// A drag ended that was smaller; no region is to be created.
     void rectangleTooSmall();
-    /// The mouse went down beside the frame; drawing goes on.
+    /// The mouse was pressed outside the frame; drawing mode stays on.
     void startedOutside();
     /// The mouse is at @p pixel of the frame, or beside it.
     void hovered(const QPointF &pixel);

@@ -165,7 +165,7 @@ bool RoiEditor::mayBeLeft()
 
 void RoiEditor::setFrameSize(const QSize &pixels)
 {
-    commitTyped(); // pixels of the frame so far
+    commitTyped(); // it was typed in pixels of the previous frame
     m_frameSize = pixels;
     showFields();
 }
@@ -317,8 +317,8 @@ void RoiEditor::storeAndSaySo()
                           tr("ROI definitions saved to rois.json."));
 }
 
-/// Lets @p field change its own side of the region only: what the others hold beyond whole pixels,
-/// or beyond this frame's edge, stays for the other datasources.
+/// Makes @p field change one side of the region only. The others keep fractions of pixels, and
+/// parts beyond the edge of this frame, which may matter for other datasources.
 void RoiEditor::connectGeometry(QSpinBox *field, void (QRectF::*change)(qreal),
                                 int (QSize::*frameSide)() const)
 {
@@ -405,7 +405,7 @@ void RoiEditor::showGeometry(const QRect &pixels)
     setField(m_ui->heightSpin, 2, m_frameSize.height(), pixels.height());
 }
 
-/// Without a frame no pixels can be told, and those of the frame before would be wrong.
+/// Without a frame there are no pixel values; those of the previous frame would be wrong.
 void RoiEditor::clearGeometry()
 {
     const QVector<QSpinBox *> fields = geometryFields();

@@ -22,8 +22,8 @@ class RoiEditor;
 /**
  * The regions of a session, in a list and in fields that change the current one.
  *
- * Owns the regions and knows which of them rois.json has. The pixels in its fields are those of the
- * frame that is looked at, of which it knows no more than the size.
+ * Owns the regions and knows whether they differ from those stored in rois.json. Its fields show
+ * pixels of the current frame, of which it knows only the size.
  */
 class RoiEditor final : public QGroupBox
 {
@@ -35,32 +35,31 @@ public:
 
     const QVector<Roi> &rois() const { return m_rois; }
     int currentRow() const; ///< -1 when no region is selected
-    /// What the regions cover of the frame, in the order of the list; empty without a frame.
+    /// The regions in pixels of the current frame, in list order; empty without a frame.
     QVector<RegionMark> marks() const;
 
-    /// Takes over the regions that are stored in a session.
+    /// Shows the regions stored in a session in place of the current ones.
     /// @return a line for the log when they are damaged; else empty
     QString load(const QString &sessionDirectory);
-    /// Stores the regions in that session; false, after a warning, when that fails.
+    /// Writes rois.json of that session; shows a warning and returns false when that fails.
     bool store();
-    /// Asks what shall become of regions that are not stored; false when the user would rather
-    /// stay.
+    /// Asks whether to store unsaved changes, if there are any; false when the user cancels.
     bool mayBeLeft();
-    /// Tells the size of the frame that is looked at; empty when none is.
+    /// Sets the size of the current frame; empty when there is none.
     void setFrameSize(const QSize &pixels);
-    /// Appends a region over @p pixels of the frame, which becomes the current one.
-    /// @return its name
+    /// Appends and selects a region of @p pixels of the current frame; returns its name.
     QString add(const QRectF &pixels);
-    /// Makes a region the current one.
+    /// Selects a region.
     void pick(int row);
-    /// Lets the current region cover @p pixels of the frame, until endDrag() says for good or not.
+    /// Moves the current region to @p pixels of the frame, until endDrag() keeps that or takes it
+    /// back.
     void dragTo(const QRect &pixels);
     void endDrag(bool kept);
-    /// Takes over what is still being typed.
+    /// Applies what is being typed, as leaving its field would do.
     void commitTyped();
 
 signals:
-    /// A region has changed, or another one is the current one.
+    /// A region has changed, or another one has been selected.
     void regionsChanged();
     /// The user wants to draw a region.
     void drawingRequested();
@@ -103,8 +102,8 @@ private:
 
     std::unique_ptr<Ui::RoiEditor> m_ui;
     QString m_sessionDirectory;              // empty until one is loaded
-    QVector<Roi> m_rois;                     // row for row what the list shows, ticks included
-    QVector<Roi> m_storedRois;               // as rois.json has them
+    QVector<Roi> m_rois;                     // in list order, check states included
+    QVector<Roi> m_storedRois;               // as in rois.json
     std::optional<RegionState> m_beforeDrag; // while the current region is dragged
     RegionHistory m_history;
     QVector<QAction *> m_needRegion; // owned as children

@@ -13,6 +13,11 @@ constexpr int shownCharacters = 4000;
 
 } // namespace
 
+RoiEncoder::RoiEncoder(QObject *parent) : QObject(parent)
+{
+    connect(&m_encoder, &FilmEncoder::outputRead, this, &RoiEncoder::outputRead);
+}
+
 bool RoiEncoder::isPresent(const QString &program, QString *errorText)
 {
     return QFileInfo::exists(program) ||
@@ -38,17 +43,13 @@ bool RoiEncoder::run(FilmOrder order, QString *errorText)
 
 FilmOutcome RoiEncoder::runToEnd(const FilmOrder &order)
 {
-    FilmOutcome outcome;
     QEventLoop wait;
-    connect(&m_encoder, &FilmEncoder::finished, &wait, [&](const FilmOutcome &end) {
-        outcome = end;
-        wait.quit();
-    });
+    connect(&m_encoder, &FilmEncoder::finished, &wait, &QEventLoop::quit);
     m_encoder.start(order);
     if (m_encoder.isRunning())
         wait.exec();
-    m_encoder.cancel(); // a program that quits ends the wait before the encoder does
-    return outcome;
+    m_encoder.cancel(); // when the application quits, the loop ends first
+    return m_encoder.outcome();
 }
 
 QString RoiEncoder::failureText(const FilmOutcome &outcome) const

@@ -5,34 +5,37 @@
 #include <QObject>
 
 /**
- * One ffmpeg run that is waited for in an event loop of its own, so that windows stay alive.
+ * Runs ffmpeg and waits for its end in a nested event loop, so that windows stay responsive.
  */
 class RoiEncoder final : public QObject
 {
     Q_OBJECT
 
 public:
-    using QObject::QObject;
+    explicit RoiEncoder(QObject *parent = nullptr);
 
-    /// Whether there is an encoder at @p program; @p errorText, which may be null, says so if not.
+    /// Whether the file @p program exists; @p errorText, which may be null, is set if not.
     static bool isPresent(const QString &program, QString *errorText = nullptr);
 
     /**
      * Makes a film.
      *
-     * One that failed or was canceled half-way is removed, also when it could be played. The
-     * earlier film of the same name, if any, is there again then; it only goes when the new one
-     * stands.
+     * After a failure or a cancel the earlier film of the same name, if any, is back in place, and
+     * nothing of the new one is left.
      *
-     * @param errorText  may be null; set on failure only: the last 4000 characters of what ffmpeg
-     *                   wrote, or the system's words when it wrote nothing; before them a sentence
-     *                   when ffmpeg itself did not notice
+     * @param errorText  may be null; set on failure only: the last 4000 characters that ffmpeg
+     *                   wrote, or the system's error text when it wrote nothing. When ffmpeg did
+     *                   not report the failure itself, a sentence about it comes first
      */
     bool run(FilmOrder order, QString *errorText = nullptr);
 
 public slots:
-    /// Kills the encoder, for which a second has to be enough; run() then fails.
+    /// Kills the encoder, waiting up to a second for its end; run() then returns false.
     void cancel() { m_encoder.cancel(); }
+
+signals:
+    /// ffmpeg has written @p text, trimmed and not empty.
+    void outputRead(const QString &text);
 
 private:
     FilmOutcome runToEnd(const FilmOrder &order);

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int smallestLevelPx = 64; // below this a reduction by two is no longer worth a level
+constexpr int smallestLevelPx = 64; // smaller levels would save no time
 
 bool isOpaque(const QImage &argb)
 {
@@ -22,7 +22,7 @@ bool isOpaque(const QImage &argb)
     return true;
 }
 
-/// How often a side may be halved and still have a pixel for each pixel of the picture.
+/// How often a side can be halved and still have at least one pixel for each of the picture's.
 int halvings(double scale, int sidePx)
 {
     int count = 0;
@@ -76,8 +76,8 @@ QImage ZoomSource::picture(const QRectF &view, const QSize &size) const
     const double scaleY = size.height() / view.height();
     const QImage &source =
         level(halvings(scaleX, m_frameSize.width()), halvings(scaleY, m_frameSize.height()));
-    const double levelX = double(source.width()) / m_frameSize.width();
-    const double levelY = double(source.height()) / m_frameSize.height();
+    const double levelX = static_cast<double>(source.width()) / m_frameSize.width();
+    const double levelY = static_cast<double>(source.height()) / m_frameSize.height();
     const QRectF visible = view.intersected(QRectF(QPointF(), m_frameSize));
 
     QPainter painter(&picture);
@@ -90,7 +90,7 @@ QImage ZoomSource::picture(const QRectF &view, const QSize &size) const
     return picture;
 }
 
-/// The frame halved so many times in either direction; each level is made from a larger one.
+/// The frame halved @p across and @p down times; each level is made from a larger one.
 const QImage &ZoomSource::level(int across, int down) const
 {
     const auto made = m_levels.find({across, down});

@@ -8,32 +8,31 @@
 #include <map>
 #include <utility>
 
-/// The pictures of a region film, made from original frames, which are only read.
+/// Makes the pictures of a region film from original frames.
 namespace RoiFrame {
 
 /**
- * The pixels of a region, cut out before anything is converted.
+ * Cuts out the pixels of a region, before any conversion.
  *
- * Opaque RGB32 unless something in the cut is transparent, then ARGB32: a picture without alpha
- * is written and encoded in half the time and gives the same film.
+ * The result is RGB32, or ARGB32 if part of it is transparent. A picture without alpha takes half
+ * the time to write and to encode and gives the same film.
  */
 QImage crop(const QImage &frame, const QRect &pixels);
 
 /**
- * A picture turned by minus the stored rotation, in quarter turns that move whole pixels.
+ * Turns a picture by minus the stored rotation, if that is a quarter turn; no pixel is resampled.
  *
- * The choice "90 deg clockwise" (90) therefore turns it counter-clockwise on screen. Stored sets
- * rely on that.
+ * The choice "90 deg clockwise" (90) therefore turns it counter-clockwise on screen; existing
+ * rois.json files rely on that.
  */
 QImage turned(const QImage &picture, int storedRotation);
 
 /**
- * Kilometres per pixel, along the horizontal of the finished picture, of a zoom introduction frame.
+ * Kilometres per pixel along the horizontal of a finished picture of the zoom introduction.
  *
- * A view of v frame pixels drawn over p picture pixels makes each of these v / p times as long as
- * a pixel of the frame. The view may be squeezed more in one direction than in the other, and the
- * scale bar is drawn horizontally after the turn: of a picture that a quarter turn lays on its side
- * it is therefore the height that counts. A cut needs none of this, its pixels are the frame's.
+ * When v pixels of the frame are drawn over p pixels of the picture, each of these is v / p times
+ * as long as a pixel of the frame. The two directions may be scaled differently. The scale bar is
+ * drawn horizontally after the turn, so after a quarter turn the height of the picture counts.
  */
 double zoomKmPerPixel(double frameKmPerPixel, const QRectF &view, const QSize &pictureSize,
                       int storedRotation);
@@ -41,25 +40,26 @@ double zoomKmPerPixel(double frameKmPerPixel, const QRectF &view, const QSize &p
 } // namespace RoiFrame
 
 /**
- * One frame, ready to be drawn at any reduction: the source of a zoom introduction.
+ * A frame that can be drawn at any reduction, for the zoom introduction.
  *
- * Holds the frame and its halvings, those across apart from those down, so that the whole disk
- * squeezed into a small picture is averaged, where drawing it straight from the frame would drop
- * most pixels and flicker.
+ * Keeps the frame halved repeatedly, in each direction independently, so that strong reductions
+ * average all pixels. Drawn directly from the frame most pixels would be skipped, and the film
+ * would flicker.
  */
-class ZoomSource
+class ZoomSource final
 {
 public:
     explicit ZoomSource(const QImage &frame);
 
     QSize frameSize() const { return m_frameSize; }
 
-    /// The part @p view of the frame over a whole picture of @p size; black beyond the frame.
+    /// A picture of @p size that shows the part @p view of the frame; black outside the frame.
     QImage picture(const QRectF &view, const QSize &size) const;
 
 private:
     const QImage &level(int across, int down) const;
 
     QSize m_frameSize;
-    mutable std::map<std::pair<int, int>, QImage> m_levels; // by halvings; made when needed
+    mutable std::map<std::pair<int, int>, QImage>
+        m_levels; // by number of halvings; made when needed
 };

@@ -9,12 +9,13 @@ namespace {
 constexpr std::array<int, 4> offeredRotations = {0, 90, -90, 180};
 constexpr int smallestSidePx = 2;
 
-/// Rounded half away from zero. Limited before it becomes an int: a stored number may be huge.
+/// Rounds half away from zero. Clamps before the conversion to int: a stored number may be huge.
 int limitedPixels(double value, int lowest, int highest)
 {
     if (std::isnan(value))
         return lowest;
-    const double limited = std::min(std::max(std::round(value), double(lowest)), double(highest));
+    const double limited =
+        std::clamp(std::round(value), static_cast<double>(lowest), static_cast<double>(highest));
     return static_cast<int>(limited);
 }
 
@@ -84,7 +85,7 @@ int RoiGeometry::introFrameCount(double seconds, int fps)
 
 QRectF RoiGeometry::zoomView(const QRectF &region, const QSize &frame, int index, int count)
 {
-    const double time = double(index) / (count - 1);
+    const double time = static_cast<double>(index) / (count - 1);
     const double share = time * time * (3.0 - 2.0 * time);
     const auto between = [share](double from, double to) { return from + (to - from) * share; };
     return {between(0.0, region.x()), between(0.0, region.y()),

@@ -11,14 +11,14 @@
 
 namespace {
 
-/// Two digits, so that films sort by it.
+/// At least two digits, so that films sort by number.
 QString numberText(int number)
 {
     return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
 }
 
-/// The region's name is shortened where the disk could not hold it, then the folder's: the number
-/// alone tells the films of a folder apart.
+/// Shortens the region's name, then the folder's, if the file name would be too long. The number
+/// keeps the names in a folder distinct.
 QString filmName(const QString &folderName, const QString &number, const QString &regionName)
 {
     const QString pattern = QStringLiteral("%1__ROI_%2_%3.mp4");
@@ -28,7 +28,7 @@ QString filmName(const QString &folderName, const QString &number, const QString
     return pattern.arg(folderPart, number, FileNames::shortened(regionName, rest));
 }
 
-/// The folder of a film's pictures, below the temporary root.
+/// The folder of one film's pictures, inside the temporary root.
 QString framesFolderName(const QString &number, const QString &regionName)
 {
     const QString name = QStringLiteral("roi_%1_%2").arg(number, regionName);

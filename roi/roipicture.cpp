@@ -19,7 +19,7 @@ QImage finished(const QImage &upright, const RoiSourceFrame &frame, const Roi &r
     return picture;
 }
 
-/// A cut changes no pixel's length, so it is the full frame's width that counts.
+/// Cropping does not change the length of a pixel, so the width of the full frame counts.
 double frameKmPerPixel(const RoiSourceFrame &frame, const RoiLook &look, int frameWidthPx)
 {
     const bool own = ScaleLookup::isUsable(frame.metadata);

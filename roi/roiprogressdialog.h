@@ -6,9 +6,9 @@ class RoiVideoGenerator;
 class ScaleLookup;
 
 /**
- * Shows how far a run has come, and lets the user cancel it.
+ * Shows the progress of a run and lets the user cancel it.
  *
- * Canceling hides it at once, while the run may still take a second to end.
+ * Canceling hides the dialog at once; the run may take a second longer to end.
  */
 class RoiProgressDialog final : public QProgressDialog
 {

@@ -18,8 +18,8 @@
 
 namespace {
 
-/// Answers whether files exist by listing each folder once; a million questions to the file system
-/// take many times longer.
+/// Tells whether files exist by listing each folder once; a million calls to the file system take
+/// many times longer.
 class FileInventory
 {
 public:
@@ -107,8 +107,8 @@ bool hasFrames(const RoiSource &source)
     return !source.frames.isEmpty();
 }
 
-/// The nearest folder at or above @p path that exists, with all links followed; empty for a link
-/// that leads nowhere.
+/// The nearest existing folder at or above @p path, with all links followed; empty for a dangling
+/// link.
 QString canonicalAncestor(QString path)
 {
     while (!QFileInfo::exists(path) && !QFileInfo(path).isSymLink() &&
@@ -161,7 +161,7 @@ std::optional<StoredSession> RoiSession::load(const QString &directory, QString 
     if (!descriptor)
         return fail(QStringLiteral("Invalid session.json: %1").arg(reason));
 
-    // Without a manifest the folders themselves tell which frames there are.
+    // A missing manifest is no error: the folders are scanned for frames instead.
     const ManifestFrames manifest =
         ManifestReader::read(session.filePath(SessionFiles::manifest())).value_or(ManifestFrames());
     StoredSession loaded = sessionFromJson(*descriptor, session);

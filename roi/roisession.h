@@ -8,7 +8,7 @@
 
 #include <optional>
 
-/// An original frame that is on disk.
+/// An original frame that exists on disk.
 struct RoiSourceFrame
 {
     QString file;         ///< absolute, cleaned
@@ -21,12 +21,12 @@ struct RoiSource
 {
     int sourceId = -1;
     QString nickname;
-    QString archiveName; ///< as session.json has it, which anyone may have edited
+    QString archiveName; ///< as in session.json, which may have been edited by anyone
     QString folder;      ///< absolute
     QVector<RoiSourceFrame> frames;
 };
 
-/// A stored session, read back.
+/// A stored session as read from disk.
 struct StoredSession
 {
     QString directory; ///< absolute; empty when none is loaded
@@ -42,14 +42,14 @@ struct StoredSession
     int firstWithFrames() const;   ///< the first of these; 0 when there is none
 };
 
-/// Stored sessions as they are found on disk, whoever wrote or edited them.
+/// Reads stored sessions, which may have been written or edited by anyone.
 namespace RoiSession {
 
 /**
- * Reads session.json and manifest.csv of @p directory and looks which frames are still there.
+ * Reads session.json and manifest.csv of @p directory and checks which frames still exist.
  *
- * Frames keep the order of the manifest. Without a row that helps, the folder's "frame_*.png" are
- * taken by name, with neither time nor metadata.
+ * Frames keep the order of the manifest. If the manifest lists no existing frame of a datasource,
+ * the "frame_*.png" of its folder are taken, in order of name, without time and metadata.
  *
  * @return nothing when the descriptor cannot be used; @p errorText, which may be null, then says
  *         why
@@ -59,8 +59,8 @@ std::optional<StoredSession> load(const QString &directory, QString *errorText =
 /**
  * Whether films and temporary frames may be written, and removed, in the folder of @p source.
  *
- * The folder's name comes from a file that may have been handed over by somebody else. Only a
- * folder below the session qualifies, with links followed.
+ * The folder's name comes from session.json, which may come from somebody else. Only folders below
+ * the session are allowed, with links followed.
  *
  * @param errorText  may be null; a sentence for the user, set only when the folder is refused
  */

@@ -20,7 +20,7 @@ const QString &roisKey()
     return key;
 }
 
-/// Also false when turning a negative width around has left the range of doubles.
+/// Also false when normalizing a negative width has overflowed.
 bool hasArea(const QRectF &rect)
 {
     return std::isfinite(rect.x()) && std::isfinite(rect.y()) && std::isfinite(rect.width()) &&
@@ -77,12 +77,12 @@ bool setDamagedAside(const QString &path, QString &aside)
     return QFile::rename(path, aside);
 }
 
-/// A save file would write through a link, wherever it leads. Renaming replaces the link itself,
-/// and only once all is written.
+/// QSaveFile would write through a link, wherever it leads. Renaming replaces the link itself, and
+/// only after everything has been written.
 JsonFile::SaveResult saveOverLink(const QString &path, const QJsonObject &object)
 {
     const QString fresh = path + QStringLiteral(".new");
-    QFile::remove(fresh); // which may be a link as well
+    QFile::remove(fresh); // may be a link as well
     const JsonFile::SaveResult result = JsonFile::save(fresh, object);
     if (result != JsonFile::SaveResult::Saved || FileReplace::replace(path, fresh))
         return result;

@@ -6,7 +6,7 @@
 
 class QJsonObject;
 
-/// A region of interest, as rois.json keeps it.
+/// A region of interest, as stored in rois.json.
 struct Roi
 {
     QString name;
@@ -15,7 +15,7 @@ struct Roi
     int rotation = 0; ///< degrees: 0, 90, -90 or 180
 };
 
-/// Whether rois.json keeps both alike.
+/// Whether both would be stored as the same.
 bool operator==(const Roi &one, const Roi &other);
 
 /// The regions of one session, and the file rois.json that holds them.
@@ -24,17 +24,17 @@ namespace RoiSet {
 /// Characters in the longest name that can be typed; a stored one may have more.
 constexpr int maxNameLength = 80;
 
-/// The name that a region gets in a set that holds @p count of them so far.
+/// The default name of a new region in a set that has @p count regions so far.
 QString defaultName(int count);
 
-/// The regions of the object in rois.json; elements without an area are left out.
+/// Reads the regions from the object in rois.json, without elements that have no area.
 QVector<Roi> fromJson(const QJsonObject &object);
 
-/// The object that rois.json holds; @p sessionName is the name of the session's folder.
+/// The object to be stored in rois.json; @p sessionName is the name of the session's folder.
 QJsonObject toJson(const QVector<Roi> &rois, const QString &sessionName);
 
 /**
- * The set stored in a session; empty when there is none that can be read.
+ * The set stored in a session; empty when it is missing or cannot be read.
  *
  * @param remark  may be null; a line for the log when there is a file, but a damaged one
  */
@@ -44,7 +44,7 @@ QVector<Roi> load(const QString &sessionDirectory, QString *remark = nullptr);
  * Replaces the stored set of a session. A damaged file is kept beside it, as rois.json.bad or with
  * a number behind that.
  *
- * @param sessionDirectory  empty when none is loaded, which fails
+ * @param sessionDirectory  empty when no session is loaded; saving then fails
  * @param errorText         may be null; set on failure only
  */
 bool save(const QVector<Roi> &rois, const QString &sessionDirectory, QString *errorText = nullptr);

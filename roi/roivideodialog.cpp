@@ -33,7 +33,7 @@ QString sourceRowText(const RoiSource &source)
     return source.nickname + count;
 }
 
-/// A failure in one line, without the encoder's own words.
+/// A failure in one line, without the encoder's output.
 QString summary(const QString &errorText)
 {
     return errorText.section(QStringLiteral("\n\n"), 0, 0)
@@ -50,7 +50,7 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     m_ui->splitter->setStretchFactor(0, 2); // the pictures take what there is
     m_ui->splitter->setStretchFactor(1, 1);
-    m_ui->splitter->setSizes({620, 300, 400}); // in proportion
+    m_ui->splitter->setSizes({620, 300, 400}); // only their ratio counts
     connectWidgets();
     connectFrames();
     connectRun();
@@ -94,7 +94,7 @@ void RoiVideoDialog::abandon()
     QDialog::reject();
 }
 
-/// The first Esc ends a drawing or takes a drag back, the next one closes.
+/// Esc ends drawing or takes a drag back first, and closes the dialog only after that.
 void RoiVideoDialog::keyPressEvent(QKeyEvent *event)
 {
     RoiCanvas &canvas = m_ui->framePanel->canvas();
@@ -287,7 +287,7 @@ void RoiVideoDialog::fillWidgets()
     m_ui->outputBox->preset(m_session);
 }
 
-/// Who opens the dialog listens to its log from then on.
+/// The log is connected only after the constructor has returned.
 void RoiVideoDialog::sendRemarks()
 {
     if (!isVisible())
@@ -402,8 +402,8 @@ void RoiVideoDialog::report(RoiVideoGenerator::Outcome outcome)
     }
 }
 
-/// Cancel hides the progress dialog while the run is still on the stack, so that nothing else keeps
-/// the user from starting a second one, or from closing the dialog below it.
+/// Canceling hides the modal progress dialog while the run is still on the stack. Without the lock
+/// the user could start a second run then, or close the dialog.
 void RoiVideoDialog::lock(bool locked)
 {
     for (QWidget *part :

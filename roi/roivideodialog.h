@@ -13,9 +13,9 @@ class RoiVideoDialog;
 }
 
 /**
- * The ROI video tool: looks through a stored session, collects regions of interest and films them.
+ * The ROI video tool: shows the frames of a stored session and makes films of regions of interest.
  *
- * It collects input and shows results; reading, geometry, drawing and filming are done elsewhere.
+ * Collects input and shows results; reading, editing, drawing and filming are done elsewhere.
  */
 class RoiVideoDialog final : public QDialog
 {
@@ -26,19 +26,19 @@ public:
     explicit RoiVideoDialog(const QString &initialSessionDirectory, QWidget *parent = nullptr);
     ~RoiVideoDialog() override;
 
-    /// Replaces the session, unless it cannot be loaded; @p errorText, which may be null, says why.
+    /// Loads a session; on failure @p errorText, which may be null, says why, and nothing changes.
     bool loadSession(const QString &directory, QString *errorText = nullptr);
 
 public slots:
-    /// Ends a run that is under way; without one closes the dialog, unless the user would rather
-    /// keep regions that are not saved.
+    /// Cancels a running generation, if there is one. Otherwise closes the dialog, after asking
+    /// about unsaved regions.
     void reject() override;
     /// Closes without a question, for a program that has to end: a run is canceled, what it has not
     /// finished is gone, and what is not saved is lost.
     void abandon();
 
 signals:
-    /// A line for the log; those about a session wait until the dialog is shown.
+    /// A line for the log. Lines about a session are sent once the dialog is visible.
     void logMessage(const QString &text);
 
 protected:

@@ -63,7 +63,7 @@ RoiVideoGenerator::Outcome RoiVideoGenerator::run(const RoiVideoPlan &plan)
         return Outcome::Completed;
     if (!m_canceled)
         return Outcome::Failed;
-    m_errorText.clear(); // of an encoder that was killed
+    m_errorText.clear(); // it tells of the encoder that was killed
     return Outcome::Canceled;
 }
 
@@ -78,7 +78,7 @@ bool RoiVideoGenerator::filmSources()
     const FilmingLock lock(m_plan.sessionDirectory);
     if (!lock.isFree(&m_errorText))
         return false;
-    // A missing encoder is named before an hour is spent on pictures for it.
+    // A missing encoder is reported before an hour is spent on pictures for it.
     return std::all_of(
         m_plan.sources.cbegin(), m_plan.sources.cend(), [this](const RoiFilmSource &filmed) {
             return RoiEncoder::isPresent(RuntimeConfig::ffmpegPath(), &m_errorText) &&
@@ -91,7 +91,7 @@ bool RoiVideoGenerator::filmSource(const RoiFilmSource &filmed)
     if (!RoiSession::mayWriteTo(filmed.source, m_plan.sessionDirectory, &m_errorText))
         return false;
     const QString root = TemporaryFrames::root(filmed.source.folder);
-    // Pictures that an earlier run left behind would follow those of this one into the film.
+    // Pictures left behind by an earlier run would end up in this film.
     bool done =
         (removeTemporary(root) && QDir().mkpath(root)) ||
         fail(tr("Cannot create temporary directory:\n%1").arg(QDir::toNativeSeparators(root)));
@@ -254,7 +254,7 @@ bool RoiVideoGenerator::removeTemporary(const QString &path)
     return TemporaryFrames::remove(path, [] { QCoreApplication::processEvents(); });
 }
 
-/// Always false, for the caller to hand on.
+/// Always returns false, for the caller to return.
 bool RoiVideoGenerator::fail(const QString &text)
 {
     m_errorText = text;

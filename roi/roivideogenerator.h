@@ -22,11 +22,10 @@ struct MadeFilm
 };
 
 /**
- * Makes one film per region and datasource from the stored frames, which it only reads.
+ * Makes one film per region and datasource from the stored frames, which are only read.
  *
- * Pictures go one by one into a folder of their own below the datasource's, from where ffmpeg
- * takes them; that folder is gone when the film is made, whatever the end. A frame that several
- * regions are cut from is decoded once, as long as the disk has room for all their pictures.
+ * The pictures are written to a temporary folder inside the datasource's folder, where ffmpeg reads
+ * them. It is removed when the datasource is done, also after a failure or a cancel.
  */
 class RoiVideoGenerator final : public QObject
 {
@@ -38,11 +37,11 @@ public:
     using QObject::QObject;
 
     /**
-     * Puts back the earlier films of @p session that a killed program has left aside.
+     * Restores earlier films of @p session that were kept aside by a program that was killed.
      *
-     * Nothing happens while another window is making films there.
+     * Does nothing while another window is making films of this session.
      *
-     * @return lines for the log, one for each film that is back
+     * @return lines for the log, one for each restored film
      */
     static QStringList restoreEarlierFilms(const StoredSession &session);
 
@@ -50,21 +49,20 @@ public:
     int createdVideos() const { return m_films.size(); }
     QString errorText() const { return m_errorText; } ///< empty unless the run failed
 
-    /// Works through the whole plan; pending events are processed after each decoded frame and
-    /// each written picture.
+    /// Makes all films of the plan; pending events are processed after each picture.
     Outcome run(const RoiVideoPlan &plan);
 
 public slots:
-    /// Makes run() end within one picture; an encoder at work is killed, which takes up to a
-    /// second.
+    /// Makes run() return after the current picture. A running encoder is killed, which takes up to
+    /// a second.
     void cancel();
 
 signals:
     /// A line for the log.
     void logMessage(const QString &text);
-    /// What is being done now, for the user; before each picture and each encoding.
+    /// A description of the next step, sent before each picture and each encoding.
     void labelChanged(const QString &text);
-    /// Another picture is written; @p frames counts them over the whole run.
+    /// A picture has been written; @p frames is the number written in this run so far.
     void progressChanged(int frames);
 
 private:

@@ -4,7 +4,7 @@
 #include "roi/roisession.h"
 #include "roi/roiset.h"
 
-/// A region to film, with its place in the list, which its films are numbered by.
+/// A region to film, with its position in the list, by which its films are numbered.
 struct NumberedRoi
 {
     int number = 1; ///< counted from 1, regions that are not filmed included
@@ -18,7 +18,7 @@ struct RoiFilmSource
     QJsonObject scaleMetadata; ///< for frames that have none of their own; may be empty
 };
 
-/// All that is asked of one generation run.
+/// Everything that one generation run needs to know.
 struct RoiVideoPlan
 {
     QString sessionDirectory;

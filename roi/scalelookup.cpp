@@ -23,7 +23,7 @@ QJsonObject storedMetadata(const RoiSource &source)
     return found == source.frames.cend() ? QJsonObject() : found->metadata;
 }
 
-/// A moment for which the archive has an image of this datasource.
+/// The time of a stored frame, for which the archive must have an image; else the session's start.
 QDateTime timeToAskFor(const RoiSource &source, const QDateTime &sessionStartUtc)
 {
     const auto found =
@@ -39,7 +39,7 @@ struct Question
     QDateTime utc;
 };
 
-/// Lets an answer to @p question, or an error, end @p wait; what is told is put down.
+/// Makes an answer to @p question, or an error, end @p wait, and stores which it was.
 void endWithAnswer(QEventLoop &wait, HelioviewerClient &client, const Question &question,
                    QJsonObject &answer, QString &errorText)
 {
@@ -62,8 +62,8 @@ void endWithAnswer(QEventLoop &wait, HelioviewerClient &client, const Question &
 
 bool ScaleLookup::isUsable(const QJsonObject &metadata)
 {
-    return metadataNumber(metadata, QStringLiteral("rsun")) > 0.0 &&
-           metadataNumber(metadata, QStringLiteral("width")) > 0.0;
+    return ImageMetadata::metadataNumber(metadata, QStringLiteral("rsun")) > 0.0 &&
+           ImageMetadata::metadataNumber(metadata, QStringLiteral("width")) > 0.0;
 }
 
 QString ScaleLookup::lineText(int frameWidthPx, const QJsonObject &metadata)
@@ -133,7 +133,7 @@ QJsonObject ScaleLookup::queryClosestImage(int sourceId, const QDateTime &utc, i
     m_wait = &wait;
     timer.start(limitMs);
     client.getClosestImage(sourceId, utc);
-    // Without curl the error is there already, and nothing would ever end the wait.
+    // Without curl the error has been reported already, and nothing would end the wait.
     if (errorText->isEmpty() && wait.exec() == abortedCode)
         *errorText = QStringLiteral("The lookup was canceled.");
     m_wait = nullptr;

@@ -9,10 +9,10 @@
 #include <QPair>
 
 /**
- * Finds, per datasource, metadata that tell the length of a pixel: in the session, else by one
- * question to the service, whose answer is kept.
+ * Finds, per datasource, the metadata that give the length of a pixel: in the session, or else by
+ * one request to the service, whose answer is kept.
  */
-class ScaleLookup : public QObject
+class ScaleLookup final : public QObject
 {
     Q_OBJECT
 
@@ -26,30 +26,29 @@ public:
      * The scale line of the dialog.
      *
      * @param frameWidthPx  width of the frame that is shown; 0 when none is
-     * @param metadata      of the frame or its datasource; anything that is not usable counts as
-     *                      not stored
+     * @param metadata      of the frame or its datasource; treated as not stored when not usable
      */
     static QString lineText(int frameWidthPx, const QJsonObject &metadata);
 
-    /// What is known of a datasource without asking the service; empty when nothing usable is.
+    /// The usable metadata known without a request; empty when there are none.
     QJsonObject known(const RoiSource &source) const;
 
     /**
-     * The metadata of a datasource, asked for when they are not known.
+     * The metadata of a datasource, requested from the service when they are not known.
      *
-     * Waits up to 45 s in an event loop of its own, so that windows stay alive. What comes back
-     * may be unusable; the log then says why, and no scale bar can be drawn.
+     * Waits up to 45 s in a nested event loop, so that windows stay responsive. The result may be
+     * unusable; the log then says why, and no scale bar can be drawn.
      */
     QJsonObject ensure(const RoiSource &source, const QDateTime &sessionStartUtc);
 
 public slots:
-    /// Ends a wait at once.
+    /// Ends a pending wait at once.
     void abort();
 
 signals:
     /// A line for the log.
     void logMessage(const QString &text);
-    /// A lookup begins; @p text says so to the user.
+    /// A lookup begins; @p text tells the user.
     void statusChanged(const QString &text);
 
 private:

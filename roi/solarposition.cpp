@@ -19,7 +19,7 @@ QString tr(const char *text)
 
 double number(const QJsonObject &metadata, const char *key)
 {
-    const double value = metadataNumber(metadata, QLatin1String(key));
+    const double value = ImageMetadata::metadataNumber(metadata, QLatin1String(key));
     return std::isfinite(value) ? value : 0.0;
 }
 

@@ -8,6 +8,7 @@
 #include <QTextStream>
 
 #include <csignal>
+#include <cstdio>
 
 namespace {
 
@@ -50,7 +51,16 @@ void describeOptions(QCommandLineParser &parser)
              "variant: 0 and 1 of ResetInBody, 0 to 3 of WrongId.")
              .arg(namesOf<Simulator::Operation>(), namesOf<Simulator::FaultKind>()),
          QStringLiteral("FAULT")},
+        {QStringLiteral("journal"),
+         QStringLiteral("Prints the path and query of each request as it comes.")},
     });
+}
+
+/// At once: whoever started this program waits for it.
+void print(const QByteArray &line)
+{
+    std::puts(line.constData());
+    std::fflush(stdout);
 }
 
 int fail(const QString &text, int exitCode)
@@ -89,11 +99,13 @@ int main(int argc, char *argv[])
     const QString noFault = addFaults(parser.values(QStringLiteral("fault")), server);
     if (!noFault.isNull())
         return fail(QStringLiteral("\"%1\" is no fault; --help lists them.").arg(noFault), 2);
+    if (parser.isSet(QStringLiteral("journal")))
+        server.setJournal([](const QByteArray &request) { print(request); });
     QString errorText;
     if (!server.start(&errorText, port))
         return fail(errorText, 1);
 
-    QTextStream(stdout) << server.baseUrl() << Qt::endl;
+    print(server.baseUrl().toLatin1());
     int signal = 0;
     sigwait(&stopSignals, &signal);
     server.stop();

@@ -73,7 +73,8 @@ int HttpService::listenOn(int port)
 void HttpService::breakOff()
 {
     close();
-    qDeleteAll(findChildren<QTcpSocket *>());
+    // An encrypted socket owns another one, which goes with it.
+    qDeleteAll(findChildren<QTcpSocket *>(QString(), Qt::FindDirectChildrenOnly));
 }
 
 void HttpService::incomingConnection(qintptr descriptor)
@@ -103,6 +104,8 @@ void HttpService::readRequest(QTcpSocket *socket)
         sendAndClose(socket, headOf(answer) + answer.body);
         return;
     }
+    if (m_journal)
+        m_journal(words.at(1));
     serve(socket, *operation, QUrlQuery(target), m_faults.next(*operation));
 }
 

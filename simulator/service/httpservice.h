@@ -8,6 +8,7 @@
 #include <QSslKey>
 #include <QTcpServer>
 
+#include <functional>
 #include <memory>
 
 class QTcpSocket;
@@ -31,6 +32,8 @@ public:
     explicit HttpService(std::shared_ptr<const Archive> archive);
 
     FaultPlan &faults() { return m_faults; }
+    /// Before it listens: @p note is called with the path and query of each request as it comes.
+    void setJournal(std::function<void(const QByteArray &)> note) { m_journal = std::move(note); }
 
     /// Before it listens: all connections will be encrypted, with a certificate of PEM files.
     void encrypt(const QString &certificateFile, const QString &keyFile);
@@ -52,7 +55,8 @@ private:
     std::shared_ptr<const Archive> m_archive;
     PictureStore m_pictures;
     FaultPlan m_faults;
-    QSslCertificate m_certificate; // null for plain HTTP
+    std::function<void(const QByteArray &)> m_journal; // may be empty
+    QSslCertificate m_certificate;                     // null for plain HTTP
     QSslKey m_key;
 };
 

@@ -76,6 +76,11 @@ void Server::stop()
     d->port = 0;
 }
 
+void Server::setJournal(std::function<void(const QByteArray &)> note)
+{
+    d->service.setJournal(std::move(note));
+}
+
 QString Server::baseUrl() const
 {
     const QString scheme =

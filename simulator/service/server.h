@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 namespace Simulator {
@@ -33,6 +34,10 @@ public:
     /// Breaks open connections, hanging ones too; from then on new ones are refused. A stopped
     /// server may be started again, on the same port when it is named.
     void stop();
+
+    /// Before start(): @p note is called with the path and query of each request as it comes, in
+    /// the server's thread.
+    void setJournal(std::function<void(const QByteArray &)> note);
 
     QString baseUrl() const; ///< as "network/apiBase" wants it, without trailing slash
     int port() const;

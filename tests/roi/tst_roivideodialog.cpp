@@ -1,6 +1,6 @@
 #include "roi/roivideodialog.h"
 
-#include "app/terminationsignals.h"
+#include "base/terminationsignals.h"
 #include "tests/roi/testsession.h"
 #include "tests/support/testfolder.h"
 #include "ui/mainwindow.h"

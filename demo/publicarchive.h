@@ -1,0 +1,21 @@
+#pragma once
+
+#include "session/acquisitionsettings.h"
+
+/// The archive on the network, asked as a guest does: one thing at a time, with a pause.
+namespace PublicArchive {
+
+/// Three frames each of AIA 171 and SUVI 195.
+AcquisitionSettings settings();
+
+/// Prepares this program's folder for it; false, with a reason, when that cannot be written.
+bool configure(QString *errorText);
+
+/**
+ * Whether the archive that is configured answers, and has what settings() asks for.
+ *
+ * @param errorText  a sentence for the user, set when it does not
+ */
+bool answers(QString *errorText);
+
+} // namespace PublicArchive

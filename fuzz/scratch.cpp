@@ -1,0 +1,60 @@
+#include "fuzz/scratch.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <cstdio>
+
+namespace {
+
+const QTemporaryDir &folder()
+{
+    static const QString memory = QStringLiteral("/dev/shm");
+    static const QTemporaryDir made(QDir(QFileInfo::exists(memory) ? memory : QDir::tempPath())
+                                        .filePath(QStringLiteral("fuzz")));
+    return made;
+}
+
+/// Readers may warn as they like, a million times.
+void printFatal(QtMsgType type, const QMessageLogContext & /*context*/, const QString &text)
+{
+    if (type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", qPrintable(text));
+}
+
+} // namespace
+
+void Scratch::begin(int *argc, char ***argv)
+{
+    qInstallMessageHandler(&printFatal);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    static const QApplication application(*argc, *argv);
+    require(folder().isValid(), "a folder to write to");
+}
+
+QByteArray Scratch::bytes(const uint8_t *data, std::size_t size)
+{
+    return {reinterpret_cast<const char *>(data), static_cast<int>(size)};
+}
+
+QString Scratch::path(const QString &name)
+{
+    return folder().filePath(name);
+}
+
+QString Scratch::write(const QString &name, const QByteArray &content)
+{
+    QFile file(path(name));
+    require(file.open(QIODevice::WriteOnly) && file.write(content) == content.size(),
+            "room for a file");
+    return file.fileName();
+}
+
+void Scratch::require(bool holds, const char *what)
+{
+    if (!holds)
+        qFatal("not so: %s", what);
+}

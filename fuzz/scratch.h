@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstddef>
+#include <cstdint>
+
+class QJsonObject;
+
+/// What the programs of this folder share.
+namespace Scratch {
+
+/// Creates the application object, without a screen; call it in LLVMFuzzerInitialize().
+void begin(int *argc, char ***argv);
+
+QByteArray bytes(const uint8_t *data, std::size_t size);
+
+/// Path of @p name in a folder of this process, which lies in memory where there is such a place.
+QString path(const QString &name);
+
+/// Writes a file into that folder; its path.
+QString write(const QString &name, const QByteArray &content);
+
+/// Ends the program, and with it the search, when what always holds does not.
+void require(bool holds, const char *what);
+
+} // namespace Scratch

@@ -1,0 +1,11 @@
+#pragma once
+
+class ToolConsole;
+struct SessionReport;
+
+namespace ReportText {
+
+/// Prints @p report for people, at most 100 columns wide; with all frames or their ends only.
+void print(const SessionReport &report, bool listsFrames, ToolConsole &console);
+
+} // namespace ReportText

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "sessiontool/exitcode.h"
+
+class ToolConsole;
+struct ToolOrder;
+
+/// How the program ends.
+struct ToolEnd
+{
+    ExitCode exitCode = ExitCode::Fine;
+    int signalNumber = 0; ///< of the signal that interrupted it; 0 when none has
+};
+
+namespace ToolCommands {
+
+/// Does what is ordered and says what came of it.
+ToolEnd run(const ToolOrder &order, ToolConsole &console);
+
+} // namespace ToolCommands
