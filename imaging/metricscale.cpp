@@ -6,13 +6,6 @@
 
 #include <cmath>
 
-namespace {
-
-/// IAU 2015 Resolution B3.
-constexpr double nominalSolarRadiusKm = 695700.0;
-
-} // namespace
-
 double MetricScale::kmPerPixel(const QJsonObject &metadata, int imageWidth)
 {
     const double solarRadiusPx = ImageMetadata::metadataNumber(metadata, QStringLiteral("rsun"));

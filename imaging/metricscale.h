@@ -7,6 +7,9 @@ class QJsonObject;
 /// The projected length of a pixel on the Sun, and round lengths to draw.
 namespace MetricScale {
 
+/// The nominal solar radius of IAU 2015 Resolution B3.
+constexpr double nominalSolarRadiusKm = 695700.0;
+
 /// Kilometres per pixel of a rendered image; 0 when the metadata gives none.
 double kmPerPixel(const QJsonObject &metadata, int imageWidth);
 

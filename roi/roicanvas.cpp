@@ -1,5 +1,6 @@
 #include "roi/roicanvas.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QGraphicsPixmapItem>
 #include <QGraphicsRectItem>
@@ -10,30 +11,26 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
-#include <algorithm>
+#include <utility>
 
 namespace {
 
 constexpr double zoomStep = 1.15;
 constexpr double smallestDragPx = 2.0;
-constexpr double regionZ = 10.0;
 constexpr double rubberBandZ = 1000.0;
 
-/// In pixels of the frame, so that it scales with the zoom; wider on larger frames.
-QPen regionPen(int frameWidthPx, bool current)
+Qt::CursorShape cursorFor(const RegionShape::Sides &sides)
 {
-    return QPen(current ? Qt::yellow : Qt::green, std::max(1.0, frameWidthPx / 1000.0));
+    if (sides.x != 0 && sides.y != 0)
+        return sides.x == sides.y ? Qt::SizeFDiagCursor : Qt::SizeBDiagCursor;
+    return sides.x != 0 ? Qt::SizeHorCursor : Qt::SizeVerCursor;
 }
 
 } // namespace
 
 RoiCanvas::RoiCanvas(QGraphicsView *view, QObject *parent)
-    : QObject(parent), m_view(view), m_message(new QLabel(view->viewport()))
+    : QObject(parent), m_view(view), m_scene(view), m_message(new QLabel(view->viewport()))
 {
-    // A spatial index does not help: all regions are visible. With many that overlap it takes
-    // minutes and gigabytes.
-    m_scene.setItemIndexMethod(QGraphicsScene::NoIndex);
-    m_view->setScene(&m_scene);
     m_view->setDragMode(QGraphicsView::ScrollHandDrag);
     m_view->setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
     m_view->setRenderHint(QPainter::SmoothPixmapTransform);
@@ -45,41 +42,31 @@ RoiCanvas::RoiCanvas(QGraphicsView *view, QObject *parent)
     (new QVBoxLayout(m_view->viewport()))->addWidget(m_message);
 }
 
+QPointF RoiCanvas::mousePosition() const
+{
+    return m_scene.framePosition(m_view->viewport()->mapFromGlobal(QCursor::pos()));
+}
+
 void RoiCanvas::showFrame(const QPixmap &frame)
 {
+    endDrag(true);
     cancelDrawing();
-    clearScene();
     m_message->hide();
-    m_framePixmap = frame;
-    m_frame = m_scene.addPixmap(frame);
-    m_frame->setTransformationMode(Qt::SmoothTransformation);
-    m_scene.setSceneRect(frame.rect());
+    m_scene.showFrame(frame);
 }
 
 void RoiCanvas::showMessage(const QString &text)
 {
+    endDrag(true);
     cancelDrawing();
-    clearScene();
+    m_scene.removeFrame();
     m_message->setText(text);
     m_message->show();
 }
 
-void RoiCanvas::showRegions(const QVector<QRect> &regions, int current)
+void RoiCanvas::showRegions(const QVector<RegionMark> &regions, int current)
 {
-    if (!m_frame)
-        return;
-    while (m_regions.size() > regions.size())
-        delete m_regions.takeLast();
-    while (m_regions.size() < regions.size()) {
-        m_regions.append(new QGraphicsRectItem(m_frame));
-        m_regions.last()->setZValue(regionZ);
-    }
-    const QPen pens[] = {regionPen(m_framePixmap.width(), false),
-                         regionPen(m_framePixmap.width(), true)};
-    for (int row = 0; row < regions.size(); ++row) { // unchanged items are not painted anew
-        m_regions.at(row)->setRect(regions.at(row));
-        m_regions.at(row)->setPen(pens[row == current ? 1 : 0]);
-    }
+    m_scene.showRegions(regions, current);
 }
 
 void RoiCanvas::startDrawing()
@@ -100,11 +87,22 @@ void RoiCanvas::cancelDrawing()
     m_view->setDragMode(QGraphicsView::ScrollHandDrag);
 }
 
+void RoiCanvas::drawMiddle()
+{
+    cancelDrawing();
+    emit rectangleDrawn(RegionShape::middle(m_scene.frameSize(), m_proportion));
+}
+
+void RoiCanvas::cancelDrag()
+{
+    endDrag(false);
+}
+
 void RoiCanvas::fit()
 {
     m_fitPending = !m_view->isVisible();
-    if (m_frame && !m_fitPending)
-        m_view->fitInView(m_frame, Qt::KeepAspectRatio);
+    if (m_scene.frame() && !m_fitPending)
+        m_view->fitInView(m_scene.frame(), Qt::KeepAspectRatio);
 }
 
 bool RoiCanvas::eventFilter(QObject *watched, QEvent *event)
@@ -116,8 +114,11 @@ bool RoiCanvas::eventFilter(QObject *watched, QEvent *event)
     case QEvent::Show:
         fitWhenShown();
         return false;
+    case QEvent::Leave:
+        emit left();
+        return false;
     default:
-        return (m_drawing && drawingEvent(event)) || QObject::eventFilter(watched, event);
+        return (m_scene.frame() && mouseEvent(event)) || QObject::eventFilter(watched, event);
     }
 }
 
@@ -134,45 +135,48 @@ void RoiCanvas::zoom(bool closer)
 }
 
 /// Whether @p event is consumed. Moves are passed on: the view zooms about the last position.
-bool RoiCanvas::drawingEvent(QEvent *event)
+bool RoiCanvas::mouseEvent(QEvent *event)
 {
     switch (event->type()) {
     case QEvent::MouseMove:
-        draw(*static_cast<QMouseEvent *>(event));
-        return false;
     case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick: // a press soon after one outside the frame
-    case QEvent::MouseButtonRelease:
-        draw(*static_cast<QMouseEvent *>(event));
-        return true;
+    case QEvent::MouseButtonDblClick: // a press soon after another one
+    case QEvent::MouseButtonRelease: {
+        const auto &mouse = *static_cast<QMouseEvent *>(event);
+        emit hovered(m_scene.framePosition(mouse.pos()));
+        const bool taken = m_drawing ? drawingEvent(mouse) : regionEvent(mouse);
+        return taken && event->type() != QEvent::MouseMove;
+    }
     default:
         return false;
     }
 }
 
-void RoiCanvas::draw(const QMouseEvent &event)
+bool RoiCanvas::drawingEvent(const QMouseEvent &event)
 {
     const bool left = event.button() == Qt::LeftButton;
+    const QPointF position = m_scene.framePosition(event.pos());
     if (event.type() == QEvent::MouseMove) {
         if (m_rubberBand && (event.buttons() & Qt::LeftButton))
-            m_rubberBand->setRect(draggedTo(framePosition(event)));
+            m_rubberBand->setRect(drawnTo(position));
     } else if (event.type() != QEvent::MouseButtonRelease) {
         if (left)
-            beginRectangle(framePosition(event));
+            beginRectangle(position);
     } else if (m_rubberBand && left) {
-        endRectangle(framePosition(event));
+        endRectangle(position);
     }
+    return true;
 }
 
 void RoiCanvas::beginRectangle(const QPointF &position)
 {
-    if (!QRectF(m_framePixmap.rect()).contains(position)) {
+    if (!QRectF(QPointF(), m_scene.frameSize()).contains(position)) {
         emit startedOutside();
         return;
     }
     delete m_rubberBand;
     m_dragStart = position;
-    m_rubberBand = new QGraphicsRectItem(QRectF(position, QSizeF()), m_frame);
+    m_rubberBand = new QGraphicsRectItem(QRectF(position, QSizeF()), m_scene.frame());
     m_rubberBand->setPen(QPen(Qt::yellow, 0.0, Qt::DashLine)); // one screen pixel at any zoom
     m_rubberBand->setZValue(rubberBandZ);
     m_rubberBand->setAcceptedMouseButtons(Qt::NoButton);
@@ -180,7 +184,7 @@ void RoiCanvas::beginRectangle(const QPointF &position)
 
 void RoiCanvas::endRectangle(const QPointF &position)
 {
-    const QRectF drawn = draggedTo(position);
+    const QRectF drawn = drawnTo(position);
     cancelDrawing();
     if (drawn.width() >= smallestDragPx && drawn.height() >= smallestDragPx)
         emit rectangleDrawn(drawn);
@@ -188,20 +192,85 @@ void RoiCanvas::endRectangle(const QPointF &position)
         emit rectangleTooSmall();
 }
 
-QPointF RoiCanvas::framePosition(const QMouseEvent &event) const
+QRectF RoiCanvas::drawnTo(const QPointF &position) const
 {
-    return m_frame->mapFromScene(m_view->mapToScene(event.pos()));
+    return RegionShape::spanned(m_dragStart, position, m_scene.frameSize(), m_proportion);
 }
 
-QRectF RoiCanvas::draggedTo(const QPointF &position) const
+/// Whether a region takes @p event, which would else pan.
+bool RoiCanvas::regionEvent(const QMouseEvent &event)
 {
-    return QRectF(m_dragStart, position).normalized().intersected(m_framePixmap.rect());
+    if (event.type() == QEvent::MouseMove) {
+        if (m_drag)
+            drag(m_scene.framePosition(event.pos()));
+        else if (event.buttons() == Qt::NoButton)
+            showCursorFor(event.pos());
+        return m_drag.has_value();
+    }
+    if (event.button() != Qt::LeftButton)
+        return m_drag.has_value();
+    return event.type() == QEvent::MouseButtonRelease ? letGo(event.pos()) : takeHold(event.pos());
 }
 
-void RoiCanvas::clearScene()
+bool RoiCanvas::takeHold(const QPoint &position)
 {
-    m_regions.clear();
-    m_scene.clear();
-    m_frame = nullptr;
-    m_framePixmap = QPixmap();
+    const RegionScene::Hit hit = m_scene.hitAt(position);
+    if (hit.row >= 0 && hit.row == m_scene.currentRow()) {
+        const QRect region = m_scene.region(hit.row);
+        m_drag = {hit.grip, region, m_scene.framePosition(position), region};
+        return true;
+    }
+    m_pickRow = hit.row;
+    m_pickPosition = position;
+    return false; // what begins on an outline may become a panning
+}
+
+void RoiCanvas::drag(const QPointF &position)
+{
+    const QPointF by = position - m_drag->pressed;
+    const QSize frame = m_scene.frameSize();
+    QRect pixels = m_drag->start; // which a mere click leaves, whatever its shape
+    if (m_drag->grip.kind == RegionGrip::Kind::Name)
+        pixels = RegionShape::moved(pixels, by, frame);
+    else if (!by.isNull())
+        pixels = RegionShape::resized(pixels, m_drag->grip.sides, by, frame, m_proportion);
+    if (pixels == m_drag->pixels)
+        return;
+    m_drag->pixels = pixels;
+    emit regionDragged(pixels);
+}
+
+bool RoiCanvas::letGo(const QPoint &position)
+{
+    if (m_drag) {
+        drag(m_scene.framePosition(position));
+        endDrag(true);
+        return true;
+    }
+    const int row = std::exchange(m_pickRow, -1);
+    const int way = (position - m_pickPosition).manhattanLength();
+    if (row >= 0 && way < QApplication::startDragDistance())
+        emit regionPicked(row);
+    return false;
+}
+
+void RoiCanvas::endDrag(bool kept)
+{
+    if (!m_drag)
+        return;
+    m_drag.reset();
+    emit dragEnded(kept);
+}
+
+void RoiCanvas::showCursorFor(const QPoint &position)
+{
+    const RegionScene::Hit hit = m_scene.hitAt(position);
+    Qt::CursorShape shape = Qt::OpenHandCursor; // the view's own, for panning
+    if (hit.row >= 0 && hit.row != m_scene.currentRow())
+        shape = Qt::PointingHandCursor;
+    else if (hit.row >= 0)
+        shape =
+            hit.grip.kind == RegionGrip::Kind::Name ? Qt::SizeAllCursor : cursorFor(hit.grip.sides);
+    if (m_view->viewport()->cursor().shape() != shape)
+        m_view->viewport()->setCursor(shape);
 }

@@ -1,10 +1,12 @@
 #include "roi/roieditor.h"
 
 #include "base/plainmessagebox.h"
+#include "roi/nameeditor.h"
 #include "roi/roigeometry.h"
 #include "ui_roieditor.h"
 
-#include <QShortcut>
+#include <QAction>
+#include <QKeyEvent>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -17,12 +19,18 @@ QString boxTitle()
     return RoiEditor::tr("ROI video");
 }
 
-QListWidgetItem *makeItem(const Roi &roi)
+QListWidgetItem *makeItem()
 {
-    auto *item = new QListWidgetItem(roi.name);
-    item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
-    item->setCheckState(roi.enabled ? Qt::Checked : Qt::Unchecked);
+    auto *item = new QListWidgetItem;
+    item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsUserCheckable |
+                   Qt::ItemIsEditable);
     return item;
+}
+
+void showIn(QListWidgetItem *item, const Roi &roi)
+{
+    item->setText(roi.name);
+    item->setCheckState(roi.enabled ? Qt::Checked : Qt::Unchecked);
 }
 
 void setField(QSpinBox *field, int lowest, int highest, int value)
@@ -33,11 +41,31 @@ void setField(QSpinBox *field, int lowest, int highest, int value)
     field->setValue(value);
 }
 
+bool isUndoOrRedo(const QKeyEvent &key)
+{
+    return key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo) ||
+           (key.modifiers() == Qt::ControlModifier && key.key() == Qt::Key_Y);
+}
+
 } // namespace
 
-RoiEditor::RoiEditor(QWidget *parent) : QGroupBox(parent), m_ui(std::make_unique<Ui::RoiEditor>())
+RoiEditor::RoiEditor(QWidget *parent)
+    : QGroupBox(parent)
+    , m_ui(std::make_unique<Ui::RoiEditor>())
+    , m_history([this](const RegionState &state) { showState(state); })
 {
     m_ui->setupUi(this);
+    m_ui->nameEdit->setMaxLength(RoiSet::maxNameLength);
+    m_ui->roiList->setItemDelegate(new NameEditor(this));
+    connectWidgets();
+    addActions();
+    showFields();
+}
+
+RoiEditor::~RoiEditor() = default;
+
+void RoiEditor::connectWidgets()
+{
     connect(m_ui->newRoiButton, &QPushButton::clicked, this, &RoiEditor::drawingRequested);
     connect(m_ui->deleteRoiButton, &QPushButton::clicked, this, &RoiEditor::deleteCurrent);
     connect(m_ui->saveRoisButton, &QPushButton::clicked, this, &RoiEditor::storeAndSaySo);
@@ -46,44 +74,68 @@ RoiEditor::RoiEditor(QWidget *parent) : QGroupBox(parent), m_ui(std::make_unique
     connect(m_ui->nameEdit, &QLineEdit::textEdited, this, &RoiEditor::onNameEdited);
     connect(m_ui->rotationCombo, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &RoiEditor::onRotationChosen);
+    connect(m_ui->shapeCombo, qOverload<int>(&QComboBox::currentIndexChanged), this,
+            &RoiEditor::shapeChosen);
     connectGeometry(m_ui->xSpin, &QRectF::moveLeft, &QSize::width);
     connectGeometry(m_ui->ySpin, &QRectF::moveTop, &QSize::height);
     connectGeometry(m_ui->widthSpin, &QRectF::setWidth, &QSize::width);
     connectGeometry(m_ui->heightSpin, &QRectF::setHeight, &QSize::height);
-    auto *deleteKey = new QShortcut(QKeySequence::Delete, m_ui->roiList);
-    deleteKey->setContext(Qt::WidgetShortcut);
-    connect(deleteKey, &QShortcut::activated, this, &RoiEditor::deleteCurrent);
-    showFields();
+    connect(m_ui->nameEdit, &QLineEdit::editingFinished, this, [this] { m_history.endTyping(); });
+    m_ui->nameEdit->installEventFilter(this);
 }
 
-RoiEditor::~RoiEditor() = default;
+void RoiEditor::addActions()
+{
+    const auto add = [this](const QString &text, const QList<QKeySequence> &keys,
+                            void (RoiEditor::*slot)()) {
+        auto *action = new QAction(text, this);
+        action->setShortcuts(keys);
+        connect(action, &QAction::triggered, this, slot);
+        m_ui->roiList->addAction(action);
+        return action;
+    };
+    QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
+    const QKeySequence usual(QStringLiteral("Ctrl+Y")); // also where the desktop has another one
+    if (!redoKeys.contains(usual))
+        redoKeys.append(usual);
+    QAction *rename = add(tr("Rename"), {Qt::Key_F2}, &RoiEditor::renameCurrent);
+    QAction *copy = add(tr("Copy"), {QStringLiteral("Ctrl+D")}, &RoiEditor::copyCurrent);
+    QAction *remove = add(tr("Delete"), {QKeySequence::Delete}, &RoiEditor::deleteCurrent);
+    QAction *undo =
+        add(tr("Undo"), QKeySequence::keyBindings(QKeySequence::Undo), &RoiEditor::undo);
+    QAction *redo = add(tr("Redo"), redoKeys, &RoiEditor::redo);
+    remove->setShortcutContext(Qt::WidgetShortcut); // elsewhere the key deletes a character
+    m_needRegion = {rename, copy, remove};
+    for (QAction *action : {undo, redo})
+        action->setEnabled(false);
+    connect(&m_history.stack(), &QUndoStack::canUndoChanged, undo, &QAction::setEnabled);
+    connect(&m_history.stack(), &QUndoStack::canRedoChanged, redo, &QAction::setEnabled);
+}
 
 int RoiEditor::currentRow() const
 {
     return m_ui->roiList->currentRow();
 }
 
-QVector<QRect> RoiEditor::pixelRects() const
+QVector<RegionMark> RoiEditor::marks() const
 {
-    QVector<QRect> rects;
-    rects.reserve(m_rois.size());
+    QVector<RegionMark> marks;
+    marks.reserve(m_rois.size());
     for (const Roi &roi : m_rois)
-        rects.append(RoiGeometry::pixelRect(roi.rect, m_frameSize));
-    return rects;
+        marks.append({RoiGeometry::pixelRect(roi.rect, m_frameSize),
+                      RegionMarks::nameOf(marks.size() + 1, roi.name, roi.enabled)});
+    return marks;
 }
 
-void RoiEditor::load(const QString &sessionDirectory)
+QString RoiEditor::load(const QString &sessionDirectory)
 {
+    QString remark;
     m_sessionDirectory = sessionDirectory;
-    m_storedRois = m_rois = RoiSet::load(sessionDirectory);
-    {
-        const QSignalBlocker quiet(m_ui->roiList);
-        m_ui->roiList->clear();
-        for (const Roi &roi : std::as_const(m_rois))
-            m_ui->roiList->addItem(makeItem(roi));
-        m_ui->roiList->setCurrentRow(0);
-    }
-    onCurrentRowChanged();
+    m_storedRois = RoiSet::load(sessionDirectory, &remark);
+    m_beforeDrag.reset();
+    m_history.clear();
+    showState({m_storedRois, m_storedRois.isEmpty() ? -1 : 0});
+    return remark;
 }
 
 bool RoiEditor::store()
@@ -123,14 +175,43 @@ QString RoiEditor::add(const QRectF &pixels)
     Roi roi;
     roi.name = RoiSet::defaultName(m_rois.size());
     roi.rect = RoiGeometry::normalizedRect(pixels, m_frameSize);
-    m_rois.append(roi);
-    m_ui->roiList->addItem(makeItem(roi));
-    m_ui->roiList->setCurrentRow(m_rois.size() - 1);
+    append(tr("create"), roi);
     return roi.name;
+}
+
+void RoiEditor::pick(int row)
+{
+    m_ui->roiList->setCurrentRow(row);
+}
+
+void RoiEditor::dragTo(const QRect &pixels)
+{
+    if (currentRow() < 0)
+        return;
+    if (!m_beforeDrag) {
+        commitTyped();
+        m_beforeDrag = state();
+    }
+    const QRectF &before = m_beforeDrag->rois.at(m_beforeDrag->row).rect;
+    m_rois[currentRow()].rect = RoiGeometry::coveringPixels(before, pixels, m_frameSize);
+    onCurrentRowChanged();
+}
+
+void RoiEditor::endDrag(bool kept)
+{
+    const std::optional<RegionState> before = std::exchange(m_beforeDrag, std::nullopt);
+    if (!before)
+        return;
+    if (kept && m_rois != before->rois)
+        m_history.take(tr("move"), *before, state());
+    else
+        showState(*before);
 }
 
 void RoiEditor::commitTyped()
 {
+    if (m_ui->roiList->isAncestorOf(m_ui->roiList->window()->focusWidget()))
+        m_ui->roiList->setFocus(); // a name is edited there
     const QVector<QSpinBox *> fields = geometryFields();
     for (QSpinBox *field : fields) {
         if (field->isEnabled())
@@ -138,46 +219,92 @@ void RoiEditor::commitTyped()
     }
 }
 
+bool RoiEditor::eventFilter(QObject *watched, QEvent *event)
+{
+    // A field would else undo in a history of its own, which knows of nothing but its letters.
+    if (event->type() == QEvent::ShortcutOverride &&
+        isUndoOrRedo(*static_cast<QKeyEvent *>(event))) {
+        event->ignore();
+        return true;
+    }
+    return QGroupBox::eventFilter(watched, event);
+}
+
 void RoiEditor::onCurrentRowChanged()
 {
+    m_history.endTyping();
     showFields();
     emit regionsChanged();
 }
 
 void RoiEditor::onItemChanged(QListWidgetItem *item)
 {
-    m_rois[m_ui->roiList->row(item)].enabled = item->checkState() == Qt::Checked;
-    emit regionsChanged();
+    RegionState after = state();
+    Roi &roi = after.rois[m_ui->roiList->row(item)];
+    const bool renamed = roi.name != item->text();
+    roi.name = item->text();
+    roi.enabled = item->checkState() == Qt::Checked;
+    if (after.rois != m_rois)
+        m_history.take(renamed ? tr("rename") : tr("tick"), state(), after);
 }
 
 void RoiEditor::onNameEdited(const QString &name)
 {
-    if (Roi *roi = currentRoi()) {
-        roi->name = name;
-        m_ui->roiList->currentItem()->setText(name); // emits itemChanged()
-    }
+    changeCurrent(
+        tr("rename"), [&name](Roi &roi) { roi.name = name; }, m_ui->nameEdit);
 }
 
 void RoiEditor::onRotationChosen(int index)
 {
-    if (Roi *roi = currentRoi()) {
-        roi->rotation = RoiGeometry::rotationAt(index);
-        emit regionsChanged();
-    }
+    const int rotation = RoiGeometry::rotationAt(index);
+    changeCurrent(tr("turn"), [rotation](Roi &roi) { roi.rotation = rotation; });
+}
+
+void RoiEditor::shapeChosen(int index)
+{
+    emit proportionChanged(RegionShape::proportionAt(index));
+}
+
+void RoiEditor::renameCurrent()
+{
+    m_ui->roiList->setFocus();
+    m_ui->roiList->editItem(m_ui->roiList->currentItem());
+}
+
+void RoiEditor::copyCurrent()
+{
+    commitTyped();
+    Roi roi = *currentRoi();
+    const QString suffix = tr(" copy");
+    roi.name = roi.name.left(RoiSet::maxNameLength - suffix.size()) + suffix;
+    append(tr("copy"), roi);
 }
 
 void RoiEditor::deleteCurrent()
 {
-    const int row = currentRow();
-    if (row < 0)
+    commitTyped();
+    RegionState after = state();
+    if (after.row < 0)
         return;
-    {
-        const QSignalBlocker quiet(m_ui->roiList);
-        m_rois.remove(row);
-        delete m_ui->roiList->takeItem(row);
-        m_ui->roiList->setCurrentRow(std::min(row, m_rois.size() - 1));
-    }
-    onCurrentRowChanged();
+    after.rois.remove(after.row);
+    after.row = std::min(after.row, after.rois.size() - 1);
+    m_history.take(tr("delete"), state(), after);
+}
+
+void RoiEditor::undo()
+{
+    if (m_beforeDrag)
+        return; // Esc takes that back
+    commitTyped();
+    m_history.stack().undo();
+}
+
+void RoiEditor::redo()
+{
+    if (m_beforeDrag)
+        return;
+    commitTyped();
+    m_history.stack().redo();
 }
 
 void RoiEditor::storeAndSaySo()
@@ -196,22 +323,73 @@ void RoiEditor::connectGeometry(QSpinBox *field, void (QRectF::*change)(qreal),
                                 int (QSize::*frameSide)() const)
 {
     connect(field, qOverload<int>(&QSpinBox::valueChanged), this,
-            [this, change, frameSide](int pixels) {
-                if (Roi *roi = currentRoi()) {
-                    (roi->rect.*change)(static_cast<double>(pixels) / (m_frameSize.*frameSide)());
-                    onCurrentRowChanged();
-                }
+            [this, field, change, frameSide](int pixels) {
+                const double side = static_cast<double>(pixels) / (m_frameSize.*frameSide)();
+                changeCurrent(
+                    tr("move"), [&](Roi &roi) { (roi.rect.*change)(side); }, field);
             });
+    connect(field, &QSpinBox::editingFinished, this, [this] { m_history.endTyping(); });
+    field->installEventFilter(this);
+}
+
+/// Appends a region in one step; it becomes the current one.
+void RoiEditor::append(const QString &step, const Roi &roi)
+{
+    RegionState after = state();
+    after.rois.append(roi);
+    after.row = after.rois.size() - 1;
+    m_history.take(step, state(), after);
+}
+
+/// Changes the current region, if any, in a step; what is typed in one @p field becomes one step.
+void RoiEditor::changeCurrent(const QString &step, const std::function<void(Roi &)> &change,
+                              const QWidget *field)
+{
+    RegionState after = state();
+    if (after.row < 0)
+        return;
+    change(after.rois[after.row]);
+    if (field)
+        m_history.takeTyped(step, state(), after, typedFields().indexOf(field));
+    else
+        m_history.take(step, state(), after);
+}
+
+RegionState RoiEditor::state() const
+{
+    return {m_rois, currentRow()};
+}
+
+/// Shows a state that the history, or a file, has kept.
+void RoiEditor::showState(const RegionState &state)
+{
+    {
+        const QSignalBlocker quiet(m_ui->roiList);
+        m_rois = state.rois;
+        while (m_ui->roiList->count() > m_rois.size())
+            delete m_ui->roiList->takeItem(m_ui->roiList->count() - 1);
+        while (m_ui->roiList->count() < m_rois.size())
+            m_ui->roiList->addItem(makeItem());
+        for (int row = 0; row < m_rois.size(); ++row)
+            showIn(m_ui->roiList->item(row), m_rois.at(row));
+        m_ui->roiList->setCurrentRow(state.row);
+    }
+    showFields();
+    emit regionsChanged();
 }
 
 void RoiEditor::showFields()
 {
     const Roi *roi = currentRoi();
     m_ui->deleteRoiButton->setEnabled(roi);
+    for (QAction *action : std::as_const(m_needRegion))
+        action->setEnabled(roi);
     m_ui->nameEdit->setEnabled(roi);
     m_ui->rotationCombo->setEnabled(roi);
     const QSignalBlocker quiet(m_ui->rotationCombo);
-    m_ui->nameEdit->setText(roi ? roi->name : QString());
+    const QString name = roi ? roi->name : QString();
+    if (m_ui->nameEdit->text() != name) // while it is typed the cursor stays
+        m_ui->nameEdit->setText(name);
     m_ui->rotationCombo->setCurrentIndex(roi ? RoiGeometry::rotationIndex(roi->rotation) : 0);
     if (roi && !m_frameSize.isEmpty())
         showGeometry(RoiGeometry::pixelRect(roi->rect, m_frameSize));
@@ -243,9 +421,15 @@ QVector<QSpinBox *> RoiEditor::geometryFields() const
     return {m_ui->xSpin, m_ui->ySpin, m_ui->widthSpin, m_ui->heightSpin};
 }
 
+/// Those whose changes are joined, one after the other, into one step.
+QVector<const QWidget *> RoiEditor::typedFields() const
+{
+    return {m_ui->nameEdit, m_ui->xSpin, m_ui->ySpin, m_ui->widthSpin, m_ui->heightSpin};
+}
+
 /// Null when no region is selected.
-Roi *RoiEditor::currentRoi()
+const Roi *RoiEditor::currentRoi() const
 {
     const int row = currentRow();
-    return row >= 0 ? &m_rois[row] : nullptr;
+    return row >= 0 ? &m_rois.at(row) : nullptr;
 }

@@ -1,13 +1,17 @@
 #pragma once
 
-#include "roi/roiset.h"
+#include "roi/regionhistory.h"
+#include "roi/regionmarks.h"
 
 #include <QGroupBox>
 #include <QSize>
 #include <QVector>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
+class QAction;
 class QListWidgetItem;
 class QSpinBox;
 
@@ -31,11 +35,12 @@ public:
 
     const QVector<Roi> &rois() const { return m_rois; }
     int currentRow() const; ///< -1 when no region is selected
-    /// The regions in pixels of the current frame, in list order; empty ones without a frame.
-    QVector<QRect> pixelRects() const;
+    /// The regions in pixels of the current frame, in list order; empty without a frame.
+    QVector<RegionMark> marks() const;
 
     /// Shows the regions stored in a session in place of the current ones.
-    void load(const QString &sessionDirectory);
+    /// @return a line for the log when they are damaged; else empty
+    QString load(const QString &sessionDirectory);
     /// Writes rois.json of that session; shows a warning and returns false when that fails.
     bool store();
     /// Asks whether to store unsaved changes, if there are any; false when the user cancels.
@@ -44,7 +49,13 @@ public:
     void setFrameSize(const QSize &pixels);
     /// Appends and selects a region of @p pixels of the current frame; returns its name.
     QString add(const QRectF &pixels);
-    /// Applies a number that is being typed, as leaving its field would do.
+    /// Selects a region.
+    void pick(int row);
+    /// Moves the current region to @p pixels of the frame, until endDrag() keeps that or takes it
+    /// back.
+    void dragTo(const QRect &pixels);
+    void endDrag(bool kept);
+    /// Applies what is being typed, as leaving its field would do.
     void commitTyped();
 
 signals:
@@ -52,28 +63,49 @@ signals:
     void regionsChanged();
     /// The user wants to draw a region.
     void drawingRequested();
+    /// New regions, and those that are resized, shall have this proportion; 0 for any.
+    void proportionChanged(double proportion);
     /// A line for the log.
     void logMessage(const QString &text);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void onCurrentRowChanged();
     void onItemChanged(QListWidgetItem *item);
     void onNameEdited(const QString &name);
     void onRotationChosen(int index);
+    void shapeChosen(int index);
+    void renameCurrent();
+    void copyCurrent();
     void deleteCurrent();
+    void undo();
+    void redo();
     void storeAndSaySo();
 
+    void connectWidgets();
+    void addActions();
     void connectGeometry(QSpinBox *field, void (QRectF::*change)(qreal),
                          int (QSize::*frameSide)() const);
+    void append(const QString &step, const Roi &roi);
+    void changeCurrent(const QString &step, const std::function<void(Roi &)> &change,
+                       const QWidget *field = nullptr);
+    RegionState state() const;
+    void showState(const RegionState &state);
     void showFields();
     void showGeometry(const QRect &pixels);
     void clearGeometry();
     QVector<QSpinBox *> geometryFields() const;
-    Roi *currentRoi();
+    QVector<const QWidget *> typedFields() const;
+    const Roi *currentRoi() const;
 
     std::unique_ptr<Ui::RoiEditor> m_ui;
-    QString m_sessionDirectory; // empty until one is loaded
-    QVector<Roi> m_rois;        // in list order, check states included
-    QVector<Roi> m_storedRois;  // as in rois.json
+    QString m_sessionDirectory;              // empty until one is loaded
+    QVector<Roi> m_rois;                     // in list order, check states included
+    QVector<Roi> m_storedRois;               // as in rois.json
+    std::optional<RegionState> m_beforeDrag; // while the current region is dragged
+    RegionHistory m_history;
+    QVector<QAction *> m_needRegion; // owned as children
     QSize m_frameSize;
 };

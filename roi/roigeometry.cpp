@@ -45,6 +45,18 @@ QRectF RoiGeometry::normalizedRect(const QRectF &pixels, const QSize &frame)
             pixels.height() / frame.height()};
 }
 
+QRectF RoiGeometry::coveringPixels(const QRectF &normalized, const QRect &pixels,
+                                   const QSize &frame)
+{
+    const QRect before = pixelRect(normalized, frame);
+    const QRectF whole = normalizedRect(pixels, frame);
+    const QRectF changed(before.x() == pixels.x() ? normalized.x() : whole.x(),
+                         before.y() == pixels.y() ? normalized.y() : whole.y(),
+                         before.width() == pixels.width() ? normalized.width() : whole.width(),
+                         before.height() == pixels.height() ? normalized.height() : whole.height());
+    return pixelRect(changed, frame) == pixels ? changed : whole;
+}
+
 int RoiGeometry::reducedRotation(int stored)
 {
     const int reduced = (stored % 360 + 360) % 360;

@@ -19,6 +19,14 @@ QRect pixelRect(const QRectF &normalized, const QSize &frame);
 /// Converts pixels to fractions of a frame, which must not be empty.
 QRectF normalizedRect(const QRectF &pixels, const QSize &frame);
 
+/**
+ * @p normalized, changed so that it covers @p pixels of a frame that is not empty.
+ *
+ * Sides that are there already stay as they are: what they hold beyond whole pixels, or beyond this
+ * frame's edge, stays for frames of other sizes.
+ */
+QRectF coveringPixels(const QRectF &normalized, const QRect &pixels, const QSize &frame);
+
 /// A stored rotation as 0, 90, 180 or 270 degrees; 0 for anything but a quarter turn.
 int reducedRotation(int stored);
 

@@ -1,6 +1,7 @@
 #include "roi/roiprogressdialog.h"
 
 #include "roi/roivideogenerator.h"
+#include "roi/scalelookup.h"
 
 #include <QLabel>
 
@@ -18,18 +19,34 @@ QLabel *makePlainLabel(const QString &text)
 
 } // namespace
 
-RoiProgressDialog::RoiProgressDialog(RoiVideoGenerator &generator, int frames, QWidget *parent)
+RoiProgressDialog::RoiProgressDialog(const QString &text, int frames, QWidget *parent)
     : QProgressDialog(QString(), tr("Cancel"), 0, frames, parent)
 {
     constexpr int widthPx = 420; // holds a line of the label
     setWindowTitle(tr("Orvik - ROI video"));
-    setLabel(makePlainLabel(tr("Preparing ROI video frames...")));
+    setLabel(makePlainLabel(text));
     setMinimumWidth(widthPx);
     setWindowModality(Qt::WindowModal);
-    setMinimumDuration(0);
     setAutoReset(false); // the encoder still works after the last picture
     setAutoClose(false);
+}
+
+RoiProgressDialog::RoiProgressDialog(RoiVideoGenerator &generator, int frames, QWidget *parent)
+    : RoiProgressDialog(tr("Preparing ROI video frames..."), frames, parent)
+{
+    setMinimumDuration(0);
     connect(&generator, &RoiVideoGenerator::labelChanged, this, &QProgressDialog::setLabelText);
     connect(&generator, &RoiVideoGenerator::progressChanged, this, &QProgressDialog::setValue);
-    connect(this, &QProgressDialog::canceled, &generator, &RoiVideoGenerator::cancel);
+}
+
+RoiProgressDialog::RoiProgressDialog(ScaleLookup &lookup, QWidget *parent)
+    : RoiProgressDialog(QString(), 0, parent)
+{
+    connect(&lookup, &ScaleLookup::statusChanged, this, &RoiProgressDialog::showQuestion);
+}
+
+void RoiProgressDialog::showQuestion(const QString &text)
+{
+    setLabelText(text);
+    show();
 }

@@ -3,6 +3,7 @@
 #include <QProgressDialog>
 
 class RoiVideoGenerator;
+class ScaleLookup;
 
 /**
  * Shows the progress of a run and lets the user cancel it.
@@ -14,6 +15,12 @@ class RoiProgressDialog final : public QProgressDialog
     Q_OBJECT
 
 public:
-    /// @p frames is the number of pictures to be made.
+    /// For the films themselves; @p frames is the number of pictures to be made.
     RoiProgressDialog(RoiVideoGenerator &generator, int frames, QWidget *parent);
+    /// For questions to the service; comes up with the first of them.
+    RoiProgressDialog(ScaleLookup &lookup, QWidget *parent);
+
+private:
+    RoiProgressDialog(const QString &text, int frames, QWidget *parent);
+    void showQuestion(const QString &text);
 };

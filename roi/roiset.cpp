@@ -54,6 +54,29 @@ QJsonObject roiToJson(const Roi &roi)
     };
 }
 
+bool isTaken(const QString &path)
+{
+    const QFileInfo file(path);
+    return file.exists() || file.isSymLink();
+}
+
+/**
+ * Moves a file that holds no set out of the way, whatever it may still be good for.
+ *
+ * @param aside  where it is then; empty when there was nothing to move
+ * @return       false when it cannot be moved
+ */
+bool setDamagedAside(const QString &path, QString &aside)
+{
+    const QFileInfo file(path);
+    if (!file.isFile() || file.isSymLink() || JsonFile::load(path))
+        return true;
+    aside = path + QStringLiteral(".bad");
+    for (int number = 2; isTaken(aside); ++number)
+        aside = path + QStringLiteral(".bad%1").arg(number);
+    return QFile::rename(path, aside);
+}
+
 /// QSaveFile would write through a link, wherever it leads. Renaming replaces the link itself, and
 /// only after everything has been written.
 JsonFile::SaveResult saveOverLink(const QString &path, const QJsonObject &object)
@@ -108,9 +131,14 @@ QJsonObject RoiSet::toJson(const QVector<Roi> &rois, const QString &sessionName)
     };
 }
 
-QVector<Roi> RoiSet::load(const QString &sessionDirectory)
+QVector<Roi> RoiSet::load(const QString &sessionDirectory, QString *remark)
 {
-    const std::optional<QJsonObject> object = JsonFile::load(filePath(sessionDirectory));
+    const QString path = filePath(sessionDirectory);
+    const std::optional<QJsonObject> object = JsonFile::load(path);
+    if (!object && remark && QFileInfo(path).isFile())
+        *remark = QStringLiteral("WARNING rois.json of this session is damaged: no region was "
+                                 "loaded. The file is kept as rois.json.bad when regions are "
+                                 "saved.");
     return object ? fromJson(*object) : QVector<Roi>();
 }
 
@@ -120,18 +148,21 @@ bool RoiSet::save(const QVector<Roi> &rois, const QString &sessionDirectory, QSt
         return ErrorText::fail(errorText, QStringLiteral("No session is loaded."));
 
     const QString path = filePath(sessionDirectory);
+    QString damaged;
+    if (!setDamagedAside(path, damaged))
+        return ErrorText::fail(
+            errorText, QStringLiteral("The damaged rois.json cannot be kept as:\n%1").arg(damaged));
     const QJsonObject object = toJson(rois, QDir(sessionDirectory).dirName());
-    switch (QFileInfo(path).isSymLink() ? saveOverLink(path, object)
-                                        : JsonFile::save(path, object)) {
-    case JsonFile::SaveResult::Saved:
+    const JsonFile::SaveResult result =
+        QFileInfo(path).isSymLink() ? saveOverLink(path, object) : JsonFile::save(path, object);
+    if (result == JsonFile::SaveResult::Saved)
         return true;
-    case JsonFile::SaveResult::CannotOpen:
-        return ErrorText::fail(errorText,
-                               QStringLiteral("Cannot create rois.json in the session directory."));
-    case JsonFile::SaveResult::CannotCommit:
-        return ErrorText::fail(errorText, QStringLiteral("Cannot commit rois.json."));
-    }
-    return false;
+    if (!damaged.isEmpty())
+        QFile::rename(damaged, path);
+    return ErrorText::fail(errorText,
+                           result == JsonFile::SaveResult::CannotOpen
+                               ? QStringLiteral("Cannot create rois.json in the session directory.")
+                               : QStringLiteral("Cannot commit rois.json."));
 }
 
 QString RoiSet::filePath(const QString &sessionDirectory)

@@ -21,6 +21,9 @@ bool operator==(const Roi &one, const Roi &other);
 /// The regions of one session, and the file rois.json that holds them.
 namespace RoiSet {
 
+/// Characters in the longest name that can be typed; a stored one may have more.
+constexpr int maxNameLength = 80;
+
 /// The default name of a new region in a set that has @p count regions so far.
 QString defaultName(int count);
 
@@ -30,11 +33,16 @@ QVector<Roi> fromJson(const QJsonObject &object);
 /// The object to be stored in rois.json; @p sessionName is the name of the session's folder.
 QJsonObject toJson(const QVector<Roi> &rois, const QString &sessionName);
 
-/// The set stored in a session; empty when it is missing or cannot be read.
-QVector<Roi> load(const QString &sessionDirectory);
+/**
+ * The set stored in a session; empty when it is missing or cannot be read.
+ *
+ * @param remark  may be null; a line for the log when there is a file, but a damaged one
+ */
+QVector<Roi> load(const QString &sessionDirectory, QString *remark = nullptr);
 
 /**
- * Replaces the stored set of a session.
+ * Replaces the stored set of a session. A damaged file is kept beside it, as rois.json.bad or with
+ * a number behind that.
  *
  * @param sessionDirectory  empty when no session is loaded; saving then fails
  * @param errorText         may be null; set on failure only

@@ -2,16 +2,15 @@
 
 #include "base/plainmessagebox.h"
 #include "base/runtimeconfig.h"
-#include "base/utctext.h"
-#include "imaging/framedecoder.h"
 #include "output/sessionfiles.h"
 #include "roi/roicanvas.h"
-#include "roi/roiprogressdialog.h"
+#include "roi/roiencoder.h"
+#include "roi/samescale.h"
+#include "roi/solarposition.h"
 #include "ui_roivideodialog.h"
 
 #include <QDir>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QTimer>
@@ -34,19 +33,6 @@ QString sourceRowText(const RoiSource &source)
     return source.nickname + count;
 }
 
-QString frameMetaText(const RoiSourceFrame &frame, const QSize &size)
-{
-    const QString what = frame.actualUtc.isValid() ? UtcText::toOverlayText(frame.actualUtc)
-                                                   : QFileInfo(frame.file).fileName();
-    return QStringLiteral("%1   |   %2 x %3")
-        .arg(what, QString::number(size.width()), QString::number(size.height()));
-}
-
-QString cannotDecodeText(const RoiSourceFrame &frame)
-{
-    return RoiVideoDialog::tr("Cannot decode %1").arg(frame.file);
-}
-
 /// A failure in one line, without the encoder's output.
 QString summary(const QString &errorText)
 {
@@ -57,27 +43,29 @@ QString summary(const QString &errorText)
 } // namespace
 
 RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *parent)
-    : QDialog(parent), m_ui(std::make_unique<Ui::RoiVideoDialog>())
+    : QDialog(parent), m_ui(std::make_unique<Ui::RoiVideoDialog>()), m_run(this)
 {
     m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setWindowFlag(Qt::WindowMaximizeButtonHint);
-    m_ui->splitter->setStretchFactor(0, 1);
-    m_ui->splitter->setSizes({860, 400});              // only their ratio counts
-    m_ui->frameView->setFocusProxy(m_ui->frameSlider); // arrow keys step through the frames
-    m_canvas = new RoiCanvas(m_ui->frameView, this);
-    m_canvas->showMessage(tr("Open a session to inspect the captured full frames."));
+    m_ui->splitter->setStretchFactor(0, 2); // the pictures take what there is
+    m_ui->splitter->setStretchFactor(1, 1);
+    m_ui->splitter->setSizes({620, 300, 400}); // only their ratio counts
     connectWidgets();
-    connectCanvas();
+    connectFrames();
     connectRun();
-    showSource(-1);
+    showFrame();
     m_ui->browseButton->setFocus();
     const QDir initial(initialSessionDirectory);
     if (!initialSessionDirectory.isEmpty() && initial.exists(SessionFiles::descriptor()))
         loadSession(initialSessionDirectory, &m_initialError);
 }
 
-RoiVideoDialog::~RoiVideoDialog() = default;
+RoiVideoDialog::~RoiVideoDialog()
+{
+    m_ui->roiBox->disconnect(this); // a name that is still edited in the list is taken over as the
+                                    // window goes
+}
 
 bool RoiVideoDialog::loadSession(const QString &directory, QString *errorText)
 {
@@ -89,30 +77,33 @@ bool RoiVideoDialog::loadSession(const QString &directory, QString *errorText)
 
 void RoiVideoDialog::reject()
 {
-    switch (m_activity) {
-    case Activity::None:
-        if (m_ui->roiBox->mayBeLeft())
-            QDialog::reject();
-        break;
-    case Activity::LookingUp:
-        m_activity = Activity::Canceling;
-        m_lookup.abort();
-        break;
-    case Activity::Filming:
-        m_generator.cancel();
-        break;
-    case Activity::Canceling:
-        break;
-    }
+    if (m_run.isActive())
+        m_run.cancel();
+    else if (m_ui->roiBox->mayBeLeft())
+        QDialog::reject();
 }
 
-/// Esc ends drawing first, and closes the dialog only when nothing is being drawn.
+void RoiVideoDialog::abandon()
+{
+    m_isAbandoned = true;
+    m_ui->framePanel->rest();
+    m_run.cancel();
+    const QList<QDialog *> open = findChildren<QDialog *>();
+    for (QDialog *dialog : open) // each waits in an event loop above this one
+        dialog->reject();
+    QDialog::reject();
+}
+
+/// Esc ends drawing or takes a drag back first, and closes the dialog only after that.
 void RoiVideoDialog::keyPressEvent(QKeyEvent *event)
 {
-    if (event->matches(QKeySequence::Cancel) && m_canvas->isDrawing())
-        endDrawing();
-    else
+    RoiCanvas &canvas = m_ui->framePanel->canvas();
+    if (!event->matches(QKeySequence::Cancel) || !(canvas.isDrawing() || canvas.isDragging())) {
         QDialog::keyPressEvent(event);
+        return;
+    }
+    m_ui->framePanel->endDrawing();
+    canvas.cancelDrag();
 }
 
 void RoiVideoDialog::showEvent(QShowEvent *event)
@@ -139,65 +130,24 @@ void RoiVideoDialog::browse()
 
 void RoiVideoDialog::showSource(int row)
 {
-    const bool known = row >= 0 && row < m_session.sources.size();
-    const int frames = known ? m_session.sources.at(row).frames.size() : 0;
-    const QSignalBlocker quiet(m_ui->frameSlider);
-    m_ui->frameSlider->setEnabled(frames > 1);
-    m_ui->frameSlider->setRange(0, std::max(frames - 1, 0));
-    m_ui->frameSlider->setPageStep(std::max(frames / 10, 1));
-    m_ui->frameSlider->setValue(0);
-    if (known)
-        showFrame(0);
+    showScaleWarning();
+    if (row >= 0 && row < m_session.sources.size())
+        m_ui->framePanel->showFrames(m_session.sources.at(row).frames, row);
 }
 
-void RoiVideoDialog::showFrame(int index)
+void RoiVideoDialog::showFrame()
 {
-    endDrawing();
-    const QVector<RoiSourceFrame> &frames = currentSource()->frames;
-    if (frames.isEmpty()) {
-        const QString text = tr("The original PNG frames are not present for this datasource.");
-        m_canvas->showMessage(text);
-        m_ui->frameCounterLabel->setText(QStringLiteral("0 / 0"));
-        m_ui->frameMetaLabel->clear();
-        setStatus(text);
-    } else {
-        const RoiSourceFrame &frame = frames.at(index);
-        const QPixmap picture = QPixmap::fromImage(FrameDecoder::decode(frame.file));
-        if (picture.isNull()) {
-            const QString text = cannotDecodeText(frame);
-            m_canvas->showMessage(text);
-            setStatus(text);
-        } else {
-            m_canvas->showFrame(picture);
-        }
-        m_ui->frameCounterLabel->setText(
-            QStringLiteral("%1 / %2").arg(index + 1).arg(frames.size()));
-        m_ui->frameMetaLabel->setText(frameMetaText(frame, picture.size()));
-    }
-    m_ui->roiBox->setFrameSize(m_canvas->frameSize());
+    m_ui->roiBox->setFrameSize(m_ui->framePanel->image().size());
     drawRegions();
     showScaleLine();
-    if (index == 0)
-        m_canvas->fit();
 }
 
 void RoiVideoDialog::startDrawing()
 {
-    if (!currentSource() || currentSource()->frames.isEmpty()) {
+    if (m_ui->framePanel->hasFrames())
+        m_ui->framePanel->startDrawing();
+    else
         warn(tr("Load a datasource with original PNG frames first."));
-    } else if (m_canvas->frameSize().isEmpty()) {
-        setStatus(cannotDecodeText(currentSource()->frames.at(m_ui->frameSlider->value())));
-    } else {
-        m_canvas->startDrawing();
-        setStatus(tr("Drag a rectangle on the image to define the new ROI."));
-    }
-}
-
-void RoiVideoDialog::endDrawing()
-{
-    if (m_canvas->isDrawing())
-        setStatus(QString()); // it asks the user to draw
-    m_canvas->cancelDrawing();
 }
 
 void RoiVideoDialog::createRoi(const QRectF &pixels)
@@ -208,12 +158,40 @@ void RoiVideoDialog::createRoi(const QRectF &pixels)
 
 void RoiVideoDialog::drawRegions()
 {
-    m_canvas->showRegions(m_ui->roiBox->pixelRects(), m_ui->roiBox->currentRow());
+    FramePanel &panel = *m_ui->framePanel;
+    const QVector<RegionMark> marks = m_ui->roiBox->marks();
+    const int row = m_ui->roiBox->currentRow();
+    panel.canvas().showRegions(marks, row);
+    const QSize size = row < 0 ? QSize() : marks.at(row).pixels.size();
+    panel.showRegionSize(SolarPosition::sizeText(size, panel.image().size(), frameMetadata()));
+    showResult();
+}
+
+/// What the current region makes of the frame; the image is decoded once, for the canvas.
+void RoiVideoDialog::showResult()
+{
+    const FramePanel &panel = *m_ui->framePanel;
+    const int row = m_ui->roiBox->currentRow();
+    if (panel.image().isNull() || row < 0) {
+        m_ui->resultBox->showMessage(
+            panel.image().isNull() ? QString()
+                                   : tr("Draw or select a region to see what its film will show."));
+        return;
+    }
+    RoiVideoPlan plan;
+    m_ui->outputBox->fill(plan);
+    const int pictures = panel.keptFrames() + plan.introFrames();
+    const QString caption =
+        tr("%1 frame(s), %2 s")
+            .arg(QString::number(pictures), QString::number(double(pictures) / plan.fps, 'f', 2));
+    const RoiLook look{plan.overlays, currentSource()->nickname, sourceMetadata()};
+    m_ui->resultBox->showSubject(
+        {panel.image(), panel.frame(), m_ui->roiBox->rois().at(row), look, caption});
 }
 
 void RoiVideoDialog::generate()
 {
-    endDrawing();
+    m_ui->framePanel->rest();
     m_ui->roiBox->commitTyped();
     RoiVideoPlan plan = planFromWidgets();
     if (plan.rois.isEmpty()) {
@@ -226,9 +204,16 @@ void RoiVideoDialog::generate()
         warn(tr("No original PNG frames are available for the selected datasource(s)."));
         return;
     }
-    const bool canceled = plan.scaleOverlay && !findScales(plan);
-    const auto outcome = canceled ? RoiVideoGenerator::Outcome::Canceled : film(plan);
-    enterActivity(Activity::None);
+    if (!leaveOutEmpty(plan))
+        return;
+    QString errorText;
+    if (!RoiEncoder::isPresent(RuntimeConfig::ffmpegPath(),
+                               &errorText)) { // before the service is asked
+        warn(errorText);
+        return;
+    }
+    const RoiVideoGenerator::Outcome outcome = m_run.make(plan, m_session.startUtc);
+    m_ui->filmsBox->showFilms(m_run.generator().films());
     report(outcome);
 }
 
@@ -237,42 +222,51 @@ void RoiVideoDialog::connectWidgets()
     connect(m_ui->browseButton, &QPushButton::clicked, this, &RoiVideoDialog::browse);
     connect(m_ui->sourceCombo, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &RoiVideoDialog::showSource);
-    connect(m_ui->frameSlider, &QSlider::valueChanged, this, &RoiVideoDialog::showFrame);
     connect(m_ui->roiBox, &RoiEditor::regionsChanged, this, &RoiVideoDialog::drawRegions);
     connect(m_ui->roiBox, &RoiEditor::drawingRequested, this, &RoiVideoDialog::startDrawing);
+    connect(m_ui->roiBox, &RoiEditor::proportionChanged, &m_ui->framePanel->canvas(),
+            &RoiCanvas::setProportion);
     connect(m_ui->roiBox, &RoiEditor::logMessage, this, &RoiVideoDialog::logMessage);
+    connect(m_ui->outputBox, &FilmOptions::changed, this, &RoiVideoDialog::showResult);
+    connect(m_ui->outputBox, &FilmOptions::changed, this,
+            [this] { m_ui->framePanel->setRate(m_ui->outputBox->fps()); });
+    connect(m_ui->outputBox, &FilmOptions::changed, this, &RoiVideoDialog::showScaleWarning);
     connect(m_ui->generateButton, &QPushButton::clicked, this, &RoiVideoDialog::generate);
 }
 
 void RoiVideoDialog::connectRun()
 {
-    connect(&m_lookup, &ScaleLookup::logMessage, this, &RoiVideoDialog::logMessage);
-    connect(&m_lookup, &ScaleLookup::statusChanged, this, &RoiVideoDialog::setStatus);
-    connect(&m_generator, &RoiVideoGenerator::logMessage, this, &RoiVideoDialog::logMessage);
+    connect(&m_run, &RoiRun::logMessage, this, &RoiVideoDialog::logMessage);
+    connect(m_ui->filmsBox, &FilmList::logMessage, this, &RoiVideoDialog::logMessage);
+    connect(&m_run, &RoiRun::statusChanged, this, &RoiVideoDialog::setStatus);
+    connect(&m_run, &RoiRun::activeChanged, this, &RoiVideoDialog::lock);
 }
 
-void RoiVideoDialog::connectCanvas()
+void RoiVideoDialog::connectFrames()
 {
-    connect(m_ui->fitButton, &QPushButton::clicked, m_canvas, &RoiCanvas::fit);
-    connect(m_canvas, &RoiCanvas::rectangleDrawn, this, &RoiVideoDialog::createRoi);
-    connect(m_canvas, &RoiCanvas::rectangleTooSmall, this,
-            [this] { setStatus(tr("ROI creation canceled: rectangle too small.")); });
-    connect(m_canvas, &RoiCanvas::startedOutside, this,
-            [this] { setStatus(tr("Start the ROI selection inside the image.")); });
+    const FramePanel *panel = m_ui->framePanel;
+    connect(panel, &FramePanel::frameChanged, this, &RoiVideoDialog::showFrame);
+    connect(panel, &FramePanel::intervalChanged, this, &RoiVideoDialog::showResult);
+    connect(panel, &FramePanel::statusChanged, this, &RoiVideoDialog::setStatus);
+    const RoiCanvas *canvas = &panel->canvas();
+    connect(canvas, &RoiCanvas::rectangleDrawn, this, &RoiVideoDialog::createRoi);
+    connect(canvas, &RoiCanvas::regionPicked, m_ui->roiBox, &RoiEditor::pick);
+    connect(canvas, &RoiCanvas::regionDragged, m_ui->roiBox, &RoiEditor::dragTo);
+    connect(canvas, &RoiCanvas::dragEnded, m_ui->roiBox, &RoiEditor::endDrag);
 }
 
 void RoiVideoDialog::showSession(const StoredSession &session)
 {
+    m_ui->filmsBox->showFilms({});
+    m_ui->framePanel->clear(); // what is shown does not belong to this session
     m_session = session;
-    m_ui->roiBox->load(m_session.directory);
     fillWidgets();
-    const int row = m_session.firstWithFrames();
-    {
-        const QSignalBlocker quiet(m_ui->sourceCombo);
-        m_ui->sourceCombo->setCurrentIndex(row);
-    }
-    showSource(row);
-    m_ui->frameSlider->setFocus();
+    const QString damage = m_ui->roiBox->load(m_session.directory);
+    if (!damage.isEmpty())
+        m_session.remarks.append(damage);
+    learnScales();
+    showSource(m_ui->sourceCombo->currentIndex());
+    m_ui->framePanel->focusSlider();
     setStatus(tr("Session loaded: %1 datasource(s), %2 with original PNG frames.")
                   .arg(m_session.sources.size())
                   .arg(m_session.sourcesWithFrames()));
@@ -287,12 +281,10 @@ void RoiVideoDialog::fillWidgets()
         m_ui->sourceCombo->clear();
         for (const RoiSource &source : std::as_const(m_session.sources))
             m_ui->sourceCombo->addItem(sourceRowText(source));
+        m_ui->sourceCombo->setCurrentIndex(m_session.firstWithFrames());
     }
     m_ui->sessionEdit->setText(QDir::toNativeSeparators(m_session.directory));
-    m_ui->fpsSpin->setValue(m_session.videoFps);
-    m_ui->crfSpin->setValue(m_session.videoCrf);
-    m_ui->sourceOverlayCheck->setChecked(m_session.sourceOverlay);
-    m_ui->scaleOverlayCheck->setChecked(m_session.scaleOverlay);
+    m_ui->outputBox->preset(m_session);
 }
 
 /// The log is connected only after the constructor has returned.
@@ -307,100 +299,121 @@ void RoiVideoDialog::sendRemarks()
 
 void RoiVideoDialog::showScaleLine()
 {
-    const RoiSource *source = currentSource();
-    const int widthPx = m_canvas->frameSize().width();
-    if (!source || widthPx < 1) {
-        m_ui->scaleLabel->setText(ScaleLookup::lineText(0, {}));
-        return;
+    const int widthPx = m_ui->framePanel->image().width();
+    const QJsonObject metadata = widthPx > 0 ? frameMetadata() : QJsonObject();
+    m_ui->outputBox->showScaleLine(ScaleLookup::lineText(widthPx, metadata));
+}
+
+/// Of the frame that is shown, or of its datasource.
+QJsonObject RoiVideoDialog::frameMetadata() const
+{
+    const QJsonObject &own = m_ui->framePanel->frame().metadata;
+    return ScaleLookup::isUsable(own) ? own : sourceMetadata();
+}
+
+QJsonObject RoiVideoDialog::sourceMetadata() const
+{
+    return m_scales.value(m_ui->sourceCombo->currentIndex());
+}
+
+/// Looked for once per session: it may take a look at every frame.
+void RoiVideoDialog::learnScales()
+{
+    m_scales.clear();
+    for (const RoiSource &source : std::as_const(m_session.sources))
+        m_scales.append(m_run.scales().known(source));
+    showScaleLine();
+    showScaleWarning();
+    drawRegions();
+}
+
+/// What the films of all datasources would not have in common with that of the current one.
+void RoiVideoDialog::showScaleWarning()
+{
+    QVector<SameScale::Source> sources;
+    for (int row = 0; row < m_session.sources.size(); ++row) {
+        const RoiSource &source = m_session.sources.at(row);
+        const bool current = row == m_ui->sourceCombo->currentIndex();
+        if (!source.frames.isEmpty())
+            sources.insert(current ? 0 : sources.size(), {source.nickname, m_scales.value(row)});
     }
-    const QJsonObject &own = source->frames.at(m_ui->frameSlider->value()).metadata;
-    m_ui->scaleLabel->setText(
-        ScaleLookup::lineText(widthPx, ScaleLookup::isUsable(own) ? own : m_lookup.known(*source)));
+    m_ui->outputBox->showScaleWarning(m_ui->outputBox->allSources() ? SameScale::warning(sources)
+                                                                    : QString());
 }
 
 /// Null while no session is loaded.
 const RoiSource *RoiVideoDialog::currentSource() const
 {
     const int row = m_ui->sourceCombo->currentIndex();
-    return row >= 0 ? &m_session.sources.at(row) : nullptr;
+    return row >= 0 && row < m_session.sources.size() ? &m_session.sources.at(row) : nullptr;
 }
 
 RoiVideoPlan RoiVideoDialog::planFromWidgets() const
 {
+    const FrameInterval &interval = m_ui->framePanel->interval();
     RoiVideoPlan plan;
     plan.sessionDirectory = m_session.directory;
     for (int row = 0; row < m_session.sources.size(); ++row) {
+        const RoiSource &source = m_session.sources.at(row);
         const bool chosen =
-            m_ui->allSourcesCheck->isChecked() || row == m_ui->sourceCombo->currentIndex();
-        if (chosen && !m_session.sources.at(row).frames.isEmpty())
-            plan.sources.append({m_session.sources.at(row), {}});
+            m_ui->outputBox->allSources() || row == m_ui->sourceCombo->currentIndex();
+        if (chosen && !source.frames.isEmpty())
+            plan.sources.append({FrameIntervals::cut(interval, source, row), {}});
     }
-    const QVector<Roi> &rois = m_ui->roiBox->rois();
-    for (int row = 0; row < rois.size(); ++row) {
-        if (rois.at(row).enabled)
-            plan.rois.append({row + 1, rois.at(row)});
-    }
-    plan.fps = m_ui->fpsSpin->value();
-    plan.crf = m_ui->crfSpin->value();
-    plan.timestampOverlay = m_ui->timestampCheck->isChecked();
-    plan.sourceOverlay = m_ui->sourceOverlayCheck->isChecked();
-    plan.scaleOverlay = m_ui->scaleOverlayCheck->isChecked();
-    plan.intro = m_ui->introCheck->isChecked();
-    plan.introSeconds = m_ui->zoomDurationSpin->value();
+    plan.takeTicked(m_ui->roiBox->rois());
+    m_ui->outputBox->fill(plan);
     return plan;
 }
 
-/// False when the user canceled.
-bool RoiVideoDialog::findScales(RoiVideoPlan &plan)
+/// Names the datasources that have no frame in the interval; false when no films shall be made.
+bool RoiVideoDialog::leaveOutEmpty(RoiVideoPlan &plan)
 {
-    enterActivity(Activity::LookingUp);
-    for (RoiFilmSource &filmed : plan.sources) {
-        if (m_activity == Activity::LookingUp)
-            filmed.scaleMetadata = m_lookup.ensure(filmed.source, m_session.startUtc);
+    const QStringList empty = plan.leaveOutEmpty();
+    if (empty.isEmpty())
+        return true;
+    const QString which = tr("No frame %1 in:\n%2")
+                              .arg(FrameIntervals::timesText(m_ui->framePanel->interval()),
+                                   empty.join(QLatin1Char('\n')));
+    if (plan.sources.isEmpty()) {
+        warn(which + tr("\n\nChoose another interval with From and To."));
+        return false;
     }
-    showScaleLine();
-    return m_activity == Activity::LookingUp;
-}
-
-RoiVideoGenerator::Outcome RoiVideoDialog::film(const RoiVideoPlan &plan)
-{
-    enterActivity(Activity::Filming);
-    RoiProgressDialog progress(m_generator, plan.totalFrames(), this);
-    progress.show();
-    return m_generator.run(plan);
+    return PlainMessageBox::ask(this, boxTitle(), which + tr("\n\nThe others are filmed."),
+                                QMessageBox::Ok | QMessageBox::Cancel,
+                                QMessageBox::Ok) == QMessageBox::Ok;
 }
 
 void RoiVideoDialog::report(RoiVideoGenerator::Outcome outcome)
 {
     switch (outcome) {
     case RoiVideoGenerator::Outcome::Completed:
-        setStatus(tr("Completed: %1 ROI video(s) created.").arg(m_generator.createdVideos()));
+        setStatus(tr("Completed: %1 ROI video(s) created.").arg(m_run.generator().createdVideos()));
         inform(tr("Created %1 ROI video(s).\n\nOriginal PNG frames were not modified.")
-                   .arg(m_generator.createdVideos()));
+                   .arg(m_run.generator().createdVideos()));
         break;
     case RoiVideoGenerator::Outcome::Canceled:
         setStatus(tr("ROI video generation canceled. Original frames were not modified."));
         inform(m_ui->statusLabel->text());
         break;
     case RoiVideoGenerator::Outcome::Failed:
-        setStatus(summary(m_generator.errorText()));
-        warn(m_generator.errorText());
+        setStatus(summary(m_run.generator().errorText()));
+        warn(m_run.generator().errorText());
         break;
     }
 }
 
 /// Canceling hides the modal progress dialog while the run is still on the stack. Without the lock
 /// the user could start a second run then, or close the dialog.
-void RoiVideoDialog::enterActivity(Activity activity)
+void RoiVideoDialog::lock(bool locked)
 {
-    m_activity = activity;
-    const bool locked = activity != Activity::None;
     for (QWidget *part :
          {static_cast<QWidget *>(m_ui->splitter), static_cast<QWidget *>(m_ui->browseButton),
           static_cast<QWidget *>(m_ui->generateButton)})
         part->setDisabled(locked);
-    if (!locked)
-        m_ui->generateButton->setFocus();
+    if (locked)
+        return;
+    m_ui->generateButton->setFocus();
+    learnScales(); // the service may have told some
 }
 
 void RoiVideoDialog::setStatus(const QString &text)
@@ -410,10 +423,16 @@ void RoiVideoDialog::setStatus(const QString &text)
 
 void RoiVideoDialog::warn(const QString &text)
 {
-    PlainMessageBox::show(this, QMessageBox::Warning, boxTitle(), text);
+    showBox(QMessageBox::Warning, text);
 }
 
 void RoiVideoDialog::inform(const QString &text)
 {
-    PlainMessageBox::show(this, QMessageBox::Information, boxTitle(), text);
+    showBox(QMessageBox::Information, text);
+}
+
+void RoiVideoDialog::showBox(QMessageBox::Icon icon, const QString &text)
+{
+    if (!m_isAbandoned)
+        PlainMessageBox::show(this, icon, boxTitle(), text);
 }

@@ -1,15 +1,12 @@
 #pragma once
 
+#include "roi/roirun.h"
 #include "roi/roisession.h"
-#include "roi/roivideogenerator.h"
-#include "roi/scalelookup.h"
 
 #include <QDialog>
+#include <QMessageBox>
 
 #include <memory>
-#include <optional>
-
-class RoiCanvas;
 
 namespace Ui {
 class RoiVideoDialog;
@@ -36,6 +33,9 @@ public slots:
     /// Cancels a running generation, if there is one. Otherwise closes the dialog, after asking
     /// about unsaved regions.
     void reject() override;
+    /// Closes without a question, for a program that has to end: a run is canceled, what it has not
+    /// finished is gone, and what is not saved is lost.
+    void abandon();
 
 signals:
     /// A line for the log. Lines about a session are sent once the dialog is visible.
@@ -48,39 +48,39 @@ protected:
 private slots:
     void browse();
     void showSource(int row);
-    void showFrame(int index);
+    void showFrame();
     void startDrawing();
-    void endDrawing();
     void createRoi(const QRectF &pixels);
     void drawRegions();
+    void showResult();
+    void showScaleWarning();
     void generate();
 
 private:
-    /// What a generation is doing. Meanwhile all controls but Close are locked.
-    enum class Activity { None, LookingUp, Filming, Canceling };
-
     void connectWidgets();
-    void connectCanvas();
+    void connectFrames();
     void connectRun();
     void showSession(const StoredSession &session);
     void fillWidgets();
     void sendRemarks();
     void showScaleLine();
     const RoiSource *currentSource() const;
+    QJsonObject frameMetadata() const;
+    QJsonObject sourceMetadata() const;
+    void learnScales();
     RoiVideoPlan planFromWidgets() const;
-    bool findScales(RoiVideoPlan &plan);
-    RoiVideoGenerator::Outcome film(const RoiVideoPlan &plan);
+    bool leaveOutEmpty(RoiVideoPlan &plan);
     void report(RoiVideoGenerator::Outcome outcome);
-    void enterActivity(Activity activity);
+    void lock(bool locked);
     void setStatus(const QString &text);
     void warn(const QString &text);
     void inform(const QString &text);
+    void showBox(QMessageBox::Icon icon, const QString &text);
 
     std::unique_ptr<Ui::RoiVideoDialog> m_ui;
-    RoiCanvas *m_canvas; // owned as a child
-    ScaleLookup m_lookup;
-    RoiVideoGenerator m_generator;
+    RoiRun m_run;
     StoredSession m_session;
+    QVector<QJsonObject> m_scales; // what is known of its datasources
     QString m_initialError;
-    Activity m_activity = Activity::None;
+    bool m_isAbandoned = false;
 };

@@ -1,43 +1,24 @@
 #pragma once
 
 #include "roi/roiencoder.h"
-#include "roi/roisession.h"
-#include "roi/roiset.h"
+#include "roi/roiframe.h"
+#include "roi/roijob.h"
 
 #include <QObject>
 
+#include <optional>
+#include <vector>
+
 class QImage;
 
-/// A region to film, with its position in the list, by which its films are numbered.
-struct NumberedRoi
+/// A film that a run has made.
+struct MadeFilm
 {
-    int number = 1; ///< counted from 1, regions that are not filmed included
-    Roi roi;
-};
-
-/// A datasource to film.
-struct RoiFilmSource
-{
-    RoiSource source;          ///< with at least one frame
-    QJsonObject scaleMetadata; ///< for frames that have none of their own; may be empty
-};
-
-/// Everything that one generation run needs to know.
-struct RoiVideoPlan
-{
-    QString sessionDirectory;
-    QVector<RoiFilmSource> sources;
-    QVector<NumberedRoi> rois;
+    QString nickname; ///< of the datasource
+    QString region;
+    QString file;
+    int pictures = 0;
     int fps = 25;
-    int crf = 18;
-    bool timestampOverlay = true;
-    bool sourceOverlay = true;
-    bool scaleOverlay = true;
-    bool intro = false;
-    double introSeconds = 2.5;
-
-    int introFrames() const; ///< per film; 0 without introduction
-    int totalFrames() const; ///< of all films
 };
 
 /**
@@ -64,7 +45,8 @@ public:
      */
     static QStringList restoreEarlierFilms(const StoredSession &session);
 
-    int createdVideos() const { return m_createdVideos; }
+    const QVector<MadeFilm> &films() const { return m_films; } ///< of the run, in their order
+    int createdVideos() const { return m_films.size(); }
     QString errorText() const { return m_errorText; } ///< empty unless the run failed
 
     /// Makes all films of the plan; pending events are processed after each picture.
@@ -84,26 +66,28 @@ signals:
     void progressChanged(int frames);
 
 private:
-    struct Job;
+    using Jobs = std::vector<RoiJob>;
 
     bool filmSources();
     bool filmSource(const RoiFilmSource &filmed);
-    bool filmRoi(const Job &job);
-    bool writeIntro(const Job &job);
-    bool writeSequence(const Job &job);
-    bool writePicture(const Job &job, const QImage &upright, const QDateTime &utc,
-                      double kmPerPixel, const QString &path) const;
-    double frameKmPerPixel(const Job &job, const RoiSourceFrame &frame, int frameWidthPx) const;
+    bool filmRoi(Jobs &jobs, size_t current);
+    bool writeIntro(const RoiJob &job);
+    bool decodeForIntro(const RoiSourceFrame &frame);
+    bool writeSequence(Jobs &jobs, size_t current);
+    bool writeFrame(Jobs &jobs, size_t current, int index);
+    bool writeAhead(Jobs &jobs, size_t current, const QImage &decoded, int index);
     bool pictureDone();
-    bool encode(const Job &job);
-    FilmOrder orderFor(const Job &job) const;
-    QString completionDetails(const Job &job) const;
+    bool letOthersIn();
+    bool encode(const RoiJob &job);
+    QString completionDetails(const RoiJob &job) const;
+    bool removeTemporary(const QString &path);
     bool fail(const QString &text);
 
     RoiVideoPlan m_plan;
     RoiEncoder m_encoder;
+    std::optional<ZoomSource> m_zoom; // the first frame of the datasource, once it is needed
     QString m_errorText;
-    int m_createdVideos = 0;
+    QVector<MadeFilm> m_films;
     int m_writtenFrames = 0;
     bool m_canceled = false;
 };

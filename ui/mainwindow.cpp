@@ -9,7 +9,7 @@
 #include "ui/acquisitionestimate.h"
 #include "ui/acquisitionform.h"
 #include "ui/catalogcache.h"
-#include "ui/desktopactions.h"
+#include "base/desktopactions.h"
 #include "ui/licensedialog.h"
 #include "ui/logview.h"
 #include "ui/outputsearch.h"
@@ -401,6 +401,7 @@ void MainWindow::createRoiVideo()
     const QString newest = OutputSearch::newestSession(outputRoot);
     RoiVideoDialog dialog(newest.isEmpty() ? outputRoot : newest, this);
     connect(&dialog, &RoiVideoDialog::logMessage, m_log, &LogView::append);
+    connect(this, &MainWindow::shuttingDown, &dialog, &RoiVideoDialog::abandon);
     dialog.exec();
 }
 
@@ -419,6 +420,7 @@ void MainWindow::showLicense()
 
 void MainWindow::shutDown()
 {
+    emit shuttingDown();
     m_controller->stop();
     close();
 }

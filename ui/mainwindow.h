@@ -35,6 +35,10 @@ public slots:
     /// Stops a run as the user would, and closes the window without asking.
     void shutDown();
 
+signals:
+    /// Windows that are open above this one have to close without a question.
+    void shuttingDown();
+
 protected:
     void closeEvent(QCloseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;

@@ -1,3 +1,4 @@
+#include "roi/regionmarks.h"
 #include "roi/roiframe.h"
 #include "roi/roigeometry.h"
 #include "tests/roi/testsession.h"
@@ -37,6 +38,37 @@ private slots:
             const QRect drawn(side / 3, side / 11, side, side);
             QCOMPARE(pixels(RoiGeometry::normalizedRect(drawn, frame), frame), drawn);
         }
+    }
+
+    void drags()
+    {
+        const QSize frame(200, 100);
+        const QRect start(50, 40, 60, 40);
+        const double wide = RegionShape::proportionAt(3); // 16:9
+        const auto resized = [&](int x, int y, const QPointF &by, double proportion = 0) {
+            return RegionShape::resized(start, {x, y}, by, frame, proportion);
+        };
+        QCOMPARE(resized(1, 0, {5.6, 99}), QRect(50, 40, 64, 40)); // even, and one side only
+        QCOMPARE(resized(-1, -1, {-999, -999}), QRect(0, 0, 110, 80));
+        QCOMPARE(resized(-1, 1, {999, -999}), QRect(108, 40, 2, 2)); // it does not turn over
+        QCOMPARE(resized(1, 1, {0, 999}, wide), QRect(50, 40, 106, 60));
+        QCOMPARE(resized(-1, 0, {-999, 0}, 1), QRect(10, 0, 100, 100));
+        QCOMPARE(resized(0, -1, {0, 30}, wide), QRect(71, 70, 18, 10));
+        QCOMPARE(RegionShape::moved(start, {-60.4, 33}, frame), QRect(0, 60, 60, 40));
+        const auto spanned = [&](const QPointF &from, const QPointF &to, double proportion) {
+            return RegionShape::spanned(from, to, frame, proportion);
+        };
+        QCOMPARE(spanned({20.5, 90}, {-5, 10}, 0), QRectF(0, 10, 20.5, 80));
+        QCOMPARE(spanned({20.5, 90}, {-5, 10}, 1), QRectF(0, 70, 20, 20));
+        QCOMPARE(spanned({20, 10}, {84, 11}, wide), QRectF(20, 10, 64, 36));
+        QVERIFY(spanned({20, 10}, {21, 10}, wide).isEmpty());
+        QCOMPARE(RegionShape::middle(frame, RegionShape::proportionAt(4)), QRect(86, 25, 28, 50));
+        const QRectF sight(0, 0, 300, 200);
+        const QSizeF name(50, 20); // above its region, inside it, in sight of it, gone with it
+        QCOMPARE(RegionMarks::nameBox({10, 30, 9, 9}, name, sight), QRectF({10, 10}, name));
+        QCOMPARE(RegionMarks::nameBox({270, 10, 90, 90}, name, sight), QRectF({250, 10}, name));
+        QCOMPARE(RegionMarks::nameBox({-90, -90, 999, 100}, name, sight), QRectF({0, 0}, name));
+        QVERIFY(RegionMarks::nameBox({-90, -90, 80, 80}, name, sight).isEmpty());
     }
 
     void rotations()

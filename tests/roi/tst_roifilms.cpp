@@ -4,6 +4,7 @@
 #include "tests/roi/testsession.h"
 #include "tests/support/testfolder.h"
 
+#include <QDir>
 #include <QTimer>
 #include <QtTest>
 
@@ -28,7 +29,7 @@ RoiVideoPlan planFor(const TestSession &stored)
     plan.rois = {{1, {QStringLiteral("Flare  #1 / west"), {0.25, 0.25, 0.5, 0.5}, true, 0}}};
     plan.fps = session->videoFps;
     plan.crf = session->videoCrf;
-    plan.sourceOverlay = plan.scaleOverlay = false;
+    plan.overlays = {true, false, false};
     plan.introSeconds = 0.5;
     return plan;
 }
@@ -98,6 +99,28 @@ private slots:
             QVERIFY(filmShape(stored.filePath("AIA_171/AIA_171__ROI_%1.mp4").arg(name))
                         .endsWith(QLatin1String(",3")));
         QCOMPARE(stored.contents(), before);
+    }
+
+    void frameOfSeveralRegionsIsDecodedOnce()
+    {
+        const TestSession stored;
+        RoiVideoPlan plan = planFor(stored);
+        plan.rois.append({2, {QStringLiteral("b"), {0.5, 0.5, 0.25, 0.25}, true, 0}});
+        plan.intro = true;
+        RoiVideoGenerator generator;
+        int folders = 0; // of pictures, while the second film is made
+        connect(&generator, &RoiVideoGenerator::labelChanged, [&](const QString &label) {
+            const QDir temporary(stored.filePath("AIA_171/.roi_video_frames"));
+            if (label.startsWith(QLatin1String("Encoding AIA 171 - Flare")))
+                QFile::remove(stored.filePath("AIA_171/frame_2.png"));
+            else if (label.startsWith(QLatin1String("Encoding AIA 171 - b")))
+                folders = temporary.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+        });
+        QCOMPARE(generator.run(plan), Outcome::Completed);
+        QCOMPARE(folders, 1);
+        const QString film = stored.filePath("AIA_171/AIA_171__ROI_02_b.mp4");
+        QCOMPARE(filmShape(film), QStringLiteral("64,48,5/1,6"));
+        QCOMPARE(filmFrame(film, 5).pixel(60, 4), 0xffffffff);
     }
 
     void encoderFails()

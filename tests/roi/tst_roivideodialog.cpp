@@ -1,7 +1,9 @@
 #include "roi/roivideodialog.h"
 
+#include "base/terminationsignals.h"
 #include "tests/roi/testsession.h"
 #include "tests/support/testfolder.h"
+#include "ui/mainwindow.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -18,6 +20,8 @@
 #include <QtTest>
 #include <QWheelEvent>
 
+#include <csignal>
+
 /// The road of a person: open, look, draw, adjust, save, reload, film.
 class TestRoiVideoDialog : public QObject
 {
@@ -27,7 +31,6 @@ private slots:
     void initTestCase()
     {
         connect(&m_hand, &QTimer::timeout, this, &TestRoiVideoDialog::answerBox);
-        m_hand.start(5);
     }
     void init()
     {
@@ -37,6 +40,7 @@ private slots:
         m_choice.clear();
         m_boxes.clear();
         m_log.clear();
+        m_hand.start(5);
         open();
     }
     void cleanup() { m_dialog.reset(); }
@@ -74,6 +78,49 @@ private slots:
         QCOMPARE(intervals, QStringLiteral("0-254 0-190 2-256 2-192 1-120 0-51 "));
     }
 
+    void regionsAreWorkedOnThePicture()
+    {
+        drawTwo();
+        const auto press = [this](Qt::Key key) { // on whatever field has the focus
+            QTest::keyClick(m_dialog->focusWidget(), key, Qt::ControlModifier);
+            return geometry();
+        };
+        QTest::mouseClick(view()->viewport(), Qt::LeftButton, {}, view()->mapFromScene(64, 99));
+        QCOMPARE(list()->currentRow(), 0);
+        drag({192, 144}, {207, 300}); // the corner, beyond the frame and at an odd width
+        QCOMPARE(geometry(), QRect(64, 48, 142, 144));
+        drag({64, 100}, {90, 100}, Qt::Key_Escape);
+        QCOMPARE(geometry(), QRect(64, 48, 142, 144));
+        drag({70, 40}, {300, 50}); // the name
+        QCOMPARE(geometry(), QRect(114, 48, 142, 144));
+        find<QComboBox>("shapeCombo")->setCurrentIndex(3);
+        drag({185, 48}, {185, 100}); // of a side, 16:9 as far as the frame goes
+        QCOMPARE(geometry(), QRect(92, 100, 164, 92));
+        click("newRoiButton");
+        QVERIFY(view()->hasFocus());
+        QTest::keyClick(m_dialog->focusWidget(), Qt::Key_Return);
+        QCOMPARE(geometry(), QRect(64, 60, 128, 72));
+        QCOMPARE(press(Qt::Key_D), QRect(64, 60, 128, 72));
+        QTest::keyClick(list(), Qt::Key_F2);
+        QTest::keyClicks(list()->findChild<QLineEdit *>(), QString(90, QLatin1Char('n')));
+        QTest::keyClick(list()->findChild<QLineEdit *>(), Qt::Key_Return);
+        QTRY_COMPARE(list()->currentItem()->text(), QString(80, QLatin1Char('n')));
+        find<QComboBox>("rotationCombo")->setCurrentIndex(1);
+        spin("xSpin")->setFocus();
+        for (int step = 0; step < 3; ++step)
+            QTest::keyClick(spin("xSpin"), Qt::Key_Up);
+        QCOMPARE(press(Qt::Key_Z), QRect(64, 60, 128, 72)); // three spins are one step
+        QCOMPARE(press(Qt::Key_Y), QRect(67, 60, 128, 72));
+        for (int step = 0; step < 3; ++step) // and the turn, and the name
+            press(Qt::Key_Z);
+        QCOMPARE(find<QComboBox>("rotationCombo")->currentIndex(), 0);
+        QCOMPARE(list()->currentItem()->text(), QStringLiteral("ROI 3 copy"));
+        for (int step = 0; step < 3; ++step) // and the copy, the third region, the side
+            press(Qt::Key_Z);
+        QCOMPARE(list()->count(), 2);
+        QCOMPARE(geometry(), QRect(114, 48, 142, 144));
+    }
+
     void editsAreNotLostUnsaved()
     {
         drawTwo();
@@ -89,7 +136,7 @@ private slots:
         m_dialog->close(); // as by the window's own button
         QVERIFY(m_dialog->isVisible() && boxes().contains(QLatin1String("unsaved changes")));
         find<QComboBox>("sourceCombo")->setCurrentIndex(1); // half the size
-        QCOMPARE(geometry(), QRect(51, 0, 32, 24));
+        QTRY_COMPARE(geometry(), QRect(51, 0, 32, 24));
 
         for (const QString &folder : {QString(), m_stored->filePath("HMI"), m_stored->path()}) {
             m_choice = folder;
@@ -179,6 +226,46 @@ private slots:
         expectCanceled();
     }
 
+    void terminationWhileFilmingAndWhileAsked()
+    {
+        const QByteArray film = "AIA_171/AIA_171__ROI_01_a.mp4";
+        m_stored->write("rois.json", R"({"rois":[{"name":"a","width":1,"height":1}]})");
+        m_stored->write(film, "an earlier film");
+        const auto before = m_stored->contents();
+        FakeProgram::Reply hanging;
+        hanging.hang = true;
+        hanging.files.insert(QStringLiteral("$last"), "half a film");
+        const QString ffmpeg = useStandIn(QStringLiteral("ffmpeg"), hanging);
+        useStandIn(QStringLiteral("curl"), hanging);
+        TestFolder::setKey(QStringLiteral("paths/output"), m_stored->path());
+        TerminationSignals terminations;
+        m_hand.stop();
+        for (const int number : {SIGTERM, SIGHUP}) {
+            MainWindow window;
+            connect(&terminations, &TerminationSignals::received, &window, &MainWindow::shutDown);
+            window.show();
+            QTimer hand;
+            connect(&hand, &QTimer::timeout, &window, [&] {
+                const bool filming = number == SIGTERM;
+                const auto *dialog = window.findChild<RoiVideoDialog *>();
+                if (QApplication::activeModalWidget() == dialog) {
+                    QTest::keyClick(part<QLineEdit>(*dialog, "nameEdit"), Qt::Key_X);
+                    const char *button = filming ? "generateButton" : "closeButton";
+                    QTimer::singleShot(0, part<QPushButton>(*dialog, button), &QPushButton::click);
+                } else if (!filming || !FakeProgram::runs(ffmpeg).isEmpty()) {
+                    hand.stop();
+                    std::raise(number);
+                }
+            });
+            hand.start(50);
+            QMetaObject::invokeMethod(&window, "createRoiVideo"); // until the tool is closed
+            QVERIFY(!window.isVisible());
+            QCOMPARE(kill(pid_t(FakeProgram::runs(ffmpeg).first().processId), 0), -1);
+            QCOMPARE(m_stored->contents(), before);
+            QCOMPARE(m_stored->read(film), QByteArray("an earlier film"));
+        }
+    }
+
     void logTellsWhatWasFoundInTheSession()
     {
         m_stored->write("manifest.csv",
@@ -250,9 +337,14 @@ private:
     }
 
     template<typename Widget>
+    static Widget *part(const QObject &whole, const char *name)
+    {
+        return whole.findChild<Widget *>(QLatin1String(name));
+    }
+    template<typename Widget>
     Widget *find(const char *name) const
     {
-        return m_dialog->findChild<Widget *>(QLatin1String(name));
+        return part<Widget>(*m_dialog, name);
     }
     QGraphicsView *view() const { return find<QGraphicsView>("frameView"); }
     QSpinBox *spin(const char *name) const { return find<QSpinBox>(name); }

@@ -141,6 +141,23 @@ private slots:
         QVERIFY(rois.at(1).enabled && rois.at(1).rotation == 0);
     }
 
+    void damagedRegionsAreKept()
+    {
+        const TestSession session;
+        session.write("rois.json.bad", "an older one");
+        session.write("rois.json", "[]");
+        QString remark;
+        QVERIFY(RoiSet::load(session.path(), &remark).isEmpty());
+        QVERIFY(remark.startsWith(QLatin1String("WARNING rois.json of this session is damaged")));
+        QVERIFY(RoiSet::save({}, session.path()));
+        QCOMPARE(session.read("rois.json.bad") + session.read("rois.json.bad2"),
+                 QByteArray("an older one[]"));
+        remark.clear();
+        QVERIFY(RoiSet::save({}, session.path())); // there is nothing more to keep
+        QVERIFY(!QFile::exists(session.filePath("rois.json.bad3")));
+        QVERIFY(RoiSet::load(session.path(), &remark).isEmpty() && remark.isEmpty());
+    }
+
     void linkOutOfTheSessionIsReplaced()
     {
         const TestSession session;

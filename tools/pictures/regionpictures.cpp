@@ -4,6 +4,7 @@
 #include "imaging/metricscale.h"
 #include "roi/roiframe.h"
 #include "roi/roigeometry.h"
+#include "roi/roipicture.h"
 #include "roi/roisession.h"
 #include "roi/roiset.h"
 #include "roi/roivideodialog.h"
@@ -51,24 +52,14 @@ int indexOf(const StoredSession &session, const QString &nickname)
     return -1;
 }
 
-/// What the region tool writes for one frame.
-QImage regionPicture(const RoiSource &source, const RoiSourceFrame &frame, const Roi &roi)
-{
-    const QImage decoded(frame.file);
-    const QRect pixels = RoiGeometry::pixelRect(roi.rect, decoded.size());
-    QImage picture = RoiFrame::turned(RoiFrame::crop(decoded, pixels), roi.rotation);
-    drawFrameAnnotations(picture, frame.actualUtc, source.nickname, true, true, true,
-                         MetricScale::kmPerPixel(frame.metadata, decoded.width()));
-    return picture;
-}
-
 void takeRotations(Album &album, const RoiSource &source, const RoiSourceFrame &frame)
 {
     Roi roi = regions().constFirst();
     for (int choice = 0; choice < 4; ++choice) {
         roi.rotation = RoiGeometry::rotationAt(choice);
         album.addPhotograph(QStringLiteral("rotation%1").arg(choice),
-                            regionPicture(source, frame, roi));
+                            RoiPicture::ofFrame(QImage(frame.file), frame, roi,
+                                                {{}, source.nickname, {}}));
     }
 }
 

@@ -1,4 +1,4 @@
-#include "ui/desktopactions.h"
+#include "base/desktopactions.h"
 
 #include "base/plainmessagebox.h"
 #include "base/runtimeconfig.h"

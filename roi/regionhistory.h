@@ -1,0 +1,47 @@
+#pragma once
+
+#include "roi/roiset.h"
+
+#include <QUndoStack>
+
+#include <functional>
+
+/// The regions of the list and which of them is selected, at one moment.
+struct RegionState
+{
+    QVector<Roi> rois;
+    int row = -1; ///< -1 when none is selected
+};
+
+/**
+ * The steps by which regions were changed, to be undone and redone.
+ *
+ * A step keeps the whole list before and after; lists that follow each other share their memory.
+ */
+class RegionHistory final
+{
+public:
+    /// @p show is called with the state that shall be seen, by each step, undo and redo.
+    explicit RegionHistory(std::function<void(const RegionState &)> show);
+
+    QUndoStack &stack() { return m_stack; }
+
+    /// Takes a step, named @p text, that leaves the list as @p after.
+    void take(const QString &text, const RegionState &before, const RegionState &after);
+    /**
+     * Takes a step that is part of a longer one while the same @p field is typed or spun in.
+     *
+     * A series of them that ends where it began is no step at all.
+     */
+    void takeTyped(const QString &text, const RegionState &before, const RegionState &after,
+                   int field);
+    /// The next typed step begins a new one.
+    void endTyping() { ++m_series; }
+    /// Forgets all steps, for another session.
+    void clear() { m_stack.clear(); }
+
+private:
+    std::function<void(const RegionState &)> m_show;
+    QUndoStack m_stack;
+    int m_series = 0;
+};

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "roi/regionshape.h"
+
+#include <QRectF>
+#include <QSizeF>
+#include <QString>
+#include <QVector>
+
+/// A region as the canvas shows it.
+struct RegionMark
+{
+    QRect pixels; ///< of the frame
+    QString name;
+};
+
+/// What there is of a region to take hold of.
+struct RegionGrip
+{
+    enum class Kind { None, Name, Side };
+
+    Kind kind = Kind::None;
+    RegionShape::Sides sides; ///< that a drag takes along
+};
+
+/// Names and handles of regions, in pixels of the view, whatever the zoom.
+namespace RegionMarks {
+
+/// A region's name with its number in the list; in brackets when it is not ticked.
+QString nameOf(int number, const QString &name, bool enabled);
+
+/// The eight places of the handles: corners, and the middles of the sides.
+QVector<QRectF> handles(const QRectF &outline);
+
+/**
+ * Where a name of that size stands: above the top left corner, or within the outline where there is
+ * no room above.
+ *
+ * It keeps in sight as long as any of the outline is; empty otherwise.
+ */
+QRectF nameBox(const QRectF &outline, const QSizeF &size, const QRectF &sight);
+
+/// What the mouse is on; a corner before a name, and a name before a side.
+RegionGrip gripAt(const QPointF &mouse, const QRectF &outline, const QRectF &nameBox);
+
+} // namespace RegionMarks

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+#include <QVector>
+
+/// Whether a region is the same place on the Sun in several datasources.
+namespace SameScale {
+
+/// A datasource, with metadata of one of its images; empty when nothing is known.
+struct Source
+{
+    QString nickname;
+    QJsonObject metadata;
+};
+
+/**
+ * A warning that names the datasources that show the Sun at another scale than the first one, or at
+ * another place of the frame; empty when there is none.
+ *
+ * A region is the same fraction of each frame. Its kilometres differ when they do so by more than
+ * 2 % of its width, its place when the centres of the disks lie more than 2 % of the frame apart.
+ * What is not known is not judged.
+ */
+QString warning(const QVector<Source> &sources);
+
+} // namespace SameScale

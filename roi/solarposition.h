@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QPointF>
+#include <QSize>
+#include <QString>
+
+#include <optional>
+
+class QJsonObject;
+
+/**
+ * Where on the Sun a pixel lies, and how much of it a region covers, from a frame's metadata.
+ *
+ * Lengths are in solar radii and in Mm, in the plane of the sky through the centre of the disk: the
+ * metadata's "rsun" is the solar radius in pixels of the native image, and the Sun is so far away
+ * that equal angles are equal lengths. A radius is the nominal one of IAU 2015 Resolution B3. The x
+ * axis points to solar west, which is to the right, and y up to solar north, where rows of pixels
+ * are counted downwards.
+ */
+namespace SolarPosition {
+
+/// The solar disk in pixels of a rendered frame, as far as the metadata tell.
+struct Disk
+{
+    double radiusX = 0.0; ///< across; 0 when unknown
+    double radiusY = 0.0; ///< likewise; another one where the service has changed the proportion
+    std::optional<QPointF> centre;
+};
+
+/**
+ * The disk on a frame.
+ *
+ * Native pixels become those of the frame by its width / "width" and height / "height". A reference
+ * pixel of 0, 0 is what a manifest holds that knows of none.
+ */
+Disk diskOn(const QSize &frame, const QJsonObject &metadata);
+
+/// The way from the centre of the disk to @p pixel in solar radii; nothing when it is unknown.
+std::optional<QPointF> offset(const QPointF &pixel, const Disk &disk);
+
+/// Position of @p pixel, for the user; empty when the metadata do not tell it.
+QString pixelText(const QPointF &pixel, const QSize &frame, const QJsonObject &metadata);
+
+/// Width and height of a region of @p size pixels, which is empty without one; likewise.
+QString sizeText(const QSize &size, const QSize &frame, const QJsonObject &metadata);
+
+} // namespace SolarPosition
