@@ -80,8 +80,9 @@ private slots:
         QTest::addColumn<QString>("printed");
         QFile file(QFINDTESTDATA("transcripts.txt"));
         QVERIFY(file.open(QIODevice::ReadOnly));
-        const QStringList cases = QString::fromUtf8(file.readAll()).split(QStringLiteral("== "));
-        for (const QString &text : cases.mid(1)) {
+        const QStringList cases =
+            QString::fromUtf8(file.readAll()).split(QStringLiteral("== ")).mid(1);
+        for (const QString &text : cases) {
             const QString rest = text.section(QLatin1Char('\n'), 1);
             QTest::newRow(qPrintable(text.section(QLatin1Char('\n'), 0, 0)))
                 << rest.section(QStringLiteral("--\n"), 0, 0)
