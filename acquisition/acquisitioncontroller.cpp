@@ -21,8 +21,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
-#include <QImage>
 
 #include <algorithm>
 #include <limits>
@@ -502,14 +500,8 @@ void AcquisitionController::encodeNext()
     }
     const DataSource source = m_films.current();
     const SourceTally tally = m_tally.value(source.sourceId);
-    FilmOrder order;
-    order.program = RuntimeConfig::ffmpegPath();
-    order.folder = tally.folder.directory;
-    order.inputPattern = SessionLayout::framePattern();
-    order.film = SessionLayout::filmPath(tally.folder);
-    order.fps = m_settings.videoFps;
-    order.crf = m_settings.videoCrf;
-    order.pictures = tally.timestampedVideoFrames;
+    const FilmOrder order =
+        SessionLayout::filmOrder(tally.folder, tally.timestampedVideoFrames, m_settings);
     if (report(AcquisitionLog::encoding(source, order.film)))
         m_ffmpeg.start(order);
 }

@@ -3,6 +3,7 @@
 #include "acquisition/acquisitionlog.h"
 #include "base/errortext.h"
 #include "base/filenames.h"
+#include "base/runtimeconfig.h"
 #include "base/utctext.h"
 #include "output/sessionfiles.h"
 #include "session/acquisitionsettings.h"
@@ -85,7 +86,16 @@ QString SessionLayout::framePattern()
     return SessionFiles::videoFramesFolder() + QLatin1Char('/') + SessionFiles::framePattern();
 }
 
-QString SessionLayout::filmPath(const SourceFolder &folder)
+FilmOrder SessionLayout::filmOrder(const SourceFolder &folder, int pictures,
+                                   const AcquisitionSettings &settings)
 {
-    return QDir(folder.directory).filePath(SessionFiles::film(folder.name));
+    FilmOrder order;
+    order.program = RuntimeConfig::ffmpegPath();
+    order.folder = folder.directory;
+    order.inputPattern = framePattern();
+    order.film = QDir(folder.directory).filePath(SessionFiles::film(folder.name));
+    order.fps = settings.videoFps;
+    order.crf = settings.videoCrf;
+    order.pictures = pictures;
+    return order;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "output/filmencoder.h"
+
 #include <QHash>
 #include <QString>
 #include <QVector>
@@ -62,7 +64,7 @@ QHash<int, SourceFolder> sourceFolders(const QString &sessionDirectory,
 /// Frames as ffmpeg's image sequence reader takes them, relative to the datasource's folder.
 QString framePattern();
 
-/// The film of a datasource, inside its folder.
-QString filmPath(const SourceFolder &folder);
+/// The film of a datasource: inside its folder, of @p pictures annotated frames.
+FilmOrder filmOrder(const SourceFolder &folder, int pictures, const AcquisitionSettings &settings);
 
 } // namespace SessionLayout

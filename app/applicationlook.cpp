@@ -1,8 +1,9 @@
 #include "app/applicationlook.h"
 
+#include "app/applicationstyle.h"
+
 #include <QApplication>
 #include <QPalette>
-#include <QStyleFactory>
 
 namespace {
 
@@ -48,7 +49,7 @@ QPalette darkPalette(QPalette palette)
 void applyApplicationLook(QApplication &application)
 {
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps); // icons as sharp as the text
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new ApplicationStyle);         // the application owns it
     QApplication::setPalette(darkPalette(QApplication::palette()));
     application.setStyleSheet(
         QStringLiteral("QToolTip { color: #f5f5f5; background-color: #262628; border: 1px solid "

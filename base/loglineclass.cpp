@@ -64,3 +64,25 @@ LogLineClass::LineClass LogLineClass::classify(const QString &text)
     }
     return LineClass::Plain;
 }
+
+std::optional<QRgb> LogLineClass::colour(LineClass lineClass)
+{
+    switch (lineClass) {
+    case LineClass::Plain:
+        return std::nullopt;
+    case LineClass::Info:
+        return qRgb(105, 175, 235);
+    case LineClass::Success:
+        return qRgb(90, 220, 115);
+    case LineClass::Warning:
+        return qRgb(255, 190, 70);
+    case LineClass::Error:
+        return qRgb(255, 90, 90);
+    }
+    return std::nullopt;
+}
+
+bool LogLineClass::isBold(LineClass lineClass)
+{
+    return lineClass == LineClass::Warning || lineClass == LineClass::Error;
+}

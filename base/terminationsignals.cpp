@@ -12,7 +12,8 @@
 
 namespace {
 
-// A handler may call next to nothing, and no Qt: it writes a byte, which the event loop reads.
+// A signal handler may call hardly any function, none of Qt: it writes a byte that the event loop
+// reads.
 std::array<int, 2> ends{-1, -1};
 
 void onSignal(int number)

@@ -3,12 +3,12 @@
 #include <QObject>
 
 /**
- * The signals by which a system ends a program, told in the event loop.
+ * The signals that ask a program to end, delivered through the event loop.
  *
  * SIGTERM, SIGHUP and SIGINT come at a logout, from `kill` and from Ctrl+C in a terminal. Each is
- * told once; the second of a kind ends the program at once, as ever. SIGXFSZ is ignored, so that a
- * limit on the size of files fails the write and not the program. There may be one such object; on
- * Windows it does nothing.
+ * delivered once; a second one of the same kind ends the program at once. SIGXFSZ is ignored, so
+ * that a limit on the size of files fails the write and not the program. There may be one such
+ * object; on Windows it does nothing.
  */
 class TerminationSignals final : public QObject
 {

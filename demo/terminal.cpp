@@ -2,6 +2,7 @@
 
 #include "base/loglineclass.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include <sys/ioctl.h>
@@ -18,22 +19,18 @@ int terminalWidth()
     return known ? size.ws_col : 80;
 }
 
-/// The colours of the log view, as 24-bit escape sequences.
+/// The look of a line in the log view, as a 24-bit escape sequence; empty for a plain line.
 QString colourOf(LogLineClass::LineClass lineClass)
 {
-    switch (lineClass) {
-    case LogLineClass::LineClass::Plain:
+    const std::optional<QRgb> colour = LogLineClass::colour(lineClass);
+    if (!colour)
         return {};
-    case LogLineClass::LineClass::Info:
-        return QStringLiteral("\033[38;2;105;175;235m");
-    case LogLineClass::LineClass::Success:
-        return QStringLiteral("\033[38;2;90;220;115m");
-    case LogLineClass::LineClass::Warning:
-        return QStringLiteral("\033[1;38;2;255;190;70m");
-    case LogLineClass::LineClass::Error:
-        return QStringLiteral("\033[1;38;2;255;90;90m");
-    }
-    return {};
+    const QString sequence =
+        QStringLiteral("38;2;%1;%2;%3m")
+            .arg(QString::number(qRed(*colour)), QString::number(qGreen(*colour)),
+                 QString::number(qBlue(*colour)));
+    return (LogLineClass::isBold(lineClass) ? QStringLiteral("\033[1;") : QStringLiteral("\033[")) +
+           sequence;
 }
 
 } // namespace
@@ -67,7 +64,7 @@ void Terminal::setState(const QString &text)
 void Terminal::setProgress(int value, int maximum)
 {
     m_value = value;
-    m_maximum = qMax(maximum, 1);
+    m_maximum = std::max(maximum, 1);
     m_showsProgress = m_isTerminal;
     drawProgress();
 }

@@ -4,12 +4,12 @@
 
 class QDateTime;
 
-/// What a session will yield at most, in words.
+/// An upper limit of what a session yields, in words.
 namespace AcquisitionEstimate {
 
 /**
  * A length of time in the largest unit that divides it: "45 s", "90 min", "2 h", "1 min 5 s",
- * "1 h 1 min" (an odd second is dropped beyond an hour); "n/a" unless positive.
+ * "1 h 1 min" (seconds are dropped above an hour); "n/a" unless positive.
  */
 QString formatDuration(qint64 seconds);
 

@@ -10,7 +10,7 @@ namespace CatalogCache {
 /// Nothing when the file is missing, unreadable or holds no JSON object.
 std::optional<QJsonObject> load();
 
-/// False when the file cannot be written; the old one then stays whole.
+/// False when the file cannot be written; the old one then stays as it was.
 bool save(const QJsonObject &catalog);
 
 } // namespace CatalogCache

@@ -1,8 +1,10 @@
 #include "ui/catalogtree.h"
 
+#include <QCollator>
 #include <QHelpEvent>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLocale>
 #include <QStyledItemDelegate>
 #include <QTextDocument>
 #include <QToolTip>
@@ -26,11 +28,20 @@ enum Role {
 
 constexpr int column = 0;
 
-/// Draws an empty check box so that it can be seen, and shows every tool tip as plain text.
-class CatalogDelegate : public QStyledItemDelegate
+/// Makes a leaf current when its box is clicked, and shows every tool tip as plain text.
+class CatalogDelegate final : public QStyledItemDelegate
 {
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    explicit CatalogDelegate(QTreeWidget *tree) : QStyledItemDelegate(tree), m_tree(tree) {}
+
+    bool editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,
+                     const QModelIndex &index) override
+    {
+        const bool changed = QStyledItemDelegate::editorEvent(event, model, option, index);
+        if (changed && event->type() == QEvent::MouseButtonRelease)
+            m_tree->setCurrentIndex(index); // the view itself does so only beside the box
+        return changed;
+    }
 
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                    const QModelIndex &index) override
@@ -38,24 +49,19 @@ public:
         const QString text = index.data(Qt::ToolTipRole).toString();
         if (event->type() != QEvent::ToolTip || !Qt::mightBeRichText(text))
             return QStyledItemDelegate::helpEvent(event, view, option, index);
-        // Tool tips guess whether a text is HTML; a name from the service must not decide that.
+        // QToolTip guesses whether a text is HTML; names from the service must never be.
         QToolTip::showText(event->globalPos(), Qt::convertFromPlainText(text), view);
         return true;
     }
 
-protected:
-    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
-    {
-        QStyledItemDelegate::initStyleOption(option, index);
-        // The style derives the box's outline from the window's colour, which is as dark as a row.
-        option->palette.setColor(QPalette::Window, QColor(185, 185, 190));
-    }
+private:
+    QTreeWidget *m_tree; // not owned; the parent
 };
 
 template<typename Visit>
 void forEachLeaf(QTreeWidget *tree, Visit visit)
 {
-    for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it) {
+    for (QTreeWidgetItemIterator it(tree); *it; ++it) {
         if (CatalogTree::isLeaf(*it))
             visit(*it);
     }
@@ -101,29 +107,52 @@ QTreeWidgetItem *newLeaf(const QString &key, const QJsonObject &entry, const QSt
     return leaf;
 }
 
+/// Sorts @p items by their texts, with numbers as numbers: AIA 94 before AIA 131.
+void sort(QList<QTreeWidgetItem *> *items)
+{
+    static const QCollator collator = [] {
+        QCollator english(QLocale(QLocale::English));
+        english.setNumericMode(true);
+        return english;
+    }();
+    std::stable_sort(items->begin(), items->end(),
+                     [](const QTreeWidgetItem *left, const QTreeWidgetItem *right) {
+                         return collator.compare(left->text(column), right->text(column)) < 0;
+                     });
+}
+
+QList<QTreeWidgetItem *> newChildren(const QJsonObject &object, const QString &pathStart);
+
 QTreeWidgetItem *newNode(const QString &key, const QJsonObject &object, const QString &path)
 {
     if (object.contains(QStringLiteral("sourceId")))
         return newLeaf(key, object, path);
 
-    auto *group = new QTreeWidgetItem({key});
+    auto *group = new QTreeWidgetItem(QStringList(key));
     group->setFlags(group->flags() & ~Qt::ItemIsSelectable);
-    for (auto it = object.begin(); it != object.end(); ++it) {
-        if (it.value().isObject())
-            group->addChild(
-                newNode(it.key(), it.value().toObject(), path + QLatin1Char('/') + it.key()));
-    }
+    group->addChildren(newChildren(object, path + QLatin1Char('/')));
     return group;
 }
 
-QList<QTreeWidgetItem *> newTopLevel(const QJsonObject &catalog)
+/// A node for each member that is an object.
+QList<QTreeWidgetItem *> newChildren(const QJsonObject &object, const QString &pathStart)
 {
     QList<QTreeWidgetItem *> items;
-    for (auto it = catalog.begin(); it != catalog.end(); ++it) {
+    for (auto it = object.begin(); it != object.end(); ++it) {
         if (it.value().isObject())
-            items.append(newNode(it.key(), it.value().toObject(), it.key()));
+            items.append(newNode(it.key(), it.value().toObject(), pathStart + it.key()));
     }
+    sort(&items);
     return items;
+}
+
+/// Opens every group above @p leaf.
+void reveal(QTreeWidgetItem *leaf)
+{
+    for (QTreeWidgetItem *group = leaf->parent(); group; group = group->parent()) {
+        if (!group->isExpanded())
+            group->setExpanded(true);
+    }
 }
 
 CatalogTree::Selection selectionOf(QTreeWidget *tree)
@@ -137,17 +166,30 @@ CatalogTree::Selection selectionOf(QTreeWidget *tree)
     return selection;
 }
 
+void openTopGroups(QTreeWidget *tree)
+{
+    for (int i = 0; i < tree->topLevelItemCount(); ++i) {
+        QTreeWidgetItem *top = tree->topLevelItem(i);
+        top->setExpanded(true);
+        for (int child = 0; child < top->childCount(); ++child)
+            top->child(child)->setExpanded(true);
+    }
+}
+
 void restore(QTreeWidget *tree, const CatalogTree::Selection &selection)
 {
     if (selection.tickedIds.isEmpty() && selection.currentId < 0)
         return;
     QTreeWidgetItem *current = nullptr;
     forEachLeaf(tree, [&](QTreeWidgetItem *leaf) {
-        setTicked(leaf, selection.tickedIds.contains(idOf(leaf)));
+        const bool ticked = selection.tickedIds.contains(idOf(leaf));
+        setTicked(leaf, ticked);
+        if (ticked)
+            reveal(leaf);
         if (idOf(leaf) == selection.currentId)
             current = leaf; // of several with the same id, the last
     });
-    if (current != nullptr)
+    if (current)
         tree->setCurrentItem(current);
 }
 
@@ -174,9 +216,9 @@ CatalogTree::Leaves CatalogTree::fill(QTreeWidget *tree, const QJsonObject &cata
     if (tree->topLevelItemCount() > 0)
         *selection = selectionOf(tree);
     tree->clear();
-    tree->addTopLevelItems(newTopLevel(catalog));
-    tree->sortItems(column, Qt::AscendingOrder);
-    tree->expandToDepth(1);
+    tree->addTopLevelItems(newChildren(catalog, QString()));
+    // Before the view lays the rows out: afterwards each group that opens moves all rows below it.
+    openTopGroups(tree);
     restore(tree, *selection);
     return firstLeaves(tree);
 }
@@ -192,14 +234,14 @@ bool CatalogTree::holdsSource(const QJsonObject &catalog)
 bool CatalogTree::holdsLeaf(QTreeWidget *tree)
 {
     QTreeWidgetItemIterator it(tree);
-    while (*it != nullptr && !isLeaf(*it))
+    while (*it && !isLeaf(*it))
         ++it;
-    return *it != nullptr;
+    return *it;
 }
 
 bool CatalogTree::isLeaf(const QTreeWidgetItem *item)
 {
-    return item != nullptr && item->data(column, SourceIdRole).isValid();
+    return item && item->data(column, SourceIdRole).isValid();
 }
 
 CatalogSource CatalogTree::source(const QTreeWidgetItem *leaf)
@@ -210,8 +252,8 @@ CatalogSource CatalogTree::source(const QTreeWidgetItem *leaf)
                      leaf->data(column, PathRole).toString()};
     source.entry = entryOf(leaf);
     if (leaf->data(column, UniqueFramesRole).isValid()) {
-        source.analysis = SourceCadence{number(UniqueFramesRole), number(MedianRole),
-                                        number(MinRole), number(MaxRole)};
+        source.analysis = CadenceStatistics{number(UniqueFramesRole), number(MedianRole),
+                                            number(MinRole), number(MaxRole)};
     }
     return source;
 }
@@ -233,18 +275,30 @@ QVector<DataSource> CatalogTree::tickedSources(QTreeWidget *tree)
     return sources;
 }
 
-void CatalogTree::tickAiaBands(QTreeWidget *tree)
+int CatalogTree::tickAiaBands(QTreeWidget *tree)
 {
     static const QSet<QString> bands = {
         QStringLiteral("AIA 94"),  QStringLiteral("AIA 131"), QStringLiteral("AIA 171"),
         QStringLiteral("AIA 193"), QStringLiteral("AIA 211"), QStringLiteral("AIA 304"),
         QStringLiteral("AIA 335"),
     };
-    forEachLeaf(tree, [](QTreeWidgetItem *leaf) {
+    int count = 0;
+    QTreeWidgetItem *first = nullptr;
+    forEachLeaf(tree, [&](QTreeWidgetItem *leaf) {
         const QString nickname = leaf->data(column, NicknameRole).toString();
-        if (!nickname.isEmpty())
-            setTicked(leaf, bands.contains(nickname));
+        if (nickname.isEmpty())
+            return;
+        const bool ticked = bands.contains(nickname);
+        setTicked(leaf, ticked);
+        if (!ticked)
+            return;
+        reveal(leaf);
+        first = first ? first : leaf;
+        ++count;
     });
+    if (first)
+        tree->scrollToItem(first, QTreeWidget::PositionAtCenter);
+    return count;
 }
 
 void CatalogTree::untickAll(QTreeWidget *tree)
@@ -252,7 +306,7 @@ void CatalogTree::untickAll(QTreeWidget *tree)
     forEachLeaf(tree, [](QTreeWidgetItem *leaf) { setTicked(leaf, false); });
 }
 
-void CatalogTree::setAnalysis(QTreeWidgetItem *leaf, const SourceCadence &analysis)
+void CatalogTree::setAnalysis(QTreeWidgetItem *leaf, const CadenceStatistics &analysis)
 {
     leaf->setData(column, UniqueFramesRole, analysis.uniqueFrames);
     leaf->setData(column, MedianRole, analysis.medianSeconds);

@@ -17,12 +17,12 @@ class QTreeWidgetItem;
 /**
  * The tree of datasources: groups that can only be opened, leaves that can be ticked.
  *
- * An item is a leaf when it carries a datasource id; the rest of what is known of the datasource
- * lies beside it, in the item's data.
+ * An item is a leaf when it carries a datasource id; whatever else is known about the datasource
+ * is in the item's data as well.
  */
 namespace CatalogTree {
 
-/// What survives a rebuild of the tree, and the end of the program.
+/// What is kept when the tree is rebuilt, and stored when the program ends.
 struct Selection
 {
     QSet<int> tickedIds;
@@ -32,11 +32,13 @@ struct Selection
 /// The first leaf of each datasource id, until the tree is rebuilt; not owned.
 using Leaves = QHash<int, QTreeWidgetItem *>;
 
-/// Makes @p tree show what the service sends as it is: no text is taken for markup.
+/// Makes @p tree show texts of the service as they are, never as markup, and makes a leaf current
+/// when its box is clicked.
 void prepare(QTreeWidget *tree);
 
 /**
- * Rebuilds the tree from the service's catalog, sorted and opened two levels deep.
+ * Rebuilds the tree from the service's catalog, sorted with numbers in their order, and opened two
+ * levels deep and down to each ticked leaf.
  *
  * @param selection  restored afterwards; a tree that already shows a catalog replaces it first
  *                   with what is ticked and current there
@@ -46,15 +48,17 @@ Leaves fill(QTreeWidget *tree, const QJsonObject &catalog, Selection *selection)
 bool holdsSource(const QJsonObject &catalog);         ///< any datasource at any depth
 bool holdsLeaf(QTreeWidget *tree);                    ///< any datasource to choose
 bool isLeaf(const QTreeWidgetItem *item);             ///< false for null
-CatalogSource source(const QTreeWidgetItem *leaf);    ///< all that is known of a leaf
+CatalogSource source(const QTreeWidgetItem *leaf);    ///< all that is known about a leaf
 int currentId(const QTreeWidget *tree);               ///< -1 when no leaf is current
 QVector<DataSource> tickedSources(QTreeWidget *tree); ///< from top to bottom
 
-void tickAiaBands(QTreeWidget *tree); ///< ticks the seven coronal bands of AIA and nothing else
+/// Ticks the seven coronal bands of AIA and nothing else, and scrolls to the first. Returns how
+/// many the catalog has.
+int tickAiaBands(QTreeWidget *tree);
 void untickAll(QTreeWidget *tree);
 
-/// Keeps an analysis on its leaf, and tells it in the leaf's tool tip.
-void setAnalysis(QTreeWidgetItem *leaf, const SourceCadence &analysis);
+/// Stores an analysis on its leaf, and adds it to the leaf's tool tip.
+void setAnalysis(QTreeWidgetItem *leaf, const CadenceStatistics &analysis);
 void clearAnalyses(QTreeWidget *tree);
 
 } // namespace CatalogTree

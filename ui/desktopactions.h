@@ -4,7 +4,7 @@
 
 class QWidget;
 
-/// Hands files and folders to the desktop's own programs. Refusals are shown as warning boxes.
+/// Hands files and folders to the desktop's own programs. When that fails, a warning box says so.
 namespace DesktopActions {
 
 /// Opens an MP4 in the system's video player; false when the user was told why not.

@@ -1,9 +1,11 @@
 #include "ui/licensedialog.h"
 
+#include <QApplication>
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QFontDatabase>
 #include <QFontMetrics>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
@@ -37,11 +39,16 @@ LicenseDialog::LicenseDialog(QWidget *parent) : QDialog(parent)
 {
     setWindowTitle(tr("Freeware license"));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    auto *program = new QLabel(QStringLiteral("%1 %2").arg(QApplication::applicationName(),
+                                                           QApplication::applicationVersion()),
+                               this);
+    program->setObjectName(QStringLiteral("programLabel"));
     auto *view = newTextView(this);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     connect(buttons, &QDialogButtonBox::rejected, this, &LicenseDialog::reject);
 
     auto *layout = new QVBoxLayout(this);
+    layout->addWidget(program);
     layout->addWidget(view);
     layout->addWidget(buttons);
     const QFontMetrics metrics(view->font());

@@ -2,8 +2,8 @@
 
 #include <QDialog>
 
-/// Shows the licence text that is built into the program.
-class LicenseDialog : public QDialog
+/// Shows the program's name and version, and the licence text that is built in.
+class LicenseDialog final : public QDialog
 {
     Q_OBJECT
 

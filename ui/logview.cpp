@@ -22,23 +22,13 @@ QTextCharFormat format(const QColor &colour, QFont::Weight weight)
 
 QTextCharFormat format(LineClass lineClass, const QPalette &palette)
 {
-    switch (lineClass) {
-    case LineClass::Plain:
-        return format(palette.color(QPalette::Text), QFont::Normal);
-    case LineClass::Info:
-        return format(QColor(105, 175, 235), QFont::Normal);
-    case LineClass::Success:
-        return format(QColor(90, 220, 115), QFont::Normal);
-    case LineClass::Warning:
-        return format(QColor(255, 190, 70), QFont::Bold);
-    case LineClass::Error:
-        return format(QColor(255, 90, 90), QFont::Bold);
-    }
-    return {};
+    const std::optional<QRgb> colour = LogLineClass::colour(lineClass);
+    return format(colour ? QColor(*colour) : palette.color(QPalette::Text),
+                  LogLineClass::isBold(lineClass) ? QFont::Bold : QFont::Normal);
 }
 
-/// Whether @p text holds so long a word that wrapping at words would take a time that grows with
-/// its square: each of its lines is sought to the word's end.
+/// Whether @p text has a word so long that wrapping between words would be slow: the time grows
+/// with the square of its length, as Qt looks for the end of the word again for each line.
 bool hasEndlessWord(const QString &text)
 {
     constexpr int endlessChars = 10'000;

@@ -6,11 +6,12 @@ class QDockWidget;
 class QTextEdit;
 
 /**
- * The log: every line with its time, coloured by its class, errors and warnings counted.
+ * The log: shows every line with its time, in the colour of its class, and counts errors and
+ * warnings.
  *
- * The cost of a line does not depend on how many there are already.
+ * Appending takes the same time however many lines there are.
  */
-class LogView : public QObject
+class LogView final : public QObject
 {
     Q_OBJECT
 

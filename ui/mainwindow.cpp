@@ -7,13 +7,16 @@
 #include "imaging/framedecoder.h"
 #include "roi/roivideodialog.h"
 #include "ui/acquisitionestimate.h"
+#include "ui/acquisitionform.h"
 #include "ui/catalogcache.h"
 #include "ui/desktopactions.h"
 #include "ui/licensedialog.h"
 #include "ui/logview.h"
 #include "ui/outputsearch.h"
 #include "ui/previewpane.h"
+#include "ui/statusline.h"
 #include "ui/uisettings.h"
+#include "ui/windowkeys.h"
 #include "ui_mainwindow.h"
 
 #include <QApplication>
@@ -21,27 +24,9 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonObject>
-#include <QRegularExpression>
-#include <QStyleOptionComboBox>
 #include <QTimer>
 
-namespace {
-
-/// The width hint of a date edit leaves out its arrow; the last digit of the time must stay in
-/// view.
-void widenForArrow(QDateTimeEdit *edit)
-{
-    const QString widest = edit->displayFormat().replace(QRegularExpression(QStringLiteral("\\w")),
-                                                         QStringLiteral("8"));
-    QStyleOptionComboBox option;
-    option.initFrom(edit);
-    const QSize text(edit->fontMetrics().horizontalAdvance(widest + QLatin1Char(' ')),
-                     edit->fontMetrics().height());
-    edit->setMinimumWidth(
-        edit->style()->sizeFromContents(QStyle::CT_ComboBox, &option, text, edit).width());
-}
-
-} // namespace
+#include <algorithm>
 
 // --- construction
 
@@ -56,7 +41,6 @@ MainWindow::MainWindow(QWidget *parent)
     showRuntimePaths();
     connectWidgets();
     connectActions();
-    statusBar()->showMessage(tr("Ready"));
     loadSettings();
     connectEngine();
     loadCatalog();
@@ -64,8 +48,8 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
-    // A run that is still going is ended here, while everything stands, and in silence: a message
-    // box would keep a closed program alive.
+    // Ends a run while the widgets still exist, and without a message box, which would keep the
+    // program alive after its window is closed.
     for (QObject *worker :
          {static_cast<QObject *>(m_controller), static_cast<QObject *>(m_catalogClient)}) {
         worker->disconnect(this);
@@ -81,14 +65,27 @@ void MainWindow::buildWidgets()
     m_form->catalogSplitter->setStretchFactor(1, 1);
     m_form->catalogSplitter->setSizes({700, 350});
     m_form->catalogInfo->setHtml(SourceDetails::welcomePage());
-    widenForArrow(m_form->startEdit);
-    widenForArrow(m_form->endEdit);
     CatalogTree::prepare(m_form->sourcesTree);
     m_log = new LogView(m_form->log, m_form->logWidget, this);
     m_preview = new PreviewPane(m_form->previewLabel, this);
-    // Beside a narrow preview the times of a frame take four lines; a splitter does not ask for it.
-    m_form->previewMeta->setMinimumHeight(4 * m_form->previewMeta->fontMetrics().lineSpacing());
-    makeKeyboardAccessible();
+    reserveRoom();
+    m_status = new StatusLine(m_form->statusBar, this);
+    WindowKeys::set(this, *m_form);
+}
+
+/// The smallest window shows all of a caption and still fits a laptop's screen.
+void MainWindow::reserveRoom()
+{
+    // A splitter does not ask a label for its height. At this width only a long name of a
+    // datasource makes a third line.
+    const QFontMetrics metrics = m_form->previewMeta->fontMetrics();
+    const QString line = tr("Requested: %1 UTC   |   Delta: %2 s")
+                             .arg(QStringLiteral("8888-88-88 88:88:88"), QStringLiteral("+888"));
+    m_form->previewMeta->setMinimumSize(metrics.horizontalAdvance(line), 3 * metrics.lineSpacing());
+    QMargins margins = m_form->mainToolBar->layout()->contentsMargins();
+    margins.setTop(1);
+    margins.setBottom(1);
+    m_form->mainToolBar->layout()->setContentsMargins(margins);
 }
 
 void MainWindow::showRuntimePaths()
@@ -97,32 +94,6 @@ void MainWindow::showRuntimePaths()
                                     .arg(QDir::toNativeSeparators(RuntimeConfig::curlPath()),
                                          QDir::toNativeSeparators(RuntimeConfig::ffmpegPath()),
                                          QDir::toNativeSeparators(RuntimeConfig::outputRoot())));
-}
-
-void MainWindow::makeKeyboardAccessible()
-{
-    m_form->actionOpenOutputFolder->setShortcuts(QKeySequence::Open);
-    m_form->actionPlayLatestVideo->setShortcut(QStringLiteral("Ctrl+L"));
-    m_form->actionPlaySelectedVideo->setShortcut(QStringLiteral("Ctrl+Shift+L"));
-    m_form->actionCreateRoiVideo->setShortcut(QStringLiteral("Ctrl+I"));
-    m_form->actionStartAcquisition->setShortcut(QStringLiteral("Ctrl+Return"));
-    m_form->actionStopAcquisition->setShortcut(QStringLiteral("Ctrl+."));
-    setExitKey(true);
-    m_form->actionRefreshCatalog->setShortcuts(QKeySequence::Refresh);
-    m_form->actionHelpOrvik->setShortcuts(QKeySequence::HelpContents);
-    // In no menu: without this their keys would go with a tool bar that is hidden.
-    addActions({m_form->actionStartAcquisition, m_form->actionStopAcquisition});
-
-    // Buttons of a tool bar take no focus of themselves; these follow the log.
-    QWidget *previous = m_form->log;
-    for (QAction *action : {m_form->actionStartAcquisition, m_form->actionStopAcquisition,
-                            m_form->actionOpenOutputFolder}) {
-        QWidget *button = m_form->mainToolBar->widgetForAction(action);
-        button->setFocusPolicy(Qt::TabFocus);
-        setTabOrder(previous, button);
-        previous = button;
-    }
-    m_form->sourcesTree->setFocus();
 }
 
 void MainWindow::connectWidgets()
@@ -163,6 +134,9 @@ void MainWindow::loadSettings()
     UiSettings::loadFields(*m_form);
     refreshEstimate();
     UiSettings::restoreLayout(this, *m_form);
+    // The details need the height beside the log more than the log needs the width; a stored layout
+    // brings its own corners along.
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     m_selection = UiSettings::loadSelection();
 }
 
@@ -181,8 +155,8 @@ void MainWindow::connectEngine()
             &QLabel::setText);
     connect(m_controller, &AcquisitionController::sourceTimingAnalyzed, this,
             &MainWindow::onSourceTimingAnalyzed);
-    // Shown when the next request is under way, which is two turns of the event loop later: the
-    // preview then neither adds to the longest stall nor to the time of the session.
+    // Two turns of the event loop later the next request is under way: scaling the preview then
+    // neither blocks the window for longer nor delays the session.
     connect(
         m_controller, &AcquisitionController::previewReady, this,
         [this](auto... frame) {
@@ -237,7 +211,7 @@ void MainWindow::updateRefreshButton()
 
 void MainWindow::onCatalogReceived(const QJsonObject &catalog)
 {
-    // The service has been seen to send its error object as a good answer.
+    // The service sometimes sends its error object with the status of a success.
     const bool mayBeError =
         m_form->sourcesTree->topLevelItemCount() > 0 || catalog.contains(QStringLiteral("error"));
     if (mayBeError && !CatalogTree::holdsSource(catalog)) {
@@ -262,7 +236,9 @@ void MainWindow::onCatalogError(const QString &operation, const QString &message
 
 void MainWindow::selectAiaBands()
 {
-    CatalogTree::tickAiaBands(m_form->sourcesTree);
+    const int ticked = CatalogTree::tickAiaBands(m_form->sourcesTree);
+    m_status->announce(ticked > 0 ? tr("%1 SDO/AIA bands ticked.").arg(ticked)
+                                  : tr("The catalog holds no SDO/AIA band. Refresh it."));
 }
 
 void MainWindow::clearSelection()
@@ -271,12 +247,6 @@ void MainWindow::clearSelection()
 }
 
 // --- details and estimate
-
-RequestedSampling MainWindow::requestedSampling() const
-{
-    return {m_form->startEdit->dateTime().toUTC(), m_form->endEdit->dateTime().toUTC(),
-            m_form->cadenceSpin->value()};
-}
 
 void MainWindow::onSourceCurrentChanged(QTreeWidgetItem *current, QTreeWidgetItem * /*previous*/)
 {
@@ -287,7 +257,7 @@ void MainWindow::renderDetails(const QTreeWidgetItem *item)
 {
     m_form->catalogInfo->setHtml(
         CatalogTree::isLeaf(item)
-            ? SourceDetails::page(CatalogTree::source(item), requestedSampling())
+            ? SourceDetails::page(CatalogTree::source(item), AcquisitionForm::sampling(*m_form))
             : SourceDetails::noSourcePage());
 }
 
@@ -300,7 +270,7 @@ void MainWindow::onSamplingChanged()
 
 void MainWindow::refreshEstimate()
 {
-    const RequestedSampling sampling = requestedSampling();
+    const RequestedSampling sampling = AcquisitionForm::sampling(*m_form);
     m_form->estimateLabel->setText(AcquisitionEstimate::text(
         sampling.startUtc, sampling.endUtc, sampling.cadenceSeconds, m_form->fpsSpin->value()));
 }
@@ -309,7 +279,7 @@ void MainWindow::onSourceTimingAnalyzed(int sourceId, int uniqueFrames, int medi
                                         int minSeconds, int maxSeconds)
 {
     QTreeWidgetItem *leaf = m_leaves.value(sourceId);
-    if (leaf == nullptr)
+    if (!leaf)
         return;
     CatalogTree::setAnalysis(leaf, {uniqueFrames, medianSeconds, minSeconds, maxSeconds});
     if (leaf == m_form->sourcesTree->currentItem())
@@ -318,33 +288,15 @@ void MainWindow::onSourceTimingAnalyzed(int sourceId, int uniqueFrames, int medi
 
 // --- acquisition
 
-AcquisitionSettings MainWindow::settingsFromWidgets() const
-{
-    AcquisitionSettings settings;
-    settings.startUtc = m_form->startEdit->dateTime().toUTC();
-    settings.endUtc = m_form->endEdit->dateTime().toUTC();
-    settings.cadenceSeconds = m_form->cadenceSpin->value();
-    settings.maxTimeErrorSeconds = m_form->timeErrorSpin->value();
-    settings.useSourceTimingProfiles = m_form->sourceTimingProfilesCheck->isChecked();
-    settings.imageWidth = m_form->widthSpin->value();
-    settings.videoFps = m_form->fpsSpin->value();
-    settings.videoCrf = m_form->crfSpin->value();
-    settings.keepFrames = m_form->keepFramesCheck->isChecked();
-    settings.sourceOverlay = m_form->sourceOverlayCheck->isChecked();
-    settings.scaleOverlay = m_form->scaleOverlayCheck->isChecked();
-    settings.createVideos = m_form->createVideosCheck->isChecked();
-    settings.sources = CatalogTree::tickedSources(m_form->sourcesTree);
-    return settings;
-}
-
 void MainWindow::startAcquisition()
 {
-    const AcquisitionSettings settings = settingsFromWidgets();
+    const AcquisitionSettings settings = AcquisitionForm::settings(*m_form);
     if (!settings.keepFrames && !settings.createVideos) {
         DesktopActions::warn(this, tr("Orvik"), tr("Enable PNG frame storage or MP4 creation."));
         return;
     }
     UiSettings::save(*this, *m_form);
+    m_status->reset(settings.createVideos ? settings.sources.size() : 0);
     QString errorText;
     if (!m_controller->start(settings, &errorText)) {
         DesktopActions::warn(this, tr("Orvik"), errorText);
@@ -352,6 +304,7 @@ void MainWindow::startAcquisition()
     }
     showRunBeginning();
     setRunning(true);
+    m_status->begin();
 }
 
 void MainWindow::showRunBeginning()
@@ -370,41 +323,19 @@ void MainWindow::stopAcquisition()
 
 void MainWindow::setRunning(bool running)
 {
-    const std::initializer_list<QWidget *> choices = {m_form->sourcesTree,
-                                                      m_form->aiaButton,
-                                                      m_form->clearButton,
-                                                      m_form->startEdit,
-                                                      m_form->endEdit,
-                                                      m_form->cadenceSpin,
-                                                      m_form->timeErrorSpin,
-                                                      m_form->sourceTimingProfilesCheck,
-                                                      m_form->widthSpin,
-                                                      m_form->fpsSpin,
-                                                      m_form->crfSpin,
-                                                      m_form->keepFramesCheck,
-                                                      m_form->sourceOverlayCheck,
-                                                      m_form->scaleOverlayCheck,
-                                                      m_form->createVideosCheck};
-    for (QWidget *choice : choices)
-        choice->setEnabled(!running);
+    AcquisitionForm::setEnabled(*m_form, !running);
     updateRefreshButton();
     m_form->actionCreateRoiVideo->setEnabled(!running);
     m_form->actionStartAcquisition->setEnabled(!running);
     m_form->actionStopAcquisition->setEnabled(running);
-    setExitKey(!running);
-}
-
-/// The key lies beside that of closing a tab: it must not end an hours-long run unasked.
-void MainWindow::setExitKey(bool idle)
-{
-    m_form->actionExit->setShortcuts(idle ? QKeySequence::keyBindings(QKeySequence::Quit)
-                                          : QList<QKeySequence>());
+    WindowKeys::setExitKey(*m_form, !running);
 }
 
 void MainWindow::onProgressChanged(int value, int maximum)
 {
-    m_form->progress->setRange(0, qMax(maximum, 1));
+    m_form->progress->setRange(0, std::max(maximum, 1));
     m_form->progress->setValue(value);
+    m_status->count(value, maximum);
 }
 
 void MainWindow::onPreviewReady(const QString &sourceName, const QString &imageFile,
@@ -425,6 +356,7 @@ void MainWindow::onPreviewReady(const QString &sourceName, const QString &imageF
 void MainWindow::onFinished(bool /*canceled*/, const QString &sessionDirectory)
 {
     setRunning(false);
+    m_status->end();
     m_log->append(QStringLiteral("Output: %1").arg(QDir::toNativeSeparators(sessionDirectory)));
     QApplication::alert(this);
 }

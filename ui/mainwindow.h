@@ -1,8 +1,6 @@
 #pragma once
 
-#include "session/acquisitionsettings.h"
 #include "ui/catalogtree.h"
-#include "ui/sourcedetails.h"
 
 #include <QMainWindow>
 
@@ -13,18 +11,19 @@ class HelioviewerClient;
 class LogView;
 class PreviewPane;
 class QJsonObject;
+class StatusLine;
 
 namespace Ui {
 class MainWindow;
 }
 
 /**
- * The program's window: a catalog to tick, settings, a run to watch, and what came of it.
+ * The main window: catalog, settings, start and stop, progress, preview and log.
  *
- * Connects the parts, enables them for idle or running, and delegates the rest. Idle becomes
+ * Connects its parts, enables them according to its state, and delegates the rest. Idle becomes
  * running with a successful start and idle again only when the controller has finished.
  */
-class MainWindow : public QMainWindow
+class MainWindow final : public QMainWindow
 {
     Q_OBJECT
 
@@ -33,7 +32,7 @@ public:
     ~MainWindow() override;
 
 public slots:
-    /// Ends what runs as a Stop does, asks nothing, and closes the window.
+    /// Stops a run as the user would, and closes the window without asking.
     void shutDown();
 
 protected:
@@ -63,8 +62,8 @@ private slots:
 
 private:
     void buildWidgets();
+    void reserveRoom();
     void showRuntimePaths();
-    void makeKeyboardAccessible();
     void connectWidgets();
     void connectActions();
     void loadSettings();
@@ -73,11 +72,8 @@ private:
 
     void fillTree(const QJsonObject &catalog);
     bool showCachedCatalog();
-    AcquisitionSettings settingsFromWidgets() const;
-    RequestedSampling requestedSampling() const;
     void showRunBeginning();
     void setRunning(bool running);
-    void setExitKey(bool idle);
     void updateRefreshButton();
     void onProgressChanged(int value, int maximum);
     void onFinished(bool canceled, const QString &sessionDirectory);
@@ -91,6 +87,7 @@ private:
     std::unique_ptr<Ui::MainWindow> m_form;
     LogView *m_log = nullptr;           // a child
     PreviewPane *m_preview = nullptr;   // a child
-    CatalogTree::Leaves m_leaves;       // of the tree as it is
+    StatusLine *m_status = nullptr;     // a child
+    CatalogTree::Leaves m_leaves;       // of the present tree
     CatalogTree::Selection m_selection; // to be restored by the next rebuild of the tree
 };

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// What was written last below a folder. Folders that do not exist hold nothing.
+/// Finds the newest files below a folder; none in a folder that does not exist.
 namespace OutputSearch {
 
 /// Absolute path of the MP4 modified last, at any depth; empty when there is none.

@@ -9,10 +9,10 @@ class QLabel;
 /**
  * The last frame, fitted into its label at the resolution of the screen.
  *
- * Keeps the frame at full size, so that a change of size neither decodes again nor scales a picture
- * that was scaled before.
+ * Keeps the frame at full size, so that resizing neither decodes it again nor scales a picture that
+ * is scaled already.
  */
-class PreviewPane : public QObject
+class PreviewPane final : public QObject
 {
     Q_OBJECT
 

@@ -45,14 +45,14 @@ QString notAnalysedSection(const RequestedSampling &sampling)
              UtcText::toDisplayText(sampling.endUtc).toHtmlEscaped());
 }
 
-QString probedSection(const SourceCadence &found, int cadenceSeconds)
+QString probedSection(const CadenceStatistics &found, int cadenceSeconds)
 {
     QString section =
         tr("<p><b>Cadence estimated by quick probe:</b> about <b>%1</b><br>%2 probe "
            "frames; observed range %3 - %4.</p>")
             .arg(formatDuration(found.medianSeconds), QString::number(found.uniqueFrames),
                  formatDuration(found.minSeconds), formatDuration(found.maxSeconds));
-    // A gain below half a step is not worth a sentence.
+    // Not mentioned below one and a half steps: hardly any request is saved.
     if (found.medianSeconds > 3 * qint64(cadenceSeconds) / 2) {
         section += tr("<p><b>Orvik optimization:</b> requested sampling is %1, but the archive is "
                       "slower here. Redundant intermediate requests are omitted automatically.</p>")
@@ -61,11 +61,12 @@ QString probedSection(const SourceCadence &found, int cadenceSeconds)
     return section;
 }
 
-QString cadenceSection(const std::optional<SourceCadence> &found, const RequestedSampling &sampling)
+QString cadenceSection(const std::optional<CadenceStatistics> &found,
+                       const RequestedSampling &sampling)
 {
     if (!found)
         return notAnalysedSection(sampling);
-    if (found->uniqueFrames == SourceCadence::denseSource) {
+    if (found->uniqueFrames == CadenceStatistics::notProbed) {
         return tr("<p><b>Cadence strategy:</b> <b>dense-source fast path</b><br>Orvik samples "
                   "directly every %1 and skips the full JPX archive scan.</p><p>Actual frame time "
                   "is still validated through getClosestImage, timing tolerance and duplicate-ID "
@@ -83,9 +84,9 @@ QString cadenceSection(const std::optional<SourceCadence> &found, const Requeste
     return probedSection(*found, sampling.cadenceSeconds);
 }
 
-QString cadenceLine(const SourceCadence &found)
+QString cadenceLine(const CadenceStatistics &found)
 {
-    if (found.uniqueFrames == SourceCadence::denseSource) {
+    if (found.uniqueFrames == CadenceStatistics::notProbed) {
         return tr("Cadence: dense-source fast path; direct sampling every %1 (full JPX scan "
                   "skipped).")
             .arg(formatDuration(found.medianSeconds));
@@ -140,7 +141,7 @@ QString SourceDetails::toolTip(const QString &path, const QJsonObject &entry)
         .arg(path, textOf(entry, "start"), textOf(entry, "end"));
 }
 
-QString SourceDetails::toolTipWithCadence(const QString &toolTip, const SourceCadence &analysis)
+QString SourceDetails::toolTipWithCadence(const QString &toolTip, const CadenceStatistics &analysis)
 {
     return toolTip.left(toolTip.indexOf(QLatin1String(cadenceLineStart))) + QLatin1Char('\n') +
            cadenceLine(analysis);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "acquisition/cadenceanalysis.h"
 #include "session/datasource.h"
 
 #include <QDateTime>
@@ -8,23 +9,12 @@
 
 #include <optional>
 
-/// What a session's planning found out about one datasource.
-struct SourceCadence
-{
-    static constexpr int denseSource = -1; ///< as uniqueFrames: sampled directly, never probed
-
-    int uniqueFrames = 0;
-    int medianSeconds = 0; ///< the sampling step of a dense source
-    int minSeconds = 0;
-    int maxSeconds = 0;
-};
-
 /// One datasource of the catalog as the details page describes it.
 struct CatalogSource
 {
     DataSource source;
-    QJsonObject entry; ///< as the service delivered it
-    std::optional<SourceCadence> analysis;
+    QJsonObject entry;                         ///< as the service delivered it
+    std::optional<CadenceStatistics> analysis; ///< what the planning of a session found, if any
 };
 
 /// The sampling that the user asks for at the moment.
@@ -48,6 +38,6 @@ QString page(const CatalogSource &source, const RequestedSampling &sampling);
 /// Plain text: where a datasource lies and when it has images; cadence unknown.
 QString toolTip(const QString &path, const QJsonObject &entry);
 /// The same tool tip with what the analysis found in place of its cadence line.
-QString toolTipWithCadence(const QString &toolTip, const SourceCadence &analysis);
+QString toolTipWithCadence(const QString &toolTip, const CadenceStatistics &analysis);
 
 } // namespace SourceDetails

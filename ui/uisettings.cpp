@@ -1,6 +1,7 @@
 #include "ui/uisettings.h"
 
 #include "base/runtimeconfig.h"
+#include "session/acquisitionsettings.h"
 #include "ui_mainwindow.h"
 
 #include <QMetaProperty>
@@ -35,25 +36,29 @@ QVector<Field> fields(const Ui::MainWindow &form)
 {
     const QDateTime end = QDateTime::currentDateTimeUtc().addSecs(-archiveDelaySeconds);
     const QDateTime start = end.addSecs(-defaultIntervalSeconds);
+    const AcquisitionSettings defaults;
     return {
         {"acquisition/startUtc", form.startEdit, start, Preset::None},
         {"acquisition/endUtc", form.endEdit, end, Preset::None},
-        {"acquisition/cadenceSeconds", form.cadenceSpin, 60, Preset::RuntimeConfig},
-        {"acquisition/maxTimeErrorSeconds", form.timeErrorSpin, 30, Preset::RuntimeConfig},
-        {"acquisition/useSourceTimingProfiles", form.sourceTimingProfilesCheck, true,
+        {"acquisition/cadenceSeconds", form.cadenceSpin, defaults.cadenceSeconds,
          Preset::RuntimeConfig},
-        {"acquisition/imageWidth", form.widthSpin, 1024, Preset::RuntimeConfig},
-        {"video/fps", form.fpsSpin, 25, Preset::RuntimeConfig},
-        {"video/crf", form.crfSpin, 18, Preset::RuntimeConfig},
-        {"acquisition/keepFrames", form.keepFramesCheck, true, Preset::RuntimeConfig},
-        {"video/sourceOverlay", form.sourceOverlayCheck, true, Preset::None},
-        {"video/scaleOverlay", form.scaleOverlayCheck, false, Preset::None},
-        {"video/create", form.createVideosCheck, true, Preset::RuntimeConfig},
+        {"acquisition/maxTimeErrorSeconds", form.timeErrorSpin, defaults.maxTimeErrorSeconds,
+         Preset::RuntimeConfig},
+        {"acquisition/useSourceTimingProfiles", form.sourceTimingProfilesCheck,
+         defaults.useSourceTimingProfiles, Preset::RuntimeConfig},
+        {"acquisition/imageWidth", form.widthSpin, defaults.imageWidth, Preset::RuntimeConfig},
+        {"video/fps", form.fpsSpin, defaults.videoFps, Preset::RuntimeConfig},
+        {"video/crf", form.crfSpin, defaults.videoCrf, Preset::RuntimeConfig},
+        {"acquisition/keepFrames", form.keepFramesCheck, defaults.keepFrames,
+         Preset::RuntimeConfig},
+        {"video/sourceOverlay", form.sourceOverlayCheck, defaults.sourceOverlay, Preset::None},
+        {"video/scaleOverlay", form.scaleOverlayCheck, defaults.scaleOverlay, Preset::None},
+        {"video/create", form.createVideosCheck, defaults.createVideos, Preset::RuntimeConfig},
     };
 }
 
 /// The user's settings, opened for one load or save.
-class Store : public QSettings
+class Store final : public QSettings
 {
 public:
     Store() : QSettings(QStringLiteral("Brannock Works"), QStringLiteral("Orvik")) {}

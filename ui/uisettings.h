@@ -14,8 +14,8 @@ class MainWindow;
  * What the user chose, kept in the platform's per-user store between runs.
  *
  * For some fields sys/orvik.ini may carry presets; they count until the user has saved a value. A
- * stored value of a wrong type never fails: a number reads as 0 and is clamped by its field, a box
- * is ticked, a time is not applied.
+ * stored value of a wrong type is no error: as a number it reads as 0, which its field clamps; a
+ * box is ticked; a time is ignored.
  */
 namespace UiSettings {
 

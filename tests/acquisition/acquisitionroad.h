@@ -1,7 +1,9 @@
 #pragma once
 
 #include "acquisition/acquisitioncontroller.h"
+#include "simulator/archive/archive.h"
 #include "simulator/service/server.h"
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QStringList>
@@ -9,31 +11,15 @@
 #include <functional>
 #include <memory>
 
-/**
- * A service with three datasources, and a controller that talks to it through the real curl.
- *
- * AIA 171 (10) has an image at every full minute, SUVI 195 (2003) every two minutes from second 10
- * on, LASCO C2 (4) every 90 s from second 20 on.
- */
-class AcquisitionRoad
+/// All that a controller tells, in order.
+class SessionEvents
 {
 public:
-    AcquisitionRoad();
-
-    static DataSource aia();
-    static DataSource suvi();
-    static DataSource lasco();
-
-    /// Seconds from 2024-05-01T00:00:00Z on, one request a minute, 256 px wide.
-    static AcquisitionSettings settings(int seconds, const QVector<DataSource> &sources);
-
-    /// Starts a session and waits for its end.
-    bool run(const AcquisitionSettings &settings);
-    bool waitForEnd();
+    void listenTo(const AcquisitionController *sender);
 
     /**
-     * All signals in order: log lines as they stand, but only the endpoint of a "curl:" line, and
-     * "[state] ...", "[progress] value/maximum", "[timing] ...", "[preview] ...", "[finished] ...".
+     * Log lines as they stand, but only the endpoint of a "curl:" line, and "[state] ...",
+     * "[progress] value/maximum", "[timing] ...", "[preview] ...", "[finished] ...".
      */
     QStringList events;
     QStringList logLines() const; ///< of the events, without "curl:" lines
@@ -42,14 +28,31 @@ public:
     /// Called with each event from inside the slot that noted it.
     std::function<void(const QString &)> onEvent;
 
-    QString sessionDirectory() const { return m_sessionDirectory; }
-    QString sessionFile(const QString &name) const;
-    /// Names in a folder of the session, with blanks between them.
-    QString filesIn(const QString &folder) const;
-    /// A column of the manifest, with blanks between its rows.
-    QString column(const char *name) const;
-    QJsonObject descriptor() const;
-    QJsonObject describedSource(int index) const;
+    QString sessionDirectory; ///< of the last session that ended
+
+private:
+    void note(const QString &event);
+};
+
+/// A service that has an image of aia() at every full minute and of suvi() every two minutes from
+/// second 10 on, and a controller that talks to it through the real curl.
+class AcquisitionRoad : public SessionEvents
+{
+public:
+    AcquisitionRoad();
+
+    static DataSource aia() { return {10, "AIA 171"_s, "SDO/AIA/171"_s}; }
+    static DataSource suvi() { return {2003, "GOES-R SUVI 195"_s, "GOES/SUVI/195"_s}; }
+
+    /// With an image every @p spacingSeconds from @p start to 2024-05-02.
+    static Simulator::ArchiveSource regular(const DataSource &source, const char *start,
+                                            int spacingSeconds);
+
+    /// Seconds from 2024-05-01T00:00:00Z on, one request a minute, 256 px wide.
+    static AcquisitionSettings settings(int seconds, const QVector<DataSource> &sources);
+
+    /// Starts a session and waits for its end.
+    bool run(const AcquisitionSettings &settings);
 
     /// Processes that this one has started and that are alive or not waited for.
     static QString children();
@@ -57,9 +60,4 @@ public:
     TestFolder::OutputRoot output;
     Simulator::Server server;
     std::unique_ptr<AcquisitionController> controller;
-
-private:
-    void note(const QString &event);
-
-    QString m_sessionDirectory;
 };

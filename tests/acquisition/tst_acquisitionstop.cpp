@@ -1,9 +1,9 @@
 #include "client/helioviewerclient.h"
 #include "tests/acquisition/acquisitionroad.h"
+#include "tests/acquisition/sessioncheck.h"
 #include "tests/support/fakeprogram.h"
+#include "tests/support/literals.h"
 
-#include <QDirIterator>
-#include <QJsonObject>
 #include <QtTest>
 
 using Simulator::FaultKind;
@@ -11,35 +11,18 @@ using Simulator::Operation;
 
 namespace {
 
-void installEncoder(bool endless)
+void replaceEncoder(bool endless)
 {
     FakeProgram::Reply reply;
     reply.hang = endless;
     reply.standardOutput = "encoding\n";
-    const QString ffmpeg = FakeProgram::install(QStringLiteral("bin/fake-ffmpeg"));
-    FakeProgram::setScript(ffmpeg, {reply});
-    TestFolder::setKey(QStringLiteral("paths/ffmpeg"), ffmpeg);
+    FakeProgram::replace("ffmpeg"_s, {reply});
 }
 
 /// AIA is sampled directly, SUVI after a probe; one image each.
 AcquisitionSettings smallSession()
 {
     return AcquisitionRoad::settings(59, {AcquisitionRoad::aia(), AcquisitionRoad::suvi()});
-}
-
-/// Starts a session and waits until it waits for a child that does not end.
-bool startAndHang(AcquisitionRoad &road, const QString &lastEvent)
-{
-    const QMap<QString, Operation> operations = {
-        {QStringLiteral("curl: getJPX"), Operation::GetJPX},
-        {QStringLiteral("curl: getClosestImage"), Operation::GetClosestImage},
-        {QStringLiteral("curl: downloadImage"), Operation::DownloadImage}};
-    if (operations.contains(lastEvent))
-        road.server.addFault({operations.value(lastEvent), FaultKind::Hang});
-    installEncoder(true);
-    return road.controller->start(smallSession()) && QTest::qWaitFor([&road, &lastEvent] {
-               return road.events.last() == lastEvent && !AcquisitionRoad::children().isEmpty();
-           });
 }
 
 } // namespace
@@ -51,201 +34,145 @@ class TestAcquisitionStop : public QObject
 
 private slots:
     void init() { TestFolder::clearKeys(); }
-    void childInFlightIsKilled_data();
-    void childInFlightIsKilled();
-    void destructionLeavesNoChildAndNoDescriptor_data() { childInFlightIsKilled_data(); }
-    void destructionLeavesNoChildAndNoDescriptor();
-    void decodedFrameIsCompleted_data();
-    void decodedFrameIsCompleted();
-    void stopFromInsideASlot_data();
-    void stopFromInsideASlot();
-};
 
-void TestAcquisitionStop::childInFlightIsKilled_data()
-{
-    QTest::addColumn<QString>("lastEvent");
-    QTest::addColumn<QString>("line"); // between the two of the stop itself
-    QTest::addColumn<QString>("statuses");
-    QTest::addColumn<int>("frameFiles");
+    void childInFlightIsKilled_data()
+    {
+        QTest::addColumn<QString>("waiting"); // the event before a child that does not end
+        QTest::addColumn<QString>("line");    // between the two of the stop itself
+        QTest::addColumn<QString>("statuses");
+        const auto row = [](const char *waiting, const char *line, const char *statuses) {
+            QTest::newRow(waiting) << waiting << line << statuses;
+        };
+        row("curl: getJPX", "", "");
+        row("curl: getClosestImage", "ERROR AIA 171 [getClosestImage]: Process crashed",
+            "LOOKUP_ERROR");
+        row("curl: downloadImage", "ERROR AIA 171 [downloadImage]: Process crashed",
+            "DOWNLOAD_ERROR");
+        row("encoding", "FFMPEG ERROR for AIA 171 (exit code 9). Frames are preserved.", "OK OK");
+    }
 
-    QTest::newRow("cadence probe") << "curl: getJPX"
-                                   << ""
-                                   << "" << 0;
-    QTest::newRow("lookup") << "curl: getClosestImage"
-                            << "ERROR AIA 171 [getClosestImage]: Process crashed"
-                            << "LOOKUP_ERROR" << 0;
-    QTest::newRow("download") << "curl: downloadImage"
-                              << "ERROR AIA 171 [downloadImage]: Process crashed"
-                              << "DOWNLOAD_ERROR" << 0;
-    QTest::newRow("encoder") << "encoding"
-                             << "FFMPEG ERROR for AIA 171 (exit code 9). Frames are preserved."
-                             << "OK OK" << 4;
-}
+    void childInFlightIsKilled()
+    {
+        QFETCH(QString, waiting);
+        QFETCH(QString, line);
+        QFETCH(QString, statuses);
+        for (const bool destroys : {true, false}) {
+            AcquisitionRoad road;
+            const int operation = QStringList{"curl: getDataSources"_s, "curl: getJPX"_s,
+                                              "curl: getClosestImage"_s, "curl: downloadImage"_s}
+                                      .indexOf(waiting);
+            if (operation > 0)
+                road.server.addFault({Operation(operation), FaultKind::Hang});
+            replaceEncoder(true);
+            QVERIFY(road.controller->start(smallSession()));
+            QTRY_VERIFY(road.events.last() == waiting && !AcquisitionRoad::children().isEmpty());
+            const int before = road.logLines().size();
+            if (destroys)
+                road.controller.reset();
+            else
+                road.controller->stop();
+            QCOMPARE(AcquisitionRoad::children(), QString());
+            const QString session = road.output.path() + "/20240501_000000__20240501_000059"_s;
+            const SessionCheck check = SessionCheck::of(session);
+            QCOMPARE(check.faults + check.strays, QStringList());
+            if (destroys) {
+                QVERIFY(check.descriptor.isEmpty());
+                QCOMPARE(road.logLines().size(), before); // not a word
+                continue;
+            }
+            QStringList lines = {"Stop requested by user."_s, line, "Session canceled."_s};
+            lines.removeAll(QString());
+            QCOMPARE(QStringList(road.logLines().mid(before)), lines);
+            QCOMPARE(check.statuses, statuses);
+            QCOMPARE(check.descriptor.value(QLatin1String("canceled")), true);
+            QCOMPARE(check.descriptor.value(QLatin1String("sources")).toArray().size(), 2);
+            road.controller->stop(); // idle: nothing happens
+            QCoreApplication::processEvents();
+            QCOMPARE(road.events.last(), "[finished] canceled"_s);
+            QCOMPARE(road.count("[finished]"), 1);
+        }
+    }
 
-void TestAcquisitionStop::childInFlightIsKilled()
-{
-    QFETCH(QString, lastEvent);
-    QFETCH(QString, line);
-
-    AcquisitionRoad road;
-    QVERIFY(startAndHang(road, lastEvent));
-    const int before = road.logLines().size();
-    road.controller->stop();
-    QVERIFY(!road.controller->isRunning());
-    QCOMPARE(AcquisitionRoad::children(), QString());
-    QStringList lines = {QStringLiteral("Stop requested by user."), line,
-                         QStringLiteral("Session canceled.")};
-    lines.removeAll(QString());
-    QCOMPARE(QStringList(road.logLines().mid(before)), lines);
-    QTEST(road.column("Status"), "statuses");
-    QCOMPARE(road.descriptor().value(QLatin1String("canceled")), true);
-    QVERIFY(!road.describedSource(1).isEmpty());
-
-    road.controller->stop(); // idle: nothing happens
-    QCoreApplication::processEvents();
-    QCOMPARE(road.events.last(), QStringLiteral("[finished] canceled"));
-    QCOMPARE(road.count("[finished]"), 1);
-}
-
-void TestAcquisitionStop::destructionLeavesNoChildAndNoDescriptor()
-{
-    QFETCH(QString, lastEvent);
-    QFETCH(int, frameFiles);
-
-    AcquisitionRoad road;
-    QVERIFY(startAndHang(road, lastEvent));
-    const QStringList before = road.events;
-    road.controller.reset();
-    QCOMPARE(AcquisitionRoad::children(), QString());
-    QCOMPARE(road.events, before); // not a word
-    QDirIterator files(road.output.path(), QDir::Files, QDirIterator::Subdirectories);
-    int others = 0;
-    while (files.hasNext())
-        others += files.next().endsWith(QLatin1String("manifest.csv")) ? 0 : 1;
-    QCOMPARE(others, frameFiles); // whole frames stay, half ones and a descriptor do not
-}
-
-void TestAcquisitionStop::decodedFrameIsCompleted_data()
-{
-    QTest::addColumn<bool>("annotated");
-    QTest::addColumn<bool>("destroys");
-
-    QTest::newRow("stop before its annotation") << false << false;
-    QTest::newRow("stop before it is written") << true << false;
-    QTest::newRow("destruction before its annotation") << false << true;
-    QTest::newRow("destruction before it is written") << true << true;
-}
-
-void TestAcquisitionStop::decodedFrameIsCompleted()
-{
-    QFETCH(bool, annotated);
-    QFETCH(bool, destroys);
-
-    AcquisitionRoad road;
-    const QDir session(road.output.path() + QStringLiteral("/20240501_000000__20240501_001000"));
-    QFile manifest(session.filePath(QStringLiteral("manifest.csv")));
-    bool ended = false;
-    const auto end = [&] {
-        ended = true;
-        QVERIFY(manifest.open(QIODevice::ReadOnly) && manifest.readAll().count('\n') == 1);
-        if (destroys)
-            road.controller.reset();
-        else
-            road.controller->stop();
-    };
-    connect(road.controller->findChild<HelioviewerClient *>(),
-            &HelioviewerClient::renderedImageDownloaded, this, [&] {
-                if (annotated) // timers of the same length end in the order of their starts
-                    QTimer::singleShot(0, this, end);
+    void decodedFrameIsCompleted()
+    {
+        for (const auto &[annotated, destroys] :
+             {std::pair(false, false), {false, true}, {true, false}, {true, true}}) {
+            AcquisitionRoad road;
+            const QString session = road.output.path() + "/20240501_000000__20240501_001000"_s;
+            QString statusesBefore = "not ended"_s;
+            const auto end = [&, destroying = destroys] {
+                statusesBefore = SessionCheck::of(session).statuses;
+                if (destroying)
+                    road.controller.reset();
                 else
-                    QMetaObject::invokeMethod(this, end, Qt::QueuedConnection);
-            });
-    QVERIFY(road.controller->start(AcquisitionRoad::settings(600, {AcquisitionRoad::aia()})));
-    QTRY_VERIFY(ended);
-    QVERIFY(manifest.readAll().contains(",OK,"));
-    QVERIFY(!QImage(session.filePath(QStringLiteral("AIA_171_20240501_000000/video_frames/"
-                                                    "frame_000000.png")))
-                 .isNull());
-    QCOMPARE(session.exists(QStringLiteral("session.json")), !destroys);
-}
+                    road.controller->stop();
+            };
+            connect(road.controller->findChild<HelioviewerClient *>(),
+                    &HelioviewerClient::renderedImageDownloaded, this, [&, later = annotated] {
+                        if (later) // timers of one length end in the order of their starts
+                            QTimer::singleShot(0, this, end);
+                        else
+                            QMetaObject::invokeMethod(this, end, Qt::QueuedConnection);
+                    });
+            QVERIFY(
+                road.controller->start(AcquisitionRoad::settings(600, {AcquisitionRoad::aia()})));
+            QTRY_COMPARE(statusesBefore, QString());
+            const SessionCheck check = SessionCheck::of(session);
+            QCOMPARE(check.faults + check.strays, QStringList());
+            QCOMPARE(check.statuses, "OK"_s);
+            QCOMPARE(check.pictures, 2);
+            QCOMPARE(check.descriptor.isEmpty(), destroys);
+        }
+    }
 
-void TestAcquisitionStop::stopFromInsideASlot_data()
-{
-    QTest::addColumn<QString>("event");
-
-    for (const char *event : {"Session: ",
-                              "[progress] 0/1",
-                              "[state] Quick cadence probe",
-                              "[state] Analyzing",
-                              "curl: getJPX",
-                              "[progress] 1/1",
-                              "[timing] 10",
-                              "Fast path AIA 171: direct",
-                              "Quick probe GOES-R",
-                              "Acquisition plan ready",
-                              "[progress] 0/4",
-                              "[state] Downloading frames",
-                              "[state] AIA 171",
-                              "curl: getClosestImage",
-                              "curl: downloadImage",
-                              "WARNING AIA 171",
-                              "OK AIA 171",
-                              "[preview] AIA 171",
-                              "[progress] 1/4",
-                              "REJECT GOES-R",
-                              "Summary AIA 171",
-                              "No accepted frames",
-                              "[state] Encoding videos",
-                              "ffmpeg: ",
-                              "encoding",
-                              "Video completed",
-                              "[progress] 3/4",
-                              "Original and timestamped",
-                              "[progress] 4/4",
-                              "[state] Completed",
-                              "Session completed.",
-                              "[finished]"})
-        QTest::newRow(event) << QString::fromLatin1(event);
-}
-
-void TestAcquisitionStop::stopFromInsideASlot()
-{
-    QFETCH(QString, event);
-
-    AcquisitionRoad road;
-    installEncoder(false);
-    road.server.addFault({Operation::DownloadImage, FaultKind::TruncatedPng, 0, 1, 1});
-    road.server.addFault({Operation::GetClosestImage, FaultKind::StaleDate, 100000, 2, 1});
-    AcquisitionSettings settings = smallSession();
-    settings.keepFrames = false;
-
-    bool stopped = false;
-    bool tooLate = false; // the session has ended by itself
-    road.onEvent = [&](const QString &noted) {
-        if (stopped || !noted.startsWith(event))
-            return;
-        stopped = true;
-        tooLate = !road.controller->isRunning();
-        road.controller->stop();
-        road.controller->stop();
-        QVERIFY(!road.controller->isRunning());
-    };
-    QVERIFY(road.run(settings));
-    QVERIFY(stopped);
-    QCOMPARE(road.count("[finished]"), 1);
-    QCOMPARE(road.count("Stop requested by user."), tooLate ? 0 : 1);
-    QCOMPARE(road.events.last(), tooLate ? QStringLiteral("[finished] completed")
-                                         : QStringLiteral("[finished] canceled"));
-    QCOMPARE(road.descriptor().value(QLatin1String("canceled")), !tooLate);
-    QCOMPARE(AcquisitionRoad::children(), QString());
-
-    // Nothing of it is left for the session after it.
-    const QString first = road.sessionDirectory();
-    QVERIFY(road.run(settings));
-    QCOMPARE(road.events.last(), QStringLiteral("[finished] completed"));
-    QCOMPARE(road.sessionDirectory(), first + QStringLiteral("_2"));
-    QCOMPARE(road.column("RequestIndex"), QStringLiteral("0 1"));
-}
+    /// Each session is the one after another that was stopped: nothing may be left of that.
+    void stopFromInsideASlot()
+    {
+        AcquisitionRoad road;
+        replaceEncoder(false);
+        AcquisitionSettings settings = smallSession();
+        settings.keepFrames = false;
+        bool tooLate = false; // the session ended by itself
+        const QString events =
+            "Session: |[progress] 0/1|[state] Quick cadence probe|[state] Analyzing|curl: getJPX|"
+            "[progress] 1/1|[timing] 10|Fast path AIA 171: direct|Quick probe GOES-R|"
+            "Acquisition plan ready|[progress] 0/4|[state] Downloading frames|[state] AIA 171|"
+            "curl: getClosestImage|curl: downloadImage|WARNING AIA 171|OK AIA 171|"
+            "[preview] AIA 171|[progress] 1/4|REJECT GOES-R|Summary AIA 171|No accepted frames|"
+            "[state] Encoding videos|ffmpeg: |encoding|Video completed|[progress] 3/4|"
+            "Original and timestamped|[progress] 4/4|[state] Completed|Session completed.|"
+            "[finished]"_s;
+        const QStringList stages = events.split(QLatin1Char('|'));
+        for (const QString &event : stages) {
+            road.server.clearFaults();
+            road.server.clearJournal(); // faults are numbered from here on
+            road.server.addFault({Operation::DownloadImage, FaultKind::TruncatedPng, 0, 1, 1});
+            road.server.addFault({Operation::GetClosestImage, FaultKind::StaleDate, 100000, 2, 1});
+            bool stopped = false;
+            road.onEvent = [&](const QString &noted) {
+                if (!noted.startsWith(event) || std::exchange(stopped, true))
+                    return;
+                tooLate = !road.controller->isRunning();
+                road.controller->stop();
+                road.controller->stop();
+                QVERIFY(!road.controller->isRunning());
+            };
+            QVERIFY(road.run(settings));
+            QVERIFY2(stopped, qPrintable(event));
+            QCOMPARE(road.count("[finished]"), 1);
+            QCOMPARE(road.count("Stop requested by user."), tooLate ? 0 : 1);
+            QVERIFY2(road.events.last() == (tooLate ? QLatin1String("[finished] completed")
+                                                    : QLatin1String("[finished] canceled")),
+                     qPrintable(event));
+            const SessionCheck check = SessionCheck::of(road.sessionDirectory);
+            QCOMPARE(check.descriptor.value(QLatin1String("canceled")), !tooLate);
+            QCOMPARE(AcquisitionRoad::children(), QString());
+        }
+        road.onEvent = nullptr;
+        QVERIFY(road.run(settings));
+        QCOMPARE(SessionCheck::of(road.sessionDirectory).statuses, "OK OK"_s);
+    }
+};
 
 QTEST_MAIN(TestAcquisitionStop)
 #include "tst_acquisitionstop.moc"

@@ -1,150 +1,144 @@
 #include "client/helioviewerclient.h"
-
+#include "client/helioviewerresponses.h"
 #include "tests/support/fakeprogram.h"
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QtTest>
 
 namespace {
 
-const QDateTime &noon()
-{
-    static const QDateTime time(QDate(2024, 5, 1), QTime(12, 0), Qt::UTC);
-    return time;
-}
+constexpr char strangeIndex[] =
+    R"({"frames":[1715299211.9,"1715299451",0,-3,0.9,1,"1",null,true,[9],"12s","",1e300,
+        "9223372036854775807"],"message":"thinned"})";
 
-QList<QVariant> error(const QString &operation, const QString &message)
+QJsonObject object(const QByteArray &json)
 {
-    return {operation, message};
-}
-
-FakeProgram::Reply answering(const QByteArray &answer)
-{
-    FakeProgram::Reply reply;
-    reply.standardOutput = answer;
-    return reply;
-}
-
-FakeProgram::Reply downloading(const QByteArray &content)
-{
-    FakeProgram::Reply reply;
-    reply.files.insert(QStringLiteral("$-o"), content);
-    return reply;
+    return QJsonDocument::fromJson(json).object();
 }
 
 } // namespace
 
-/// The client against a stand-in for curl: what it is asked, and when it is not.
+/// Answers as values, and the client against a stand-in for curl: what it is asked, and when not.
 class TestHelioviewerClient : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void initTestCase()
+    {
+        qputenv("TZ", "Europe/Berlin"); // a zone with daylight saving time
+        tzset();
+    }
+
     void init()
     {
         TestFolder::clearKeys();
-        m_curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
-        TestFolder::setKey(QStringLiteral("paths/curl"), QStringLiteral("bin/../bin/fake-curl"));
-        TestFolder::setKey(QStringLiteral("network/apiBase"),
-                           QStringLiteral("http://[::1]/my s\u00fcn//"));
-        m_png = TestFolder::path(QStringLiteral("frame one.png"));
+        m_curl = FakeProgram::install("bin/fake-curl"_s);
+        TestFolder::setKey("paths/curl"_s, "bin/../bin/fake-curl"_s);
+        TestFolder::setKey("network/apiBase"_s, "http://[::1]/my s\u00fcn//"_s);
+        m_png = TestFolder::path("frame one.png"_s);
         QFile::remove(m_png);
     }
 
-    void commandLines()
+    void frameIndex()
     {
-        TestFolder::setKey(QStringLiteral("network/connectTimeoutSeconds"), 5);
-        const QString bundle = TestFolder::path(QStringLiteral("ca.pem"));
-        FakeProgram::setScript(m_curl, {answering("{}"), downloading("png")});
-        HelioviewerClient client;
-        QSignalSpy log(&client, &HelioviewerClient::logMessage);
-        QSignalSpy frames(&client, &HelioviewerClient::frameIndexReceived);
-        client.getJPX(0, noon().toOffsetFromUtc(7200), noon().addSecs(60), 45);
-        QVERIFY(frames.wait());
-        QCOMPARE(frames.first().mid(0, 3), (QList<QVariant>{0, noon(), noon().addSecs(60)}));
+        const auto index = HelioviewerResponses::frameIndex(object(strangeIndex));
+        QVector<qint64> seconds;
+        for (const QDateTime &frame : index.framesUtc)
+            seconds.append(frame.timeSpec() == Qt::UTC ? frame.toSecsSinceEpoch() : -1);
+        QCOMPARE(seconds, (QVector<qint64>{1715299211, 1715299451, 1, 1}));
+        QCOMPARE(index.message, "thinned"_s);
+        QCOMPARE(HelioviewerResponses::frameIndex(object("{\"message\":null}")).message, QString());
+    }
 
-        QFile(bundle).open(QIODevice::WriteOnly);
-        TestFolder::setKey(QStringLiteral("network/caBundle"), QStringLiteral("ca.pem"));
+    void closestImage()
+    {
+        const auto read = [](const QByteArray &date, const QByteArray &id) {
+            const auto image = HelioviewerResponses::closestImage(
+                object("{\"date\":\"" + date + "\",\"id\":" + id + "}"));
+            return image ? image->actualUtc.toString(Qt::ISODateWithMs) + QLatin1Char(' ') +
+                               QString::number(image->imageId)
+                         : QString();
+        };
+        QCOMPARE(read("2024-05-01", "\"5\""), "2024-05-01T00:00:00.000Z 5"_s);
+        for (const char *date : {"2024-05-01 12:00:07", "2024-05-01T12:00:07.000Z",
+                                 "2024-05-01T14:00:07+02:00", "2024-05-01T10:00:07-02:00"})
+            QCOMPARE(read(date, "5"), "2024-05-01T12:00:07.000Z 5"_s);
+        for (const char *date : {"2024-03-31 02:30:00", "2024-03-31T02:30:00.000"}) // no such hour
+            QCOMPARE(read(date, "5"), "2024-03-31T02:30:00.000Z 5"_s);
+        for (const char *date : {"2024-02-30 12:00:00", ""})
+            QCOMPARE(read(date, "5"), QString());
+        for (const char *id : {"0", "-4", "\"\"", "\"12a\"", "null", "true", "[12]"})
+            QCOMPARE(read("2024-05-01 12:00:07", id), QString());
+    }
+
+    void strangePathsAndNumbers()
+    {
+        const QString bundle = TestFolder::path("ca.pem"_s);
+        QVERIFY(QFile(bundle).open(QIODevice::WriteOnly));
+        TestFolder::setKey("network/caBundle"_s, "ca.pem"_s);
+        FakeProgram::Reply picture;
+        picture.files.insert("$-o"_s, "png");
+        FakeProgram::setScript(m_curl, {{}, picture});
+        HelioviewerClient client;
+        client.getJPX(0, m_noon.toOffsetFromUtc(7200), m_noon.addSecs(60), 45);
+        QTRY_VERIFY(!client.isBusy());
         QSignalSpy downloaded(&client, &HelioviewerClient::renderedImageDownloaded);
-        client.downloadImage(9007199254740993, 10, noon(), noon().addSecs(7), m_png, 1024);
+        client.downloadImage(9007199254740993, 10, m_noon, m_noon.addSecs(7), m_png, 1024);
         QVERIFY(downloaded.wait());
-        QCOMPARE(downloaded.first(), (QList<QVariant>{10, noon(), noon().addSecs(7),
+        QCOMPARE(downloaded.first(), (QList<QVariant>{10, m_noon, m_noon.addSecs(7),
                                                       Q_INT64_C(9007199254740993), m_png}));
 
-        const QString frameUrl =
-            QStringLiteral("http://[::1]/my%20s%C3%BCn/getJPX/"
-                           "?startTime=2024-05-01T12:00:00Z&endTime=2024-05-01T12:01:00Z"
-                           "&sourceId=0&linked=true&jpip=true&verbose=true&cadence=45");
-        const QString imageUrl = QStringLiteral(
-            "http://[::1]/my%20s%C3%BCn/downloadImage/?id=9007199254740993&width=1024&type=png");
-        const QStringList common = QStringLiteral("-f -sS -L --retry 2 --connect-timeout 5 "
-                                                  "--max-time 180")
-                                       .split(QLatin1Char(' '));
-        const QVector<QStringList> expected{
-            common + QStringList{frameUrl},
-            common + QStringList{QStringLiteral("--cacert"), bundle, QStringLiteral("-o"), m_png,
-                                 imageUrl},
-        };
-        QCOMPARE(FakeProgram::argumentLists(m_curl), expected);
-        QCOMPARE(log, (QList<QList<QVariant>>{{QStringLiteral("curl: ") + frameUrl},
-                                              {QStringLiteral("curl: ") + imageUrl}}));
+        const QString options =
+            "-f -sS -L --retry 2 --connect-timeout 20 --max-time 180 --cacert"_s;
+        const QStringList common = options.split(QLatin1Char(' ')) << bundle;
+        const QString base = "http://[::1]/my%20s%C3%BCn/"_s;
+        const QString index = "getJPX/?startTime=2024-05-01T12:00:00Z&endTime=2024-05-01T12:01:00Z"
+                              "&sourceId=0&linked=true&jpip=true&verbose=true&cadence=45"_s;
+        const QString image = "downloadImage/?id=9007199254740993&width=1024&type=png"_s;
+        const auto runs = FakeProgram::runs(m_curl);
+        QCOMPARE(runs.first().arguments, common + QStringList(base + index));
+        QCOMPARE(runs.last().arguments, (common + QStringList{"-o"_s, m_png, base + image}));
     }
 
     void secondRequestIsRefused()
     {
-        FakeProgram::setScript(
-            m_curl, {answering("{\"id\":\"5\",\"date\":\"2024-05-01 12:00:07\",\"rsun\":1.5}")});
+        FakeProgram::setScript(m_curl, {FakeProgram::Reply()});
         HelioviewerClient client;
         QSignalSpy errors(&client, &HelioviewerClient::requestError);
-        QSignalSpy images(&client, &HelioviewerClient::closestImageReceived);
-        client.getClosestImage(10, noon());
+        client.getClosestImage(10, m_noon);
         client.downloadImage(1, 99, {}, {}, m_png, 64);
-        QCOMPARE(errors, (QList<QList<QVariant>>{
-                             error(QStringLiteral("downloadImage"),
-                                   QStringLiteral("HelioviewerClient is already busy."))}));
-        QVERIFY(images.wait());
-        QCOMPARE(images.first().mid(0, 4),
-                 (QList<QVariant>{10, noon(), Q_INT64_C(5), noon().addSecs(7)}));
-        QCOMPARE(images.first().at(4).toJsonObject().size(), 3);
+        QCOMPARE(errors.takeFirst(),
+                 (QList<QVariant>{"downloadImage"_s, "HelioviewerClient is already busy."_s}));
+        QVERIFY(errors.wait());
         QCOMPARE(FakeProgram::runs(m_curl).size(), 1);
-    }
-
-    void endlessAnswerIsEnded_data()
-    {
-        QTest::addColumn<QByteArray>("curl");
-        QTest::addColumn<QString>("operation");
-        QTest::addColumn<QString>("message");
-
-        QTest::newRow("catalog") << QByteArray("exec yes '{'") << QStringLiteral("getDataSources")
-                                 << QStringLiteral("The answer is larger than 64 MB. Check "
-                                                   "network/apiBase.");
-        QTest::newRow("picture") << QByteArray("truncate -s 1025M \"${11}\"; exec sleep 120")
-                                 << QStringLiteral("downloadImage")
-                                 << QStringLiteral("The download is larger than 1 GB. Check "
-                                                   "network/apiBase.");
     }
 
     void endlessAnswerIsEnded()
     {
-        QFETCH(QByteArray, curl);
-        QFETCH(QString, operation);
-        QFETCH(QString, message);
-
-        TestFolder::setKey(QStringLiteral("paths/curl"),
-                           TestFolder::writeScript(QStringLiteral("endless-curl"), curl));
-        HelioviewerClient client;
-        QSignalSpy errors(&client, &HelioviewerClient::requestError);
-        if (operation == QLatin1String("downloadImage"))
-            client.downloadImage(1, 10, noon(), noon(), m_png, 64);
-        else
-            client.getDataSources();
-        QVERIFY(errors.wait(20'000));
-        QCOMPARE(errors, (QList<QList<QVariant>>{error(operation, message)}));
-        QVERIFY(!client.isBusy());
-        QVERIFY(!QFile::exists(m_png));
+        for (const bool picture : {false, true}) {
+            const QByteArray commands =
+                picture ? "truncate -s 1025M \"${11}\"; exec sleep 120" : "exec yes '{'";
+            TestFolder::setKey("paths/curl"_s, TestFolder::writeScript("endless-curl"_s, commands));
+            HelioviewerClient client;
+            QSignalSpy errors(&client, &HelioviewerClient::requestError);
+            if (picture)
+                client.downloadImage(1, 10, m_noon, m_noon, m_png, 64);
+            else
+                client.getDataSources();
+            QVERIFY(errors.wait(20'000));
+            QCOMPARE(errors.size(), 1);
+            QCOMPARE(errors.first().last().toString(),
+                     (picture ? "The download is larger than 1 GB."_s
+                              : "The answer is larger than 64 MB."_s) +
+                         " Check network/apiBase."_s);
+            QVERIFY(!client.isBusy() && !QFile::exists(m_png));
+        }
     }
 
 private:
+    const QDateTime m_noon{{2024, 5, 1}, {12, 0}, Qt::UTC};
     QString m_curl;
     QString m_png;
 };

@@ -1,94 +1,91 @@
 #include "tests/support/fakeprogram.h"
 
-#include <QCoreApplication>
-#include <QDir>
+#include "tests/support/literals.h"
+#include "tests/support/testfolder.h"
+
 #include <QFile>
-#include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include <QVariant>
 
 namespace {
 
-QString journalPath(const QString &program)
+constexpr QChar unitSeparator(0x1f); // in no argument of ours
+
+/// A line of the journal for each run, written whole before any other run may write one; then the
+/// replies, when there are any.
+constexpr char commonCommands[] = R"(exec 9>>"$0.journal"
+flock 9
+run=$(wc -l <"$0.journal")
+IFS=$'\x1f'
+echo "$$"$'\x1f'"$*" >&9
+exec 9>&-
+for ((i = 1; i <= $#; ++i)); do
+    [[ "$out" != -o ]] || out="${!i}"
+    [[ "${!i}" != -o ]] || out=-o
+done
+[[ ! -e "$0.replies" ]] || . "$0.replies" "$@")";
+
+QByteArray print(const QByteArray &bytes, const QByteArray &target)
 {
-    return program + QLatin1String(".journal");
+    return "base64 -d <<<'" + bytes.toBase64() + "' >" + target + '\n';
 }
 
-QString scriptPath(const QString &program)
+QByteArray commands(const FakeProgram::Reply &reply)
 {
-    return program + QLatin1String(".script");
-}
-
-QString base64(const QByteArray &bytes)
-{
-    return QString::fromLatin1(bytes.toBase64());
-}
-
-QJsonObject toJson(const FakeProgram::Reply &reply)
-{
-    QJsonObject files;
-    for (auto file = reply.files.begin(); file != reply.files.end(); ++file)
-        files.insert(file.key(), base64(file.value()));
-    return {
-        {QStringLiteral("exitCode"), reply.exitCode},
-        {QStringLiteral("stdout"), base64(reply.standardOutput)},
-        {QStringLiteral("stderr"), base64(reply.standardError)},
-        {QStringLiteral("files"), files},
-        {QStringLiteral("delayMs"), reply.delayMs},
-        {QStringLiteral("hang"), reply.hang},
-        {QStringLiteral("crash"), reply.crash},
-    };
+    QByteArray lines = print(reply.standardOutput, "&1") + print(reply.standardError, "&2");
+    for (auto file = reply.files.begin(); file != reply.files.end(); ++file) {
+        QString target = file.key();
+        target.replace("$-o"_s, "$out"_s);
+        target.replace("$last"_s, "${!#}"_s);
+        lines += print(file.value(), '"' + target.toUtf8() + '"');
+    }
+    if (reply.hang)
+        return lines + "exec sleep 120\n";
+    return lines + (reply.crash ? "kill -KILL $$" : "exit " + QByteArray::number(reply.exitCode)) +
+           '\n';
 }
 
 } // namespace
 
 QString FakeProgram::install(const QString &path)
 {
-    QString program = QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(path);
-    QDir().mkpath(QFileInfo(program).path());
-    for (const QString &old : {program, journalPath(program), scriptPath(program)})
-        QFile::remove(old);
-    if (!QFile::link(QStringLiteral(ORVIK_FAKEPROGRAM), program))
-        qFatal("cannot put the stand-in program at %s", qPrintable(program));
-    return program;
+    const QString absolutePath = TestFolder::path(path);
+    for (const char *suffix : {".journal", ".replies"})
+        QFile::remove(absolutePath + QLatin1String(suffix));
+    return TestFolder::writeScript(path, commonCommands);
 }
 
 void FakeProgram::setScript(const QString &program, const QVector<Reply> &replies)
 {
-    QJsonArray entries;
-    for (const Reply &reply : replies)
-        entries.append(toJson(reply));
-    QFile script(scriptPath(program));
-    if (!script.open(QIODevice::WriteOnly) || script.write(QJsonDocument(entries).toJson()) < 0)
+    QFile script(program + QLatin1String(".replies"));
+    if (!script.open(QIODevice::WriteOnly))
         qFatal("cannot write %s", qPrintable(script.fileName()));
+    for (int i = 0; i < replies.size(); ++i) {
+        const QByteArray all = commands(replies.at(i));
+        script.write(i + 1 < replies.size()
+                         ? "if ((run == " + QByteArray::number(i) + ")); then\n" + all + "fi\n"
+                         : all);
+    }
+}
+
+QString FakeProgram::replace(const QString &name, const QVector<Reply> &replies)
+{
+    const QString program = install("bin/fake-"_s + name);
+    setScript(program, replies);
+    TestFolder::setKey("paths/"_s + name, program);
+    return program;
 }
 
 QVector<FakeProgram::Run> FakeProgram::runs(const QString &program)
 {
     QVector<Run> runs;
-    QFile journal(journalPath(program));
+    QFile journal(program + QLatin1String(".journal"));
     if (!journal.open(QIODevice::ReadOnly))
         return runs; // not started yet
     while (!journal.atEnd()) {
-        const QJsonObject line = QJsonDocument::fromJson(journal.readLine()).object();
-        runs.append({line.value(QLatin1String("arguments")).toVariant().toStringList(),
-                     line.value(QLatin1String("workingDirectory")).toString(),
-                     line.value(QLatin1String("processId")).toVariant().toLongLong()});
+        QStringList fields =
+            QString::fromLocal8Bit(journal.readLine()).chopped(1).split(unitSeparator);
+        const qint64 processId = fields.takeFirst().toLongLong();
+        runs.append({fields, processId});
     }
     return runs;
-}
-
-QVector<QStringList> FakeProgram::argumentLists(const QString &program)
-{
-    QVector<QStringList> lists;
-    const QVector<Run> all = runs(program);
-    for (const Run &run : all)
-        lists.append(run.arguments);
-    return lists;
-}
-
-void FakeProgram::clearJournal(const QString &program)
-{
-    QFile::remove(journalPath(program));
 }

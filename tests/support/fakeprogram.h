@@ -1,71 +1,47 @@
 #pragma once
 
-#include <QByteArray>
 #include <QMap>
 #include <QMetaType>
-#include <QString>
 #include <QStringList>
 #include <QVector>
 
 /**
  * A stand-in for curl or ffmpeg that notes how it was called and fails, crashes, hangs or
- * truncates as told.
+ * truncates as told: install it, name it in "paths/curl" or "paths/ffmpeg", and give it a script.
  *
- *     const QString curl = FakeProgram::install(QStringLiteral("bin/fake-curl"));
- *     TestFolder::setKey(QStringLiteral("paths/curl"), curl);
- *     FakeProgram::Reply refused;
- *     refused.exitCode = 7;
- *     refused.standardError = "curl: (7) Failed to connect\n";
- *     FakeProgram::setScript(curl, {refused, {}}); // the first run fails, all later ones succeed
- *     ...
- *     QCOMPARE(FakeProgram::argumentLists(curl), ...);
- *
- * Install it under a name of its own: "bin/curl" and "bin/ffmpeg" are links to the real programs,
- * and a later run of the same test finds what this one left there.
+ * It needs a name of its own: "bin/curl" and "bin/ffmpeg" are links to the real programs.
  */
 namespace FakeProgram {
 
-/**
- * What one run does, in this order: prints, writes files, waits, then ends.
- *
- * The key in @c files is a path, "$-o" for the argument after "-o" (any option will do), or "$last"
- * for the last argument; the value is the whole content.
- */
+/// What one run does, in this order: prints, writes files, ends.
 struct Reply
 {
     int exitCode = 0;
     QByteArray standardOutput;
     QByteArray standardError;
-    QMap<QString, QByteArray> files;
-    int delayMs = 0;    ///< between the output and the end
-    bool hang = false;  ///< does not end until killed (gives up after two minutes)
-    bool crash = false; ///< ends by a signal
+    QMap<QString, QByteArray> files; ///< by path, or by "$last" or "$-o": the argument after "-o"
+    bool hang = false;               ///< does not end until killed (gives up after two minutes)
+    bool crash = false;              ///< ends by a signal
 };
 
 /// How one run was called.
 struct Run
 {
     QStringList arguments; ///< without the program's own name
-    QString workingDirectory;
     qint64 processId = 0;
 };
 
-/**
- * Puts the program at @p path, without script and journal; a relative path is taken against the
- * application directory. Returns the absolute path.
- */
+/// Puts the program into the application folder, without script and journal; its absolute path.
 QString install(const QString &path);
 
 /// One reply for each run, counted from the installation; the last one repeats.
 void setScript(const QString &program, const QVector<Reply> &replies);
 
-/// All runs since the installation or clearJournal(), in the order in which they began.
-QVector<Run> runs(const QString &program);
-/// Only the arguments of runs().
-QVector<QStringList> argumentLists(const QString &program);
+/// Puts one in the place of "curl" or "ffmpeg", as far as sys/orvik.ini decides.
+QString replace(const QString &name, const QVector<Reply> &replies);
 
-/// Forgets the runs so far; the next one takes the script's first reply again.
-void clearJournal(const QString &program);
+/// All runs since the installation, in the order in which they began.
+QVector<Run> runs(const QString &program);
 
 } // namespace FakeProgram
 

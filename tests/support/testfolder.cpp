@@ -1,4 +1,5 @@
 #include "tests/support/testfolder.h"
+#include "tests/support/literals.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -6,11 +7,15 @@
 #include <QSettings>
 #include <QVariant>
 
+#include <csignal>
+
+#include <sys/resource.h>
+
 namespace {
 
 QString iniPath()
 {
-    return TestFolder::path(QStringLiteral("sys/orvik.ini"));
+    return TestFolder::path("sys/orvik.ini"_s);
 }
 
 } // namespace
@@ -22,7 +27,7 @@ QString TestFolder::path(const QString &relativePath)
 
 void TestFolder::setKey(const QString &key, const QVariant &value)
 {
-    QDir().mkpath(path(QStringLiteral("sys")));
+    QDir().mkpath(path("sys"_s));
     QSettings file(iniPath(), QSettings::IniFormat);
     file.setIniCodec("UTF-8");
     file.setValue(key, value);
@@ -46,9 +51,18 @@ QString TestFolder::writeScript(const QString &name, const QByteArray &commands)
     return script.fileName();
 }
 
+void TestFolder::leaveRoom(qint64 bytes)
+{
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = bytes < 0 ? limit.rlim_max : static_cast<rlim_t>(bytes);
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
 TestFolder::OutputRoot::OutputRoot()
 {
     if (!m_folder.isValid())
         qFatal("cannot make a temporary folder: %s", qPrintable(m_folder.errorString()));
-    setKey(QStringLiteral("paths/output"), m_folder.path());
+    setKey("paths/output"_s, m_folder.path());
 }

@@ -20,6 +20,10 @@ void clearKeys();
 /// Writes @p commands as an executable shell script into the application folder; its path.
 QString writeScript(const QString &name, const QByteArray &commands);
 
+/// Lets no file of this process and its children grow beyond @p bytes, as a full disk does; without
+/// a number they may grow again.
+void leaveRoom(qint64 bytes = -1);
+
 /// An empty output root of its own, entered as "paths/output"; removed with this object.
 class OutputRoot
 {

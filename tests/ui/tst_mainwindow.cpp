@@ -1,3 +1,8 @@
+#include "acquisition/acquisitioncontroller.h"
+#include "base/terminationsignals.h"
+#include "simulator/archive/archive.h"
+#include "simulator/service/server.h"
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 #include "tests/ui/windowfixture.h"
 
@@ -7,16 +12,20 @@
 #include <QDateTimeEdit>
 #include <QDesktopServices>
 #include <QDockWidget>
-#include <QJsonObject>
 #include <QLabel>
 #include <QPushButton>
 #include <QSpinBox>
-#include <QTabWidget>
-#include <QTextBrowser>
-#include <QToolBar>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTextEdit>
+#include <QToolButton>
 #include <QTreeWidget>
 #include <QtTest>
 
+#include <csignal>
+#include <utility>
+
+using Simulator::Operation;
 using WindowFixture::BoxCloser;
 using WindowFixture::logText;
 using WindowFixture::part;
@@ -28,20 +37,25 @@ constexpr char catalog[] = R"({"SDO": {"AIA": {
     "171": {"sourceId": 10, "nickname": "AIA 171", "start": "2010", "end": "2024"},
     "<b>": {"sourceId": 13, "nickname": "<b>AIA</b>"}}}})";
 
-/// The focusable parts below @p interface that a screen reader could not name.
-QStringList nameless(QAccessibleInterface *interface)
+const QString nowhere = "http://127.0.0.1:9/<i>"_s; // markup in an error's text
+
+constexpr int stopping = 0;
+constexpr int closing = -1;
+
+/// What of all that a run locks or frees can be used now.
+QStringList enabledParts(const MainWindow &window)
 {
-    QStringList found;
-    const QAccessible::State state = interface->state();
-    if (state.focusable && !state.invisible && interface->text(QAccessible::Name).isEmpty()) {
-        const QObject *object = interface->object();
-        found.append(object ? object->objectName() + QLatin1Char('/') +
-                                  QLatin1String(object->metaObject()->className())
-                            : QString::number(interface->role()));
-    }
-    for (int i = 0; i < interface->childCount(); ++i)
-        found += nameless(interface->child(i));
-    return found;
+    const QString parts =
+        "sourcesTree refreshButton aiaButton clearButton startEdit endEdit cadenceSpin "
+        "timeErrorSpin sourceTimingProfilesCheck widthSpin fpsSpin crfSpin keepFramesCheck "
+        "sourceOverlayCheck scaleOverlayCheck createVideosCheck actionCreateRoiVideo "
+        "actionStartAcquisition actionStopAcquisition"_s;
+    QStringList names = parts.split(QLatin1Char(' '));
+    const auto isDisabled = [&window](const QString &name) {
+        return !window.findChild<QObject *>(name)->property("enabled").toBool();
+    };
+    names.erase(std::remove_if(names.begin(), names.end(), isDisabled), names.end());
+    return names;
 }
 
 } // namespace
@@ -50,223 +64,260 @@ class TestMainWindow : public QObject
 {
     Q_OBJECT
 
-private slots:
-    void initTestCase() { WindowFixture::isolateUserSettings(); }
-    void init();
-    void everyInteractivePartHasANameAndAKey();
-    void detailsFollowCurrentAndSampling();
-    void refusedStartSavesSettingsAndKeepsTheLog();
-    void presetCountsUntilTheUserSaved();
-    void wrongStoredValues();
-    void brokenCacheAsksTheService();
-    void answerWithoutDatasourcesIsAnError();
-    void emptyCacheIsShownAndCostsNoTicks();
-    void vanishedPreviewIsAWarning();
-    void unwritableCacheIsAWarning();
-    void playsTheNewestVideo();
-
 public slots:
     void open(const QUrl &url) { m_opened.append(url.toLocalFile()); }
 
+private slots:
+    void initTestCase() { QVERIFY(m_server.start()); }
+
+    void init()
+    {
+        WindowFixture::reset();
+        WindowFixture::writeCatalog(catalog);
+    }
+
+    /// A screen reader says it; Qt's own parts of parts have their whole's.
+    void everyInteractivePartHasAName()
+    {
+        const MainWindow window;
+        QString nameless;
+        const auto parts = window.findChildren<QWidget *>();
+        for (QWidget *part : parts) {
+            QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(part);
+            if (accessible->state().focusable && accessible->text(QAccessible::Name).isEmpty() &&
+                !part->objectName().startsWith("qt_"_s))
+                nameless += part->objectName() + QLatin1Char(' ');
+        }
+        QCOMPARE(nameless, QString());
+    }
+
+    void actionsHaveKeysAndTheirTurn()
+    {
+        const MainWindow window;
+        QStringList keys;
+        const auto actions = window.findChildren<QAction *>(QRegularExpression("^action"_s));
+        for (const QAction *action : actions)
+            keys += action->objectName().mid(6) + QLatin1Char(' ') + action->shortcut().toString();
+        QCOMPARE(keys.join(QLatin1Char('|')),
+                 "OpenOutputFolder Ctrl+O|PlayLatestVideo Ctrl+L|PlaySelectedVideo Ctrl+Shift+L|"
+                 "CreateRoiVideo Ctrl+I|StartAcquisition Ctrl+Return|StopAcquisition Ctrl+.|Exit |"
+                 "RefreshCatalog F5|HelpOrvik F1|License "_s);
+        QStringList afterTheLog;
+        const QWidget *next = part<QTextEdit>(window, "log");
+        while (afterTheLog.size() < 3) {
+            next = next->nextInFocusChain();
+            if (const auto *button = qobject_cast<const QToolButton *>(next))
+                afterTheLog += button->text();
+        }
+        QCOMPARE(afterTheLog, QStringList({"Start acquisition"_s, "Stop"_s, "Open ./out"_s}));
+    }
+
+    void refusedStartSavesSettingsAndKeepsTheLog()
+    {
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        const QString cadence = "acquisition/cadenceSeconds"_s;
+        part<QSpinBox>(window, "cadenceSpin")->setValue(7);
+        const BoxCloser boxes;
+        QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
+        QCOMPARE(userSettings().value(cadence).toInt(), 7);
+        QVERIFY(logText(window).contains("Loaded cached catalog: "_s));
+        part<QSpinBox>(window, "cadenceSpin")->setValue(8);
+        part<QCheckBox>(window, "keepFramesCheck")->setChecked(false);
+        part<QCheckBox>(window, "createVideosCheck")->setChecked(false);
+        WindowFixture::clickToolButton(window, "actionStartAcquisition");
+        QCOMPARE(userSettings().value(cadence).toInt(), 7);
+        QCOMPARE(boxes.shown, QStringList({"Orvik: Select at least one Helioviewer datasource."_s,
+                                           "Orvik: Enable PNG frame storage or MP4 creation."_s}));
+        QVERIFY(!part<QAction>(window, "actionStopAcquisition")->isEnabled());
+    }
+
+    void presetCountsUntilTheUserSaved()
+    {
+        TestFolder::setKey("acquisition/cadenceSeconds"_s, 120);
+        TestFolder::setKey("video/sourceOverlay"_s, false);
+        MainWindow window;
+        QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 120);
+        QVERIFY(part<QCheckBox>(window, "sourceOverlayCheck")->isChecked());
+        part<QSplitter>(window, "catalogSplitter")->setSizes({200, 700});
+        window.close();
+        QCOMPARE(userSettings().allKeys().size(), 17);
+        TestFolder::setKey("acquisition/cadenceSeconds"_s, 240);
+        const MainWindow next;
+        QCOMPARE(part<QSpinBox>(next, "cadenceSpin")->value(), 120);
+        QCOMPARE(part<QSplitter>(next, "catalogSplitter")->saveState(),
+                 part<QSplitter>(window, "catalogSplitter")->saveState());
+    }
+
+    void brokenCacheAsksTheService()
+    {
+        WindowFixture::writeCatalog(QByteArray(catalog).left(40));
+        TestFolder::setKey("network/apiBase"_s, nowhere);
+        const BoxCloser boxes;
+        const MainWindow window;
+        const auto *refresh = part<QPushButton>(window, "refreshButton");
+        QVERIFY(!refresh->isEnabled());
+        QTRY_COMPARE_WITH_TIMEOUT(boxes.shown.size(), 1, 20'000);
+        QVERIFY(refresh->isEnabled());
+        QVERIFY(boxes.shown.first().startsWith("Helioviewer: getDataSources failed:\n"_s));
+        QVERIFY(logText(window).contains("] ERROR getDataSources: curl: (7)"_s));
+        QCOMPARE(part<QDockWidget>(window, "logWidget")->windowTitle(), "Log  -  ERR 1 / WARN 0"_s);
+    }
+
+    void answersOfTheService()
+    {
+        const QString name = "sys/helioviewer_sources.json"_s;
+        const QJsonObject error{{"error"_s, QJsonObject{{"x"_s, 1}}}};
+        WindowFixture::reset();
+        TestFolder::setKey("network/apiBase"_s, nowhere);
+        const BoxCloser boxes;
+        MainWindow window;
+        const auto *tree = part<QTreeWidget>(window, "sourcesTree");
+        receive(window, error);
+        QVERIFY(tree->topLevelItemCount() == 0 && !QFile::exists(TestFolder::path(name)));
+        receive(window, {{"x"_s, QJsonObject()}}); // so far there is nothing to lose
+        QVERIFY(tree->topLevelItemCount() == 1 && QFile::exists(TestFolder::path(name)));
+        receive(window, {});
+        QCOMPARE(tree->topLevelItemCount(), 1);
+        TestFolder::setKey("paths/catalog"_s, "bin"_s); // a folder
+        receive(window, {{"y"_s, QJsonObject{{"sourceId"_s, 1}}}});
+        const QString log = logText(window);
+        QCOMPARE(log.count("The answer holds no datasource."_s), 2);
+        QCOMPARE(log.count("] Helioviewer datasource catalog updated.\n"_s), 1);
+        QCOMPARE(log.count("] WARNING: unable to save catalog cache in ./sys.\n"_s), 1);
+    }
+
+    void emptyCacheIsShownAndCostsNoTicks()
+    {
+        WindowFixture::writeCatalog("{}");
+        const QString ticks = "sources/selectedIds"_s;
+        userSettings().setValue(ticks, QStringList("10"_s));
+        MainWindow window;
+        QVERIFY(logText(window).contains("Loaded cached catalog: "_s));
+        QVERIFY(!logText(window).contains("curl: "_s));
+        window.close();
+        QCOMPARE(userSettings().value(ticks).toStringList(), QStringList("10"_s));
+    }
+
+    void actionsReachTheDesktop()
+    {
+        const TestFolder::OutputRoot root;
+        const BoxCloser boxes;
+        part<QAction>(MainWindow(), "actionPlayLatestVideo")->trigger();
+        QCOMPARE(
+            boxes.shown.join(QLatin1Char('|')),
+            "Play latest video: No MP4 video was found under:\n%1\n\nSelect a video manually?"_s
+                .arg(root.path()));
+        const QString film = root.path() + "/%1 film.mp4"_s;
+        const QString help = TestFolder::path("doc/help.html"_s);
+        QDir().mkpath(TestFolder::path("doc"_s));
+        for (const QString &file : {film, help})
+            QVERIFY(QFile(file).open(QIODevice::WriteOnly));
+        QDesktopServices::setUrlHandler("file"_s, this, "open");
+        MainWindow window;
+        window.show();
+        for (const char *action :
+             {"actionPlayLatestVideo", "actionOpenOutputFolder", "actionHelpOrvik", "actionExit"})
+            part<QAction>(window, action)->trigger();
+        QDesktopServices::unsetUrlHandler("file"_s);
+        QCOMPARE(m_opened, QVector<QString>({film, root.path(), help}));
+        QVERIFY(logText(window).contains("Playing video: "_s + film));
+        QVERIFY(!window.isVisible());
+    }
+
+    void stoppedAndClosedAtEveryStage_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("stage");
+        QTest::addColumn<int>("end");                        // a signal, or one of those above
+        for (const int end : {stopping, closing, SIGTERM}) { // each signal is heard once
+            QTest::addRow("probing, %d", end) << "GOES-R SUVI 195 "
+                                              << "Analyzing" << end;
+            QTest::addRow("downloading, %d", end) << "AIA 171 "
+                                                  << "AIA 171  " << (end > 0 ? SIGHUP : end);
+            QTest::addRow("encoding, %d", end) << "AIA 171 "
+                                               << "Encoding videos" << (end > 0 ? SIGINT : end);
+        }
+    }
+
+    void stoppedAndClosedAtEveryStage()
+    {
+        QFETCH(QString, source);
+        QFETCH(QString, stage);
+        QFETCH(int, end);
+        const TestFolder::OutputRoot output;
+        bool hasActed = false;
+        {
+            MainWindow window;
+            prepareRun(window, source);
+            connect(&m_signals, &TerminationSignals::received, &window, &MainWindow::shutDown);
+            const QStringList idleParts = enabledParts(window);
+            QCOMPARE(idleParts.size(), 18);
+            const auto act = [&] {
+                QCOMPARE(enabledParts(window), QStringList("actionStopAcquisition"_s));
+                part<QAction>(window, "actionRefreshCatalog")->trigger();
+                WindowFixture::clickLeaf(window, "AIA 193 "_s);
+                if (end > 0)
+                    std::raise(end);
+                else if (end == closing)
+                    window.close();
+                else {
+                    WindowFixture::clickToolButton(window, "actionStopAcquisition");
+                    QVERIFY(QMetaObject::invokeMethod(&window, "stopAcquisition"));
+                }
+            };
+            connect(window.findChild<AcquisitionController *>(),
+                    &AcquisitionController::stateChanged, &window, [&](const QString &text) {
+                        if (text.startsWith(stage) && !std::exchange(hasActed, true))
+                            QTimer::singleShot(0, &window, act);
+                    });
+            WindowFixture::clickToolButton(window, "actionStartAcquisition");
+            QCOMPARE(part<QLabel>(window, "previewLabel")->text(),
+                     "Waiting for the first accepted frame..."_s);
+            QTRY_VERIFY_WITH_TIMEOUT(hasActed, 20'000);
+            if (end != stopping)
+                QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), 20'000);
+            if (end != closing) {
+                QTRY_COMPARE_WITH_TIMEOUT(enabledParts(window), idleParts, 20'000);
+                QCOMPARE(window.statusBar()->currentMessage(), "Ready"_s);
+            }
+            QCOMPARE(logText(window).count("Session canceled."_s), end == closing ? 0 : 1);
+            QCOMPARE(WindowFixture::findLeaf(window, "AIA 193 "_s)->checkState(0), Qt::Unchecked);
+        }
+        QCOMPARE(m_server.requestCount(Operation::GetDataSources), 0);
+        const QDir session(output.path() + "/20240501_120000__20240501_120300"_s);
+        QVERIFY(session.exists("manifest.csv"_s));
+        QCOMPARE(session.exists("session.json"_s), end != closing);
+    }
+
 private:
+    static void receive(MainWindow &window, const QJsonObject &catalogAnswer)
+    {
+        QVERIFY(QMetaObject::invokeMethod(&window, "onCatalogReceived",
+                                          Q_ARG(QJsonObject, catalogAnswer)));
+    }
+
+    /// A window on the service, with one datasource ticked.
+    void prepareRun(MainWindow &window, const QString &source)
+    {
+        TestFolder::setKey("network/apiBase"_s, m_server.baseUrl());
+        QVERIFY(QMetaObject::invokeMethod(&window, "refreshSources"));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QTRY_VERIFY(part<QPushButton>(window, "refreshButton")->isEnabled());
+        const QDateTime start(QDate(2024, 5, 1), QTime(12, 0), Qt::UTC);
+        part<QDateTimeEdit>(window, "startEdit")->setDateTime(start);
+        part<QDateTimeEdit>(window, "endEdit")->setDateTime(start.addSecs(180));
+        part<QSpinBox>(window, "widthSpin")->setValue(128);
+        WindowFixture::clickLeaf(window, source);
+        m_server.clearJournal();
+    }
+
+    TerminationSignals m_signals;
+    Simulator::Server m_server{Simulator::Archive::sample()};
     QVector<QString> m_opened;
 };
-
-void TestMainWindow::init()
-{
-    WindowFixture::reset();
-    WindowFixture::writeCatalog(catalog);
-    m_opened.clear();
-}
-
-void TestMainWindow::everyInteractivePartHasANameAndAKey()
-{
-    MainWindow window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowActive(&window));
-    auto *tabs = window.findChild<QTabWidget *>();
-    for (int tab = 0; tab < tabs->count(); ++tab) {
-        tabs->setCurrentIndex(tab);
-        QCOMPARE(nameless(QAccessible::queryAccessibleInterface(&window)).join(QLatin1Char(' ')),
-                 QString());
-    }
-    QWidget *start = part<QToolBar>(window, "mainToolBar")
-                         ->widgetForAction(part<QAction>(window, "actionStartAcquisition"));
-    for (int presses = 0; window.focusWidget() != start && presses < 40; ++presses)
-        QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
-    QCOMPARE(window.focusWidget(), start);
-    part<QToolBar>(window, "mainToolBar")->hide();
-    BoxCloser boxes; // no datasource is ticked
-    QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
-    QCOMPARE(boxes.shown.size(), 1);
-    const QFontMetrics log = part<QTextEdit>(window, "log")->fontMetrics();
-    QCOMPARE(log.horizontalAdvance(QStringLiteral("iiii")),
-             log.horizontalAdvance(QStringLiteral("WWWW")));
-}
-
-void TestMainWindow::detailsFollowCurrentAndSampling()
-{
-    userSettings().setValue(QStringLiteral("sources/currentId"), 10);
-    MainWindow window;
-    const auto *details = part<QTextBrowser>(window, "catalogInfo");
-    QVERIFY(QMetaObject::invokeMethod(&window, "onSourceTimingAnalyzed", Q_ARG(int, 10),
-                                      Q_ARG(int, 9), Q_ARG(int, 240), Q_ARG(int, 240),
-                                      Q_ARG(int, 240)));
-    QVERIFY(details->toPlainText().contains(QStringLiteral("requested sampling is 1 min")));
-    part<QSpinBox>(window, "cadenceSpin")->stepUp();
-    QVERIFY(details->toPlainText().contains(QStringLiteral("not prepared yet")));
-
-    part<QDateTimeEdit>(window, "startEdit")
-        ->setDateTime(part<QDateTimeEdit>(window, "endEdit")->dateTime());
-    part<QSpinBox>(window, "fpsSpin")->setValue(50);
-    QCOMPARE(part<QLabel>(window, "estimateLabel")->text(),
-             QStringLiteral("Nominal estimate: 1 frame(s) per datasource  |  video 00:00:00.020 @ "
-                            "50 fps"));
-}
-
-void TestMainWindow::refusedStartSavesSettingsAndKeepsTheLog()
-{
-    MainWindow window;
-    window.show();
-    part<QSpinBox>(window, "cadenceSpin")->setValue(7);
-    BoxCloser boxes;
-    WindowFixture::clickToolButton(window, "actionStartAcquisition");
-    QCOMPARE(userSettings().value(QStringLiteral("acquisition/cadenceSeconds")).toInt(), 7);
-    QVERIFY(logText(window).contains(QStringLiteral("Loaded cached catalog: ")));
-
-    part<QSpinBox>(window, "cadenceSpin")->setValue(8);
-    part<QCheckBox>(window, "keepFramesCheck")->setChecked(false);
-    part<QCheckBox>(window, "createVideosCheck")->setChecked(false);
-    WindowFixture::clickToolButton(window, "actionStartAcquisition");
-    QCOMPARE(userSettings().value(QStringLiteral("acquisition/cadenceSeconds")).toInt(), 7);
-    QCOMPARE(boxes.shown,
-             QStringList({QStringLiteral("Orvik: Select at least one Helioviewer datasource."),
-                          QStringLiteral("Orvik: Enable PNG frame storage or MP4 creation.")}));
-    QVERIFY(!part<QAction>(window, "actionStopAcquisition")->isEnabled());
-}
-
-void TestMainWindow::presetCountsUntilTheUserSaved()
-{
-    TestFolder::setKey(QStringLiteral("acquisition/cadenceSeconds"), 120);
-    TestFolder::setKey(QStringLiteral("video/sourceOverlay"), false);
-    MainWindow window;
-    QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 120);
-    QVERIFY(part<QCheckBox>(window, "sourceOverlayCheck")->isChecked());
-    window.close();
-    TestFolder::setKey(QStringLiteral("acquisition/cadenceSeconds"), 240);
-    QCOMPARE(part<QSpinBox>(MainWindow(), "cadenceSpin")->value(), 120);
-}
-
-void TestMainWindow::wrongStoredValues()
-{
-    MainWindow().close();
-    const QStringList keys = userSettings().allKeys();
-    QVERIFY(keys.size() >= 17);
-    const QStringList texts = {QStringLiteral("abc"), QStringLiteral("13")};
-    for (const QVariant &value : {QVariant(texts), QVariant(QByteArray("\0\xff\x01", 3)),
-                                  QVariant(QString(500'000, QLatin1Char('x')))}) {
-        for (const QString &key : keys)
-            userSettings().setValue(key, value);
-        userSettings().sync();
-        const MainWindow window;
-        QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 1);
-        QCOMPARE(part<QSpinBox>(window, "crfSpin")->value(), 0);
-        QVERIFY(part<QDateTimeEdit>(window, "startEdit")->dateTime().isValid());
-        QCOMPARE(WindowFixture::findLeaf(window, QStringLiteral("<b>AIA"))->checkState(0),
-                 value.type() == QVariant::StringList ? Qt::Checked : Qt::Unchecked);
-    }
-}
-
-void TestMainWindow::brokenCacheAsksTheService()
-{
-    WindowFixture::writeCatalog(QByteArray(catalog).left(40));
-    TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9/<i>"));
-    BoxCloser boxes;
-    const MainWindow window;
-    const auto *refresh = part<QPushButton>(window, "refreshButton");
-    QVERIFY(!refresh->isEnabled());
-    QTRY_COMPARE_WITH_TIMEOUT(boxes.shown.size(), 1, 20'000);
-    QVERIFY(refresh->isEnabled());
-    QVERIFY(
-        boxes.shown.first().startsWith(QStringLiteral("Helioviewer: getDataSources failed:\n")));
-    QVERIFY(logText(window).contains(QStringLiteral("] ERROR getDataSources: curl: (7)")));
-    QCOMPARE(part<QDockWidget>(window, "logWidget")->windowTitle(),
-             QStringLiteral("Log  -  ERR 1 / WARN 0"));
-}
-
-void TestMainWindow::answerWithoutDatasourcesIsAnError()
-{
-    WindowFixture::reset();
-    const QJsonObject error{{QStringLiteral("error"), QJsonObject{{QStringLiteral("errno"), 12}}}};
-    const QString cache = TestFolder::path(QStringLiteral("sys/helioviewer_sources.json"));
-    TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9"));
-    for (const bool first : {true, false}) {
-        if (!first)
-            WindowFixture::writeCatalog(catalog);
-        BoxCloser boxes;
-        MainWindow window;
-        const int items = part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount();
-        QCOMPARE(items, first ? 0 : 1);
-        for (const QJsonObject &answer : {error, first ? error : QJsonObject()})
-            QVERIFY(QMetaObject::invokeMethod(&window, "onCatalogReceived",
-                                              Q_ARG(QJsonObject, answer)));
-        QCOMPARE(part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount(), items);
-        QCOMPARE(logText(window).count(QStringLiteral("The answer holds no datasource.")), 2);
-        QCOMPARE(QFile::exists(cache), !first);
-    }
-}
-
-void TestMainWindow::emptyCacheIsShownAndCostsNoTicks()
-{
-    WindowFixture::writeCatalog("{}");
-    const QString ticks = QStringLiteral("sources/selectedIds");
-    userSettings().setValue(ticks, QStringList(QStringLiteral("10")));
-    MainWindow window;
-    QVERIFY(logText(window).contains(QStringLiteral("Loaded cached catalog: ")));
-    QVERIFY(!logText(window).contains(QStringLiteral("curl: ")));
-    window.close();
-    QCOMPARE(userSettings().value(ticks).toStringList(), QStringList(QStringLiteral("10")));
-}
-
-void TestMainWindow::vanishedPreviewIsAWarning()
-{
-    MainWindow window;
-    const QString file = QStringLiteral("/no/frame.png");
-    const QDateTime now = QDateTime::currentDateTimeUtc();
-    QVERIFY(QMetaObject::invokeMethod(&window, "onPreviewReady", Q_ARG(QString, QString()),
-                                      Q_ARG(QString, file), Q_ARG(QDateTime, now),
-                                      Q_ARG(QDateTime, now), Q_ARG(qint64, 0)));
-    QVERIFY(
-        logText(window).contains(QStringLiteral("WARNING: unable to load preview image ") + file));
-}
-
-void TestMainWindow::unwritableCacheIsAWarning()
-{
-    TestFolder::setKey(QStringLiteral("paths/catalog"), QStringLiteral("bin")); // a folder
-    TestFolder::setKey(QStringLiteral("network/apiBase"), QStringLiteral("http://127.0.0.1:9"));
-    BoxCloser boxes;
-    MainWindow window;
-    const QJsonObject answer{{QStringLiteral("x"), QJsonObject()}};
-    QVERIFY(QMetaObject::invokeMethod(&window, "onCatalogReceived", Q_ARG(QJsonObject, answer)));
-    QCOMPARE(part<QTreeWidget>(window, "sourcesTree")->topLevelItemCount(), 1);
-    QVERIFY(logText(window).contains(
-        QStringLiteral("WARNING: unable to save catalog cache in ./sys.")));
-    QVERIFY(!logText(window).contains(QStringLiteral("catalog updated.")));
-}
-
-void TestMainWindow::playsTheNewestVideo()
-{
-    const TestFolder::OutputRoot root;
-    const QString film = root.path() + QStringLiteral("/%1 film.mp4");
-    QVERIFY(QFile(film).open(QIODevice::WriteOnly));
-    QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open");
-    const MainWindow window;
-    part<QAction>(window, "actionPlayLatestVideo")->trigger();
-    part<QAction>(window, "actionOpenOutputFolder")->trigger();
-    QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
-    QCOMPARE(m_opened, QVector<QString>({film, root.path()}));
-    QVERIFY(logText(window).contains(QStringLiteral("Playing video: ") + film));
-}
 
 QTEST_MAIN(TestMainWindow)
 #include "tst_mainwindow.moc"

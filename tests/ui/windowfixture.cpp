@@ -1,5 +1,6 @@
 #include "tests/ui/windowfixture.h"
 
+#include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QAbstractButton>
@@ -9,31 +10,26 @@
 #include <QTreeWidget>
 #include <QtTest>
 
-void WindowFixture::isolateUserSettings()
-{
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
-                       TestFolder::path(QStringLiteral("config")));
-}
-
 QSettings &WindowFixture::userSettings()
 {
-    static QSettings settings(QStringLiteral("Brannock Works"), QStringLiteral("Orvik"));
+    static QSettings settings("Brannock Works"_s, "Orvik"_s);
     settings.sync();
     return settings;
 }
 
 void WindowFixture::reset()
 {
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, TestFolder::path("config"_s));
     userSettings().clear();
     userSettings().sync();
     TestFolder::clearKeys();
-    QFile::remove(TestFolder::path(QStringLiteral("sys/helioviewer_sources.json")));
+    QFile::remove(TestFolder::path("sys/helioviewer_sources.json"_s));
 }
 
 void WindowFixture::writeCatalog(const QByteArray &json)
 {
-    QDir().mkpath(TestFolder::path(QStringLiteral("sys")));
-    QFile file(TestFolder::path(QStringLiteral("sys/helioviewer_sources.json")));
+    QDir().mkpath(TestFolder::path("sys"_s));
+    QFile file(TestFolder::path("sys/helioviewer_sources.json"_s));
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(json);
 }
@@ -69,15 +65,16 @@ QString WindowFixture::logText(const MainWindow &window)
     return part<QTextEdit>(window, "log")->toPlainText();
 }
 
-WindowFixture::BoxCloser::BoxCloser(QMessageBox::StandardButton answer)
+WindowFixture::BoxCloser::BoxCloser()
 {
     auto *timer = new QTimer(this);
-    connect(timer, &QTimer::timeout, this, [this, answer] {
+    connect(timer, &QTimer::timeout, this, [this] {
         auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (box == nullptr || box->button(answer) == nullptr)
+        if (box == nullptr)
             return;
-        shown.append(box->windowTitle() + QStringLiteral(": ") + box->text());
-        QTest::mouseClick(box->button(answer), Qt::LeftButton);
+        QCOMPARE(box->textFormat(), Qt::PlainText); // a path or an answer may look like markup
+        shown.append(box->windowTitle() + ": "_s + box->text());
+        QTest::mouseClick(box->buttons().constLast(), Qt::LeftButton);
     });
     timer->start(0);
 }

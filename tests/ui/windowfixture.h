@@ -10,16 +10,15 @@
 /// What the tests of the whole window share.
 namespace WindowFixture {
 
-/// Keeps the settings of whoever runs the tests out of them; call it first.
-void isolateUserSettings();
-/// Empties user settings, runtime configuration and catalog cache.
+/// Empties user settings, runtime configuration and catalog cache; the user settings are not those
+/// of whoever runs the tests.
 void reset();
 void writeCatalog(const QByteArray &json);
 QSettings &userSettings();
 
 /// A part of the window; the test fails at once when it is missing.
 template<typename Widget>
-Widget *part(const QMainWindow &window, const char *objectName)
+Widget *part(const QWidget &window, const char *objectName)
 {
     auto *found = window.findChild<Widget *>(QLatin1String(objectName));
     if (found == nullptr)
@@ -35,11 +34,11 @@ void clickLeaf(const MainWindow &window, const QString &text);
 QTreeWidgetItem *findLeaf(const MainWindow &window, const QString &text);
 QString logText(const MainWindow &window);
 
-/// Answers message boxes as they come up and remembers what they said.
+/// Accepts message boxes as they come up and remembers what they said.
 class BoxCloser : public QObject
 {
 public:
-    explicit BoxCloser(QMessageBox::StandardButton answer = QMessageBox::Ok);
+    BoxCloser();
 
     QStringList shown; ///< "title: text"
 };

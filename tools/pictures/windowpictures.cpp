@@ -24,7 +24,7 @@ namespace {
 
 constexpr QSize windowSize(1280, 900);
 
-/// A main window, worked through the names of its parts as a user works it with the mouse.
+/// A main window that is operated through the names of its parts.
 class Operator final
 {
 public:
@@ -108,9 +108,8 @@ void takeDetails(Album &album, Operator &op)
     auto *page = op.find<QTextBrowser>("catalogInfo");
     const int missingPx =
         static_cast<int>(page->document()->size().height()) - page->viewport()->height();
-    op.window().resize(op.window().width(), op.window().height() + 2 * missingPx);
-    op.window().resizeDocks({op.find<QDockWidget>("infoDockWidget")},
-                            {page->height() + missingPx + 80}, Qt::Vertical);
+    if (missingPx > 0)
+        op.window().resize(op.window().width(), op.window().height() + missingPx);
     album.addWidget(QStringLiteral("details"), op.find<QWidget>("infoBox"));
 }
 

@@ -14,7 +14,7 @@ namespace WindowPictures {
 /**
  * A first film from the catalog to the finished session.
  *
- * @return folder of the session; empty when it came to no good end
+ * @return folder of the session; empty when the run failed
  */
 QString takeFirstFilm(Album &album);
 

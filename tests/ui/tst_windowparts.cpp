@@ -1,0 +1,263 @@
+#include "tests/support/literals.h"
+#include "ui/acquisitionestimate.h"
+#include "ui/catalogtree.h"
+#include "ui/logview.h"
+#include "ui/outputsearch.h"
+#include "ui/previewpane.h"
+
+#include <QDockWidget>
+#include <QLabel>
+#include <QPainter>
+#include <QTextBlock>
+#include <QTextEdit>
+#include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
+#include <QtTest>
+
+namespace {
+
+constexpr qreal screenRatio = 1.5;
+
+constexpr char catalog[] = R"({
+    "SDO": {"HMI": {"mag": {"sourceId": 19, "nickname": "HMI Mag"}},
+            "AIA": {"171": {"sourceId": 10, "nickname": "AIA 171", "start": "2010", "end": null},
+                    "1600": {"sourceId": 15, "nickname": "AIA 1600"},
+                    "94": {"sourceId": 8, "nickname": "AIA 94", "child": {"sourceId": 99}}}},
+    "Zero": {"sourceId": 0},
+    "Empty": {"a": "text", "b": 7, "c": [{"sourceId": 4}]},
+    "note": "no object"})";
+constexpr char oneBand[] = R"({"SDO": {"171": {"sourceId": 10}}})";
+constexpr char strangeIds[] =
+    R"({"a": {"sourceId": "7"}, "b": {"sourceId": 1e12}, "c": {"sourceId": null}})";
+
+QString create(const QTemporaryDir &folder, const char *name, int ageSeconds)
+{
+    QString path = folder.filePath(QLatin1String(name));
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) ||
+        !file.setFileTime(QDateTime::currentDateTime().addSecs(-ageSeconds),
+                          QFileDevice::FileModificationTime))
+        qFatal("cannot create a file");
+    return path;
+}
+
+/// A frame of one-pixel stripes, which any scaling or shift by half a pixel turns grey.
+QImage stripes(const QSize &size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    QPainter painter(&image);
+    for (int x = 0; x < size.width(); x += 2)
+        painter.fillRect(x, 0, 1, size.height(), Qt::white);
+    return image;
+}
+
+} // namespace
+
+/// What the main window is made of, each part on its own.
+class TestWindowParts : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_tree = std::make_unique<QTreeWidget>();
+        m_selection = {};
+        CatalogTree::prepare(m_tree.get());
+        m_log.clear();
+    }
+
+    void groupsAndLeaves()
+    {
+        fill(catalog);
+        QStringList texts;
+        for (QTreeWidgetItemIterator it(m_tree.get()); *it != nullptr; ++it)
+            texts.append((*it)->text(0));
+        QCOMPARE(texts.join(QLatin1Char('|')),
+                 "Empty|SDO|AIA|AIA 94   [sourceId 8]|AIA 171   [sourceId 10]|"
+                 "AIA 1600   [sourceId 15]|HMI|HMI Mag   [sourceId 19]|"
+                 "Zero   [sourceId 0]"_s);
+        const QTreeWidgetItem *group = item("AIA");
+        QVERIFY(!CatalogTree::isLeaf(group));
+        QVERIFY(!(group->flags() & Qt::ItemIsSelectable));
+        QVERIFY(!group->data(0, Qt::CheckStateRole).isValid());
+        QVERIFY(item("SDO")->isExpanded() && group->isExpanded());
+        QCOMPARE(m_tree->currentItem(), nullptr);
+    }
+
+    void rebuildKeepsWhatStillExists()
+    {
+        m_selection = {{10, 19, 777}, 15};
+        fill(catalog);
+        QCOMPARE(tickedIds(), QVector<int>({10, 19}));
+        QCOMPARE(m_tree->currentItem(), item("AIA 1600   [sourceId 15]"));
+        fill(oneBand);
+        QCOMPARE(tickedIds(), QVector<int>({10}));
+        QCOMPARE(CatalogTree::currentId(m_tree.get()), -1);
+        fill(catalog);
+        QCOMPARE(tickedIds(), QVector<int>({10})); // 19 was gone for one rebuild
+        QCOMPARE(m_tree->currentItem(), nullptr);
+    }
+
+    void aiaPresetReplacesTheSelection()
+    {
+        m_selection = {{15, 19}, 19};
+        fill(catalog);
+        QCOMPARE(CatalogTree::tickAiaBands(m_tree.get()), 2);
+        QCOMPARE(tickedIds(), QVector<int>({8, 10}));
+        QCOMPARE(CatalogTree::currentId(m_tree.get()), 19);
+        CatalogTree::untickAll(m_tree.get());
+        QVERIFY(tickedIds().isEmpty());
+    }
+
+    void strangeCatalogs()
+    {
+        m_selection = {{0}, -1};
+        fill(strangeIds);
+        QCOMPARE(tickedIds().size(), 3);
+        m_tree->clear();
+        m_selection = {{1}, -1};
+        fill(QByteArray("{\"a\":").repeated(900) + "{\"sourceId\":1}" +
+             QByteArray("}").repeated(900));
+        QCOMPARE(tickedIds().size(), 1);
+    }
+
+    void titleCountsUntilCleared()
+    {
+        for (const char *text : {"warning: x failed", "ERROR x", "plain", "ERROR y"})
+            m_log.append(QString::fromLatin1(text));
+        QCOMPARE(m_dock.windowTitle(), "Log  -  ERR 2 / WARN 1"_s);
+        m_log.append("OK x"_s);
+        m_log.append("curl: x"_s);
+        QString formats;
+        for (QTextBlock line = m_edit.document()->begin(); line.length() > 1; line = line.next()) {
+            QTextCursor end(line);
+            end.movePosition(QTextCursor::EndOfBlock);
+            const QTextCharFormat format = end.charFormat();
+            formats += format.foreground().color().name() + QString::number(format.fontWeight());
+        }
+        QCOMPARE(formats, "#ffbe4675#ff5a5a75#00000050#ff5a5a75#5adc7350#69afeb50"_s);
+        m_log.clear();
+        QCOMPARE(m_dock.windowTitle(), "Log  -  ERR 0 / WARN 0"_s);
+        QVERIFY(m_edit.document()->isEmpty());
+    }
+
+    void anyTextIsOneEntry()
+    {
+        m_edit.show();
+        for (const QString &text : {QString(), "a\nb\n\nc"_s, "<b>x</b> &amp; %1"_s,
+                                    "太陽 الشمس ☀"_s, QString(1'000'000, QLatin1Char('x'))}) {
+            m_log.clear();
+            m_log.append(text);
+            m_log.append("next"_s);
+            const QString shown = m_edit.toPlainText();
+            QCOMPARE(shown.mid(11, text.size()), text);
+            QCOMPARE(shown.mid(11 + text.size(), 2), "\n["_s);
+            QVERIFY(shown.endsWith("] next\n"_s));
+            QVERIFY(m_edit.textCursor().atEnd());
+            QVERIFY(!m_edit.document()->isUndoAvailable());
+            QCOMPARE(m_edit.wordWrapMode() == QTextOption::WrapAnywhere, text.size() > 9999);
+        }
+    }
+
+    void durations()
+    {
+        QString texts;
+        for (const int seconds : {0, 59, 60, 61, 3599, 3600, 3661, 5400})
+            texts += AcquisitionEstimate::formatDuration(seconds) + QLatin1Char('|');
+        QCOMPARE(texts, "n/a|59 s|1 min|1 min 1 s|59 min 59 s|1 h|1 h 1 min|90 min|"_s);
+        QCOMPARE(AcquisitionEstimate::formatVideoDuration(90'061'500, 1000), "25:01:01.500"_s);
+        const QDateTime start(QDate(2024, 5, 1), QTime(10, 0), Qt::UTC);
+        for (const auto &[seconds, cadence] : {std::pair(-1, 60), std::pair(60, 0)})
+            QCOMPARE(AcquisitionEstimate::text(start, start.addSecs(seconds), cadence, 25),
+                     "Estimated acquisition: invalid interval or parameters"_s);
+    }
+
+    void newestFilesAtAnyDepth()
+    {
+        const QTemporaryDir folder;
+        create(folder, "shallow.mp4", 11);
+        const QString film = create(folder, "b/AIA/roi.MP4", 10);
+        create(folder, "a/session.json", 11);
+        const QString session = create(folder, "b/session.json", 10);
+        QCOMPARE(OutputSearch::newestVideo(folder.path()), film);
+        QCOMPARE(OutputSearch::newestSession(folder.path()), QFileInfo(session).path());
+        QCOMPARE(OutputSearch::newestSession(folder.filePath("gone"_s)), QString());
+    }
+
+    void frameFillsTheLabelPixelByPixel()
+    {
+        m_label.setAlignment(Qt::AlignCenter);
+        m_label.resize(304, 204);
+        m_label.show();
+        const QImage frame = stripes(QSize(300, 200) * screenRatio);
+        QVERIFY(m_pane.showFrame(frame));
+        QCOMPARE(m_label.text(), QString());
+        QImage shown = m_label.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        shown.setDevicePixelRatio(1.0);
+        QCOMPARE(shown.size(), QSize(304, 204) * screenRatio);
+        QCOMPARE(shown.copy(QRect(QPoint(3, 3), frame.size())), frame);
+    }
+
+    void resizingStartsFromTheWholeFrame()
+    {
+        QVERIFY(m_pane.showFrame(stripes({800, 400})));
+        m_label.resize(1, 1);
+        m_label.resize(404, 404);
+        QCOMPARE(m_label.pixmap(Qt::ReturnByValue).size(), QSize(600, 300));
+        m_label.resize(804, 404);
+        QCOMPARE(m_label.pixmap(Qt::ReturnByValue).size(), QSize(1200, 600));
+    }
+
+    void nothingKeepsTheLastFrame()
+    {
+        QVERIFY(m_pane.showFrame(stripes({40, 40})));
+        const qint64 shown = m_label.pixmap(Qt::ReturnByValue).cacheKey();
+        QVERIFY(!m_pane.showFrame(QImage()));
+        QCOMPARE(m_label.pixmap(Qt::ReturnByValue).cacheKey(), shown);
+        m_pane.clear("Waiting"_s);
+        m_label.resize(500, 500);
+        QCOMPARE(m_label.text(), "Waiting"_s);
+    }
+
+private:
+    QTreeWidgetItem *item(const char *text) const
+    {
+        return m_tree->findItems(QLatin1String(text), Qt::MatchExactly | Qt::MatchRecursive)
+            .value(0);
+    }
+
+    QVector<int> tickedIds() const
+    {
+        QVector<int> ids;
+        const QVector<DataSource> sources = CatalogTree::tickedSources(m_tree.get());
+        for (const DataSource &source : sources)
+            ids.append(source.sourceId);
+        return ids;
+    }
+
+    void fill(const QByteArray &json)
+    {
+        CatalogTree::fill(m_tree.get(), QJsonDocument::fromJson(json).object(), &m_selection);
+    }
+
+    std::unique_ptr<QTreeWidget> m_tree;
+    CatalogTree::Selection m_selection;
+    QTextEdit m_edit;
+    QDockWidget m_dock{"Log"_s};
+    LogView m_log{&m_edit, &m_dock};
+    QLabel m_label;
+    PreviewPane m_pane{&m_label};
+};
+
+int main(int argc, char *argv[])
+{
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(screenRatio));
+    QApplication application(argc, argv);
+    TestWindowParts test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_windowparts.moc"

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "ui/utctyping.h"
+
+#include <QDateTimeEdit>
+
+/**
+ * A date-time edit for UTC in which a stamp can be typed or pasted as it stands.
+ *
+ * Arrow keys, wheel and calendar work as in any such edit. What is typed counts at once, as far as
+ * it is a time; what is none stays in view until the field is left, which then says so and keeps
+ * the time that it had.
+ */
+class UtcEdit final : public QDateTimeEdit
+{
+    Q_OBJECT
+
+public:
+    explicit UtcEdit(QWidget *parent = nullptr);
+
+    /// False while the field shows something that is no time; dateTime() is the last one then.
+    bool showsTime() const;
+
+    void stepBy(int steps) override;
+    /// Takes over text that was pasted, dropped or otherwise put in as a whole.
+    QValidator::State validate(QString &text, int &position) const override;
+
+protected:
+    void changeEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    void reserveWidth();
+    bool typeKey(const QKeyEvent &event);
+    void erase(bool backwards);
+    int insertPosition() const;
+    UtcTyping::Run newRun(int position) const;
+    void showRun();
+    void endRun();
+    void tellNoTime(const QString &text);
+    bool isAllowed(const QDateTime &time) const;
+
+    std::optional<UtcTyping::Run> m_run; // what is being typed
+    int m_cursor = 0;                    // where the text being pasted begins
+};
