@@ -7,7 +7,7 @@ if(CMAKE_INSTALL_PREFIX_INITIALIZED_TO_DEFAULT)
   set_property(CACHE CMAKE_INSTALL_PREFIX PROPERTY VALUE "${CMAKE_BINARY_DIR}/install")
 endif()
 
-install(TARGETS orvik orvik-sessiontool RUNTIME DESTINATION .)
+install(TARGETS orvik orvik-session RUNTIME DESTINATION .)
 install(FILES LICENSE DESTINATION .)
 install(DIRECTORY doc DESTINATION . OPTIONAL)
 install(PROGRAMS packaging/register DESTINATION .)
