@@ -11,7 +11,7 @@ if(CMAKE_INSTALL_PREFIX_INITIALIZED_TO_DEFAULT)
   set_property(CACHE CMAKE_INSTALL_PREFIX PROPERTY VALUE "${CMAKE_BINARY_DIR}/install")
 endif()
 
-set(programs orvik orvik-sessiontool)
+set(programs orvik orvik-session)
 install(TARGETS ${programs} RUNTIME DESTINATION . COMPONENT folder)
 install(FILES LICENSE DESTINATION . COMPONENT folder)
 install(FILES packaging/README DESTINATION . COMPONENT bundle EXCLUDE_FROM_ALL)
