@@ -15,6 +15,8 @@ QTreeWidgetItem *makeItem(const MadeFilm &film)
     auto *item = new QTreeWidgetItem({film.nickname, film.region, QString::number(film.pictures),
                                       QString::number(seconds, 'f', 2)});
     item->setData(0, Qt::UserRole, film.file);
+    for (const int number : {2, 3})
+        item->setTextAlignment(number, int(Qt::AlignRight) | int(Qt::AlignVCenter));
     for (int column = 0; column < item->columnCount(); ++column)
         item->setToolTip(column, QDir::toNativeSeparators(film.file).toHtmlEscaped());
     return item;

@@ -72,6 +72,7 @@ protected:
 
 private:
     bool stepBy(QKeyEvent *event);
+    bool pageBy(int key);
     void wantFrame(int index);
     void showWanted();
     void showNone(const QString &text);

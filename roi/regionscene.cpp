@@ -93,6 +93,10 @@ void RegionScene::showRegions(const QVector<RegionMark> &regions, int current)
 void RegionScene::drawForeground(QPainter *painter, const QRectF & /*exposed*/)
 {
     painter->save();
+    if (m_current >= 0) { // also where another region lies on top of it
+        painter->setPen(regionPen(m_framePixmap.width(), true));
+        painter->drawRect(m_regions.at(m_current).pixels);
+    }
     painter->resetTransform();
     painter->setFont(m_view->font());
     for (int row = 0; row < m_regions.size(); ++row) {

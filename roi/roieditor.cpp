@@ -388,8 +388,10 @@ void RoiEditor::showFields()
     m_ui->rotationCombo->setEnabled(roi);
     const QSignalBlocker quiet(m_ui->rotationCombo);
     const QString name = roi ? roi->name : QString();
-    if (m_ui->nameEdit->text() != name) // while it is typed the cursor stays
+    if (m_ui->nameEdit->text() != name) { // while it is typed the cursor stays
         m_ui->nameEdit->setText(name);
+        m_ui->nameEdit->setCursorPosition(0); // a long name is read from its beginning
+    }
     m_ui->rotationCombo->setCurrentIndex(roi ? RoiGeometry::rotationIndex(roi->rotation) : 0);
     if (roi && !m_frameSize.isEmpty())
         showGeometry(RoiGeometry::pixelRect(roi->rect, m_frameSize));

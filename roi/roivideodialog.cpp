@@ -50,7 +50,7 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     m_ui->splitter->setStretchFactor(0, 2); // the pictures take what there is
     m_ui->splitter->setStretchFactor(1, 1);
-    m_ui->splitter->setSizes({620, 300, 400}); // only their ratio counts
+    m_ui->splitter->setSizes({550, 350, 400}); // only their ratio counts
     connectWidgets();
     connectFrames();
     connectRun();

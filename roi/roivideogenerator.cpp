@@ -134,6 +134,8 @@ bool RoiVideoGenerator::writeIntro(const RoiJob &job)
         const QString path = job.picturePath(index);
         const QImage picture =
             RoiPicture::ofIntro(*m_zoom, first, job.roi(), job.look(), index, count);
+        if (!letOthersIn())
+            return false;
         if (!PngWriter::save(picture, path))
             return fail(
                 tr("Cannot save temporary zoom frame:\n%1").arg(QDir::toNativeSeparators(path)));
@@ -179,8 +181,11 @@ bool RoiVideoGenerator::writeFrame(Jobs &jobs, size_t current, int index)
         return fail(tr("Cannot decode frame:\n%1").arg(QDir::toNativeSeparators(frame.file)));
     if (!letOthersIn())
         return false;
+    const QImage picture = RoiPicture::ofFrame(decoded, frame, job.roi(), job.look());
+    if (!letOthersIn())
+        return false;
     const QString path = job.picturePath(job.firstSequencePicture() + index);
-    if (!PngWriter::save(RoiPicture::ofFrame(decoded, frame, job.roi(), job.look()), path))
+    if (!PngWriter::save(picture, path))
         return fail(tr("Cannot save temporary ROI frame:\n%1").arg(QDir::toNativeSeparators(path)));
     return writeAhead(jobs, current, decoded, index);
 }
@@ -192,13 +197,16 @@ bool RoiVideoGenerator::writeAhead(Jobs &jobs, size_t current, const QImage &dec
     if (current + 1 == jobs.size() || !canWriteAhead(jobs.at(current).framesFolder()))
         return true;
     for (size_t next = current + 1; next < jobs.size(); ++next) {
+        RoiJob &job = jobs.at(next);
         if (!letOthersIn())
             return false;
-        RoiJob &job = jobs.at(next);
-        const RoiSourceFrame &frame = job.frames().at(index);
-        if (job.picturesAhead() == index && QDir().mkpath(job.framesFolder()) &&
-            PngWriter::save(RoiPicture::ofFrame(decoded, frame, job.roi(), job.look()),
-                            job.picturePath(job.firstSequencePicture() + index)))
+        if (job.picturesAhead() != index || !QDir().mkpath(job.framesFolder()))
+            continue;
+        const QImage picture =
+            RoiPicture::ofFrame(decoded, job.frames().at(index), job.roi(), job.look());
+        if (!letOthersIn())
+            return false;
+        if (PngWriter::save(picture, job.picturePath(job.firstSequencePicture() + index)))
             job.countPictureAhead();
     }
     return true;

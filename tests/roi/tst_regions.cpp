@@ -1,6 +1,8 @@
 #include "roi/regionmarks.h"
 #include "roi/roiframe.h"
 #include "roi/roigeometry.h"
+#include "roi/samescale.h"
+#include "roi/solarposition.h"
 #include "tests/roi/testsession.h"
 
 #include <QPainter>
@@ -8,6 +10,7 @@
 
 #include <climits>
 #include <limits>
+#include <tuple>
 
 /// Where regions lie in pixels, how they are turned, cut and zoomed to.
 class TestRegions : public QObject
@@ -69,6 +72,43 @@ private slots:
         QCOMPARE(RegionMarks::nameBox({270, 10, 90, 90}, name, sight), QRectF({250, 10}, name));
         QCOMPARE(RegionMarks::nameBox({-90, -90, 999, 100}, name, sight), QRectF({0, 0}, name));
         QVERIFY(RegionMarks::nameBox({-90, -90, 80, 80}, name, sight).isEmpty());
+    }
+
+    void placesOnTheSun()
+    {
+        const auto image = [](double native, double rsun, double x, double y) {
+            const QString json = QStringLiteral(
+                R"({"width":%1, "height":%1, "rsun":%2, "refPixelX":%3, "refPixelY":%4})");
+            return QJsonDocument::fromJson(
+                       json.arg(native).arg(rsun, 0, 'f', 3).arg(x).arg(y).toUtf8())
+                .object();
+        };
+        const QJsonObject aia = image(4096, 1583.861, 2048.5, 2048.5);
+        const QJsonObject eit = image(1024, 365.232, 512.74, 521.95);
+        const QSize frame(1024, 1024);
+        // The centre of the disk, an active region, the limb in the west and in the north.
+        const std::tuple<QPointF, QJsonObject, const char *> places[] = {
+            {{512.125, 512.125}, aia, "+0.000, y +0.000, r 0.000 R☉   |   x +0.0, y +0.0, r 0.0"},
+            {{300, 400}, aia, "-0.536, y +0.283, r 0.606 R☉   |   x -372.7, y +197.0, r 421.6"},
+            {{877.972, 521.95},
+             eit,
+             "+1.000, y +0.000, r 1.000 R☉   |   x +695.7, y +0.0, r 695.7"},
+            {{512, 425.36},
+             image(1024, 80.64, 512, 506),
+             "+0.000, y +1.000, r 1.000 R☉   |   x +0.0, y +695.7, r 695.7"}};
+        for (const auto &[pixel, metadata, text] : places)
+            QCOMPARE(SolarPosition::pixelText(pixel, frame, metadata),
+                     QStringLiteral("Cursor: x %1 Mm").arg(QString::fromUtf8(text)));
+        QCOMPARE(SolarPosition::sizeText({256, 128}, frame, eit),
+                 QStringLiteral("Region: 0.701 x 0.350 R\u2609   |   487.6 x 243.8 Mm"));
+        QVERIFY(SolarPosition::pixelText({1, 1}, frame, {}).isEmpty());
+        const QVector<SameScale::Source> sources{
+            {QStringLiteral("AIA"), aia},
+            {QStringLiteral("EIT"), eit},
+            {QStringLiteral("near"), image(4096, 1599, 2048.5, 2048.5)},
+            {QStringLiteral("moved"), image(4096, 1599, 2048.5, 1960)}};
+        QVERIFY(SameScale::warning(sources).endsWith(
+            QLatin1String("as in AIA: EIT (1.08 times as wide), moved (shifted).")));
     }
 
     void rotations()

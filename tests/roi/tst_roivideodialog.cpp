@@ -16,7 +16,9 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSlider>
 #include <QTimer>
+#include <QTreeWidget>
 #include <QtTest>
 #include <QWheelEvent>
 
@@ -106,6 +108,8 @@ private slots:
         QTest::keyClick(list()->findChild<QLineEdit *>(), Qt::Key_Return);
         QTRY_COMPARE(list()->currentItem()->text(), QString(80, QLatin1Char('n')));
         find<QComboBox>("rotationCombo")->setCurrentIndex(1);
+        QTRY_COMPARE(find<QLabel>("resultCaption")->text(),
+                     QStringLiteral("72 x 128 px, 3 frame(s), 0.60 s"));
         spin("xSpin")->setFocus();
         for (int step = 0; step < 3; ++step)
             QTest::keyClick(spin("xSpin"), Qt::Key_Up);
@@ -207,6 +211,25 @@ private slots:
         QVERIFY(FakeProgram::runs(curl).constFirst().arguments.last().contains(
             QLatin1String("00:00Z")));
         QCOMPARE(m_stored->contents(), before);
+    }
+
+    void onlyTheGoodFramesAreFilmed()
+    {
+        drawTwo();
+        for (const char *frame : {"AIA_171/frame_0.png", "AIA_171/frame_2.png"})
+            m_stored->write(frame, "damaged");
+        find<QAbstractButton>("playButton")->click();
+        QTRY_COMPARE(find<QSlider>("frameSlider")->value(), 2);
+        QTest::keyClick(view(), Qt::Key_PageUp);
+        for (const char *end : {"fromButton", "toButton"})
+            find<QAbstractButton>(end)->click();
+        toggle({"allSourcesCheck"});
+        click("generateButton");
+        const QString last = m_stored->filePath("HMI/HMI__ROI_02_ROI_2.mp4");
+        QCOMPARE(filmShape(last), QStringLiteral("32,24,5/1,1"));
+        const QTreeWidgetItem *film = find<QTreeWidget>("filmTree")->topLevelItem(3);
+        QCOMPARE(film->text(0) + film->text(3), QStringLiteral("HMI0.20"));
+        QCOMPARE(film->data(0, Qt::UserRole).toString(), last);
     }
 
     void closeEndsAWaitForTheService()
