@@ -52,7 +52,7 @@ private:
     void measureNames(const QVector<RegionMark> &before);
     QRectF onScreen(int row) const;
     QRectF nameBox(int row) const;
-    void drawName(QPainter &painter, int row) const;
+    void drawMark(QPainter &painter, int row) const;
 
     /// A name as it is drawn.
     struct Label
