@@ -250,7 +250,7 @@ void FramePanel::showNone(const QString &text)
     emit frameChanged();
 }
 
-/// Nothing at all is shown where the metadata do not tell it.
+/// Shows nothing where the metadata do not tell the position.
 void FramePanel::showCursor(const QPointF &pixel)
 {
     const bool inside = QRectF(m_image.rect()).contains(pixel);
@@ -258,11 +258,11 @@ void FramePanel::showCursor(const QPointF &pixel)
     m_ui->cursorLabel->setText(inside || text.isEmpty() ? text : tr("Cursor: --"));
 }
 
-/// Whatever the lines below the canvas tell, its own size stays as it is.
+/// Gives the lines below the canvas a fixed height, so that the canvas keeps its size.
 void FramePanel::keepHeights()
 {
     for (QLabel *line : {m_ui->cursorLabel, m_ui->regionLabel}) {
-        line->setText(QStringLiteral("R\u2609")); // a sign that another font may have to lend
+        line->setText(QStringLiteral("R\u2609")); // the sign may come from a taller fallback font
         line->setFixedHeight(line->sizeHint().height());
         line->clear();
     }

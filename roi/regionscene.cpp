@@ -162,5 +162,6 @@ void RegionScene::drawMark(QPainter &painter, int row) const
         return;
     painter.fillRect(box, nameBackground);
     painter.setPen(regionColor(row == m_current));
-    painter.drawText(box, int(Qt::AlignCenter) | int(Qt::TextSingleLine), m_labels.at(row).text);
+    painter.drawText(box, static_cast<int>(Qt::AlignCenter) | static_cast<int>(Qt::TextSingleLine),
+                     m_labels.at(row).text);
 }

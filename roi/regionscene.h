@@ -20,7 +20,7 @@ class RegionScene final : public QGraphicsScene
     Q_OBJECT
 
 public:
-    /// What the mouse is on: a region, by its row in the list, and what to take hold of.
+    /// What is under the mouse: the row of a region in the list, and the part to take hold of.
     struct Hit
     {
         int row = -1;

@@ -17,8 +17,8 @@ constexpr int restMs = 150;
 constexpr QSize smallestPx(200, 150);
 constexpr QSize usualPx(300, 260);
 
-/// By what both sides of a frame are divided for a region of @p size to be shown quickly; 1 when
-/// it is small enough.
+/// By what both sides of a frame are to be divided so that a region of @p size is shown quickly; 1
+/// when it is small enough.
 int draftDivisor(const QSize &size)
 {
     const double pixels = static_cast<double>(size.width()) * size.height();
@@ -62,7 +62,8 @@ protected:
         if (m_image.isNull()) {
             painter.setPen(palette().color(QPalette::Text));
             painter.drawText(rect().adjusted(8, 8, -8, -8),
-                             int(Qt::AlignCenter) | int(Qt::TextWordWrap), m_text);
+                             static_cast<int>(Qt::AlignCenter) | static_cast<int>(Qt::TextWordWrap),
+                             m_text);
             return;
         }
         const QSize size = m_image.size().scaled(rect().size(), Qt::KeepAspectRatio);
@@ -139,7 +140,7 @@ void ResultView::finish()
     m_draftFrame = {};
 }
 
-/// The frame with fewer pixels; kept while it is the same frame that is looked at.
+/// The reduced frame; made once for each frame.
 const QImage &ResultView::draftFrame(int divisor)
 {
     const QSize size = m_subject.decoded.size() / divisor;

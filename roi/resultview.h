@@ -24,7 +24,7 @@ public:
     explicit ResultView(QWidget *parent = nullptr);
     ~ResultView() override;
 
-    /// What is made visible, all as the film gets it.
+    /// What is shown: the same input as the film gets.
     struct Subject
     {
         QImage decoded;

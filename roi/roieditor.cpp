@@ -95,7 +95,8 @@ void RoiEditor::addActions()
         return action;
     };
     QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
-    const QKeySequence usual(QStringLiteral("Ctrl+Y")); // also where the desktop has another one
+    const QKeySequence usual(
+        QStringLiteral("Ctrl+Y")); // also on desktops whose own key is another one
     if (!redoKeys.contains(usual))
         redoKeys.append(usual);
     QAction *rename = add(tr("Rename"), {Qt::Key_F2}, &RoiEditor::renameCurrent);
@@ -221,7 +222,7 @@ void RoiEditor::commitTyped()
 
 bool RoiEditor::eventFilter(QObject *watched, QEvent *event)
 {
-    // A field would else undo in a history of its own, which knows of nothing but its letters.
+    // Otherwise the field would undo no more than its own text.
     if (event->type() == QEvent::ShortcutOverride &&
         isUndoOrRedo(*static_cast<QKeyEvent *>(event))) {
         event->ignore();
@@ -360,7 +361,7 @@ RegionState RoiEditor::state() const
     return {m_rois, currentRow()};
 }
 
-/// Shows a state that the history, or a file, has kept.
+/// Replaces the regions and the selection, from the history or from a file.
 void RoiEditor::showState(const RegionState &state)
 {
     {
@@ -423,7 +424,7 @@ QVector<QSpinBox *> RoiEditor::geometryFields() const
     return {m_ui->xSpin, m_ui->ySpin, m_ui->widthSpin, m_ui->heightSpin};
 }
 
-/// Those whose changes are joined, one after the other, into one step.
+/// Fields whose consecutive changes become one step.
 QVector<const QWidget *> RoiEditor::typedFields() const
 {
     return {m_ui->nameEdit, m_ui->xSpin, m_ui->ySpin, m_ui->widthSpin, m_ui->heightSpin};

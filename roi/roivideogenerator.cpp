@@ -134,7 +134,7 @@ bool RoiVideoGenerator::writeIntro(const RoiJob &job)
         const QString path = job.picturePath(index);
         const QImage picture =
             RoiPicture::ofIntro(*m_zoom, first, job.roi(), job.look(), index, count);
-        if (!letOthersIn())
+        if (!handleEvents())
             return false;
         if (!PngWriter::save(picture, path))
             return fail(
@@ -155,7 +155,7 @@ bool RoiVideoGenerator::decodeForIntro(const RoiSourceFrame &frame)
         return fail(tr("Cannot decode first frame for zoom intro:\n%1")
                         .arg(QDir::toNativeSeparators(frame.file)));
     m_zoom.emplace(decoded);
-    return letOthersIn();
+    return handleEvents();
 }
 
 bool RoiVideoGenerator::writeSequence(Jobs &jobs, size_t current)
@@ -179,10 +179,10 @@ bool RoiVideoGenerator::writeFrame(Jobs &jobs, size_t current, int index)
     const QImage decoded = FrameDecoder::decode(frame.file);
     if (decoded.isNull())
         return fail(tr("Cannot decode frame:\n%1").arg(QDir::toNativeSeparators(frame.file)));
-    if (!letOthersIn())
+    if (!handleEvents())
         return false;
     const QImage picture = RoiPicture::ofFrame(decoded, frame, job.roi(), job.look());
-    if (!letOthersIn())
+    if (!handleEvents())
         return false;
     const QString path = job.picturePath(job.firstSequencePicture() + index);
     if (!PngWriter::save(picture, path))
@@ -198,13 +198,13 @@ bool RoiVideoGenerator::writeAhead(Jobs &jobs, size_t current, const QImage &dec
         return true;
     for (size_t next = current + 1; next < jobs.size(); ++next) {
         RoiJob &job = jobs.at(next);
-        if (!letOthersIn())
+        if (!handleEvents())
             return false;
         if (job.picturesAhead() != index || !QDir().mkpath(job.framesFolder()))
             continue;
         const QImage picture =
             RoiPicture::ofFrame(decoded, job.frames().at(index), job.roi(), job.look());
-        if (!letOthersIn())
+        if (!handleEvents())
             return false;
         if (PngWriter::save(picture, job.picturePath(job.firstSequencePicture() + index)))
             job.countPictureAhead();
@@ -215,11 +215,11 @@ bool RoiVideoGenerator::writeAhead(Jobs &jobs, size_t current, const QImage &dec
 bool RoiVideoGenerator::pictureDone()
 {
     emit progressChanged(++m_writtenFrames);
-    return letOthersIn();
+    return handleEvents();
 }
 
-/// Windows answer here; false when the user has canceled.
-bool RoiVideoGenerator::letOthersIn()
+/// Lets the windows answer; false when the user has canceled.
+bool RoiVideoGenerator::handleEvents()
 {
     QCoreApplication::processEvents();
     return !m_canceled;

@@ -38,7 +38,7 @@ QString plainText(double value, int decimals)
     return QString::number(value, 'f', decimals);
 }
 
-/// Decimals of a length in Mm; a coronagraph's pixel has many.
+/// Decimals to be shown: a pixel of a coronagraph is several Mm wide.
 int decimalsOf(double lengthMm)
 {
     return std::abs(lengthMm) < 1000.0 ? 1 : 0;

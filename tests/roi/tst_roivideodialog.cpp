@@ -50,7 +50,6 @@ private slots:
     void drawing()
     {
         click("newRoiButton");
-        QCOMPARE(status(), QStringLiteral("Drag a rectangle on the image to define the new ROI."));
         const QPoint mouse = view()->viewport()->rect().center() / 2;
         view()->scale(10, 10);
         QTest::mouseMove(view()->viewport(), mouse);
@@ -195,7 +194,7 @@ private slots:
         QCOMPARE(filmShape(m_stored->filePath("HMI/HMI__ROI_02_all.mp4")),
                  QStringLiteral("128,96,7/1,3"));
         QVERIFY(m_stored->read("AIA_171/AIA_171__ROI_02_all.mp4").contains("crf=9.0")); // by x264
-        QCOMPARE(drawnCorners(2), QStringLiteral("bottom right"));
+        QCOMPARE(drawnCorners(2), QStringLiteral("---x"));
         QVERIFY(FakeProgram::runs(curl).isEmpty());
 
         toggle({"sourceOverlayCheck", "scaleOverlayCheck", "allSourcesCheck", "introCheck"});
@@ -205,7 +204,7 @@ private slots:
         for (int round = 0; round < 2; ++round)
             click("generateButton");
         QCOMPARE(filmShape(film()), QStringLiteral("256,192,7/1,7"));
-        QCOMPARE(drawnCorners(6), QStringLiteral("top right"));
+        QCOMPARE(drawnCorners(6), QStringLiteral("-x--"));
         QVERIFY(scale->text().startsWith(QLatin1String("Projected scale: 6957.0 km/pixel")));
         QCOMPARE(FakeProgram::runs(curl).size(), 1); // with the session's start
         QVERIFY(FakeProgram::runs(curl).constFirst().arguments.last().contains(
@@ -300,8 +299,6 @@ private slots:
                                      QStringLiteral("ROI video restored after a run that was cut "
                                                     "short: ") +
                                          m_stored->filePath("HMI/a.mp4")}));
-        QCOMPARE(find<QComboBox>("sourceCombo")->currentText(),
-                 QStringLiteral("AIA 171  [3 frames]"));
     }
 
 private:
@@ -344,19 +341,17 @@ private:
     }
 
     QString film() const { return m_stored->filePath("AIA_171/AIA_171__ROI_02_all.mp4"); }
-    /// The corners in which frame @p index of the film is not as the stored ones.
+    /// An x for each corner in which frame @p index of the film is not as the stored ones, by rows.
     QString drawnCorners(int index) const
     {
         const QImage shown = filmFrame(film(), index);
         const QImage plain = TestSession::frame(shown.size());
-        const QMap<QString, QRect> corners{{QStringLiteral("top left "), {0, 0, 124, 92}},
-                                           {QStringLiteral("top right "), {132, 0, 124, 92}},
-                                           {QStringLiteral("bottom left "), {0, 100, 124, 92}},
-                                           {QStringLiteral("bottom right "), {132, 100, 124, 92}}};
         QString drawn;
-        for (auto corner = corners.begin(); corner != corners.end(); ++corner)
-            drawn += shown.copy(*corner) == plain.copy(*corner) ? QString() : corner.key();
-        return drawn.trimmed();
+        for (const QPoint &corner : {QPoint(0, 0), {132, 0}, {0, 100}, {132, 100}}) {
+            const QRect part(corner, QSize(124, 92));
+            drawn += QLatin1Char(shown.copy(part) == plain.copy(part) ? '-' : 'x');
+        }
+        return drawn;
     }
 
     template<typename Widget>
