@@ -95,10 +95,9 @@ void RoiEditor::addActions()
         return action;
     };
     QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
-    const QKeySequence usual(
-        QStringLiteral("Ctrl+Y")); // also on desktops whose own key is another one
-    if (!redoKeys.contains(usual))
-        redoKeys.append(usual);
+    const QKeySequence usual(QStringLiteral("Ctrl+Y")); // also where the desktop's is another one
+    redoKeys.removeAll(usual);
+    redoKeys.prepend(usual);
     QAction *rename = add(tr("Rename"), {Qt::Key_F2}, &RoiEditor::renameCurrent);
     QAction *copy = add(tr("Copy"), {QStringLiteral("Ctrl+D")}, &RoiEditor::copyCurrent);
     QAction *remove = add(tr("Delete"), {QKeySequence::Delete}, &RoiEditor::deleteCurrent);
