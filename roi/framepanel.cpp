@@ -148,7 +148,8 @@ bool FramePanel::stepBy(QKeyEvent *event)
     case Qt::Key_End:
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
-        QCoreApplication::sendEvent(m_ui->frameSlider, event);
+        if (m_ui->frameSlider->isEnabled()) // else the key would come back to this panel
+            QCoreApplication::sendEvent(m_ui->frameSlider, event);
         return true;
     default:
         return false;

@@ -299,6 +299,13 @@ private slots:
                                      QStringLiteral("ROI video restored after a run that was cut "
                                                     "short: ") +
                                          m_stored->filePath("HMI/a.mp4")}));
+
+        for (const char *name : {"manifest.csv", "HMI/frame_1.png", "HMI/frame_2.png"})
+            QFile::remove(m_stored->filePath(name));
+        open();
+        find<QComboBox>("sourceCombo")->setCurrentIndex(1);
+        QTest::keyClick(view(), Qt::Key_Right); // with nowhere to go
+        QTRY_COMPARE(find<QLabel>("frameCounterLabel")->text(), QStringLiteral("1 / 1"));
     }
 
 private:
