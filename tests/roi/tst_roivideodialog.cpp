@@ -64,6 +64,8 @@ private slots:
         QCOMPARE(status(),
                  QStringLiteral("Created ROI 1. Adjust X/Y/Width/Height or rotation if needed."));
         QCOMPARE(view()->dragMode(), QGraphicsView::ScrollHandDrag);
+        QTRY_COMPARE(find<QLabel>("resultCaption")->text(),
+                     QStringLiteral("128 x 96 px, 3 frame(s), 0.60 s"));
         click("newRoiButton");
         drag(QPoint(20, 20), QPoint(90, 90), Qt::Key_Escape); // ends no more than the drawing
         QVERIFY(m_dialog->isVisible() && status().isEmpty());
