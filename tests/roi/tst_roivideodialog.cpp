@@ -89,6 +89,9 @@ private slots:
         };
         QTest::mouseClick(view()->viewport(), Qt::LeftButton, {}, view()->mapFromScene(64, 99));
         QCOMPARE(list()->currentRow(), 0);
+        const QImage shown = view()->viewport()->grab().toImage();
+        QCOMPARE(shown.pixelColor(view()->mapFromScene(64, 120)), QColor(Qt::yellow)); // current
+        QCOMPARE(shown.pixelColor(view()->mapFromScene(192, 35)), QColor(Qt::green));
         drag({192, 144}, {207, 300}); // the corner, beyond the frame and at an odd width
         QCOMPARE(geometry(), QRect(64, 48, 142, 144));
         drag({64, 100}, {90, 100}, Qt::Key_Escape);
