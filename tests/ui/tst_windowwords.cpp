@@ -75,7 +75,7 @@ void TestWindowWords::enter(int clicked)
 void TestWindowWords::typed_data()
 {
     QTest::addColumn<int>("clicked");
-    QTest::addColumn<QString>("keys"); // < is Backspace, > Tab, ^ Up
+    QTest::addColumn<QString>("keys"); // < is Backspace, ~ Delete, > Tab, ^ Up
     QTest::addColumn<QString>("expected");
     const QString stamp = QStringLiteral("2023-08-09 01:02:03");
     const auto row = [](int clicked, const char *keys, const QString &expected) {
@@ -91,6 +91,9 @@ void TestWindowWords::typed_data()
     row(12, "9:5:7>", QStringLiteral("2024-01-31 09:05:07"));
     row(5, "02<", QStringLiteral("2024-01-31 12:34:56"));
     row(19, "<7", QStringLiteral("2024-01-31 12:34:57"));
+    row(19, "~7", QStringLiteral("2024-01-31 12:34:07"));
+    row(12, "~7", QStringLiteral("2024-01-31 17:34:56"));
+    row(1, "<", QStringLiteral("2024-01-31 12:34:56"));
     row(18, "2021", QStringLiteral("2024-01-31 12:34:21"));
     row(12, "12^", QStringLiteral("2024-01-31 12:35:56"));
     row(-1, "2023>08>>7>", QStringLiteral("2023-08-31 07:34:56"));
@@ -105,6 +108,7 @@ void TestWindowWords::typed()
     QFETCH(QString, keys);
     enter(clicked);
     const QHash<QChar, Qt::Key> named = {{QLatin1Char('<'), Qt::Key_Backspace},
+                                         {QLatin1Char('~'), Qt::Key_Delete},
                                          {QLatin1Char('>'), Qt::Key_Tab},
                                          {QLatin1Char('^'), Qt::Key_Up}};
     for (const QChar key : keys) {
@@ -113,6 +117,8 @@ void TestWindowWords::typed()
         else
             QTest::keyClick(m_edit, key.toLatin1());
     }
+    if (keys == QLatin1String("<")) // a whole year is shown again once the field is left
+        QCOMPARE(m_edit->text(), QStringLiteral("-01-31 12:34:56"));
     QTEST(m_edit->dateTime().toString(QLatin1String(format)), "expected");
     m_edit->clearFocus();
     QTEST(m_edit->text(), "expected");
