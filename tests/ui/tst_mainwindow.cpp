@@ -117,9 +117,6 @@ private slots:
         MainWindow window;
         window.show();
         QVERIFY(QTest::qWaitForWindowActive(&window));
-        const int treePx = part<QTreeWidget>(window, "sourcesTree")->width();
-        window.resize(window.width() + 300, window.height());
-        QVERIFY(part<QTreeWidget>(window, "sourcesTree")->width() > treePx + 50);
         const QString cadence = "acquisition/cadenceSeconds"_s;
         part<QSpinBox>(window, "cadenceSpin")->setValue(7);
         const BoxCloser boxes;
