@@ -265,7 +265,7 @@ private slots:
             hand.start(50);
             QMetaObject::invokeMethod(&window, "createRoiVideo"); // until the tool is closed
             QVERIFY(!window.isVisible());
-            QCOMPARE(kill(pid_t(FakeProgram::runs(ffmpeg).first().processId), 0), -1);
+            QCOMPARE(kill(pid_t(FakeProgram::runs(ffmpeg).constFirst().processId), 0), -1);
             QCOMPARE(m_stored->contents(), before);
             QCOMPARE(m_stored->read(film), QByteArray("an earlier film"));
         }
