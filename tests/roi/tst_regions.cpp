@@ -1,6 +1,7 @@
 #include "roi/regionmarks.h"
 #include "roi/roiframe.h"
 #include "roi/roigeometry.h"
+#include "roi/samescale.h"
 #include "tests/roi/testsession.h"
 
 #include <QPainter>
@@ -124,6 +125,23 @@ private slots:
         for (const int rotation : {0, 180, 90, -90}) // the bar lies across the turned picture
             QCOMPARE(RoiFrame::zoomKmPerPixel(2.0, view, {100, 50}, rotation),
                      rotation % 180 == 0 ? 20.0 : 24.0);
+    }
+
+    void othersThatShowTheSunAtAnotherScale()
+    {
+        const auto seen = [](int rsun) {
+            return SameScale::Source{
+                QString::number(rsun),
+                {{QStringLiteral("rsun"), rsun}, {QStringLiteral("width"), 4096}}};
+        };
+        QVector<SameScale::Source> sources{seen(1600), seen(1610)}; // as good as the same
+        sources += QVector<SameScale::Source>(6, seen(800));
+        QString named = QStringLiteral(" 800 (2 times as wide),").repeated(6);
+        named.chop(1);
+        QCOMPARE(SameScale::warning(sources).section(QLatin1Char(':'), 1),
+                 named + QStringLiteral("."));
+        sources += seen(400);
+        QVERIFY(SameScale::warning(sources).endsWith(named + QStringLiteral(", 1 more.")));
     }
 };
 

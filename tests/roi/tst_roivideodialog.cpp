@@ -66,6 +66,8 @@ private slots:
         QCOMPARE(view()->dragMode(), QGraphicsView::ScrollHandDrag);
         QTRY_COMPARE(find<QLabel>("resultCaption")->text(),
                      QStringLiteral("128 x 96 px, 3 frame(s), 0.60 s"));
+        const QImage result = find<QWidget>("resultPicture")->grab().toImage(); // green, centred
+        QCOMPARE(result.pixel({0, 0}), result.pixel(result.rect().bottomRight()));
         click("newRoiButton");
         drag(QPoint(20, 20), QPoint(90, 90), Qt::Key_Escape); // ends no more than the drawing
         QVERIFY(m_dialog->isVisible() && status().isEmpty());
