@@ -84,6 +84,8 @@ private slots:
             "2 frame(s), observed median 720 s (min 720, max 720)");
         row("first frame at the very end", {3600, 7200}, 3600, 3600,
             "2 frame(s), observed median 3600 s (min 3600, max 3600)");
+        row("a century between frames is no spacing", {0, 60, 3'000'000'060}, 60, 0,
+            "3 frame(s), observed median 60 s (min 60, max 60)");
         row("a single frame tells no spacing", {30}, 60, 0, "1 frame(s)");
         row("an empty archive", {}, 60, 0,
             "no frames returned; scheduling every 60 s with normal validation.");

@@ -161,6 +161,23 @@ private slots:
             QCOMPARE(RoiFrame::zoomKmPerPixel(2.0, view, {100, 50}, rotation),
                      rotation % 180 == 0 ? 20.0 : 24.0);
     }
+
+    void othersThatShowTheSunAtAnotherScale()
+    {
+        const auto seen = [](int rsun) {
+            return SameScale::Source{
+                QString::number(rsun),
+                {{QStringLiteral("rsun"), rsun}, {QStringLiteral("width"), 4096}}};
+        };
+        QVector<SameScale::Source> sources{seen(1600), seen(1610)}; // as good as the same
+        sources += QVector<SameScale::Source>(6, seen(800));
+        QString named = QStringLiteral(" 800 (2 times as wide),").repeated(6);
+        named.chop(1);
+        QCOMPARE(SameScale::warning(sources).section(QLatin1Char(':'), 1),
+                 named + QStringLiteral("."));
+        sources += seen(400);
+        QVERIFY(SameScale::warning(sources).endsWith(named + QStringLiteral(", 1 more.")));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestRegions)

@@ -143,8 +143,9 @@ private slots:
                  start + QStringLiteral("ffmpeg ended without an error, but the film is cut off. "
                                         "Is the disk full?\n\nthe last words"));
         QCOMPARE(stored.read(filmName), earlierFilm);
-        TestFolder::setKey(QStringLiteral("paths/ffmpeg"), QStringLiteral("/nonexistent"));
-        QCOMPARE(failureOf(planFor(stored)), QStringLiteral("ffmpeg not found: /nonexistent"));
+        const QString missing = stored.filePath("missing");
+        TestFolder::setKey(QStringLiteral("paths/ffmpeg"), missing);
+        QCOMPARE(failureOf(planFor(stored)), QStringLiteral("ffmpeg not found: ") + missing);
         QCOMPARE(stored.contents(), before); // and none set aside
     }
 

@@ -65,6 +65,10 @@ private slots:
         QCOMPARE(status(),
                  QStringLiteral("Created ROI 1. Adjust X/Y/Width/Height or rotation if needed."));
         QCOMPARE(view()->dragMode(), QGraphicsView::ScrollHandDrag);
+        QTRY_COMPARE(find<QLabel>("resultCaption")->text(),
+                     QStringLiteral("128 x 96 px, 3 frame(s), 0.60 s"));
+        const QImage result = find<QWidget>("resultPicture")->grab().toImage(); // green, centred
+        QCOMPARE(result.pixel({0, 0}), result.pixel(result.rect().bottomRight()));
         click("newRoiButton");
         drag(QPoint(20, 20), QPoint(90, 90), Qt::Key_Escape); // ends no more than the drawing
         QVERIFY(m_dialog->isVisible() && status().isEmpty());
@@ -88,6 +92,9 @@ private slots:
         };
         QTest::mouseClick(view()->viewport(), Qt::LeftButton, {}, view()->mapFromScene(64, 99));
         QCOMPARE(list()->currentRow(), 0);
+        const QImage shown = view()->viewport()->grab().toImage();
+        QCOMPARE(shown.pixelColor(view()->mapFromScene(64, 120)), QColor(Qt::yellow)); // current
+        QCOMPARE(shown.pixelColor(view()->mapFromScene(192, 35)), QColor(Qt::green));
         drag({192, 144}, {207, 300}); // the corner, beyond the frame and at an odd width
         QCOMPARE(geometry(), QRect(64, 48, 142, 144));
         drag({64, 100}, {90, 100}, Qt::Key_Escape);

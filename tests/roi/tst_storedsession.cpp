@@ -25,7 +25,7 @@ private slots:
         std::swap(lines[1], lines[3]);
         stored.write("manifest.csv", lines.join('\n'));
         QFile::remove(stored.filePath("AIA_171/frame_1.png"));
-        QFile::link(QStringLiteral("/nonexistent"), stored.filePath("AIA_171/frame_1.png"));
+        QFile::link(stored.filePath("missing"), stored.filePath("AIA_171/frame_1.png"));
         const auto session = RoiSession::load(stored.path());
         QCOMPARE(session->directory, stored.path());
         QCOMPARE(session->startUtc, QDateTime({2024, 5, 1}, {12, 0}, Qt::UTC));
@@ -97,7 +97,7 @@ private slots:
         const TestSession outside;
         QFile::link(stored.filePath("HMI"), stored.filePath("link within"));
         QFile::link(outside.path(), stored.filePath("link out"));
-        QFile::link(QStringLiteral("/nonexistent"), stored.filePath("link to nowhere"));
+        QFile::link(stored.filePath("missing"), stored.filePath("link to nowhere"));
         RoiSource source;
         const auto refusal = [&](const char *name) {
             source.archiveName = QLatin1String(name);

@@ -75,7 +75,7 @@ void TestWindowWords::enter(int clicked)
 void TestWindowWords::typed_data()
 {
     QTest::addColumn<int>("clicked");
-    QTest::addColumn<QString>("keys"); // < is Backspace, > Tab, ^ Up
+    QTest::addColumn<QString>("keys"); // < is Backspace, ~ Delete, > Tab, ^ Up
     QTest::addColumn<QString>("expected");
     QTest::addColumn<bool>("isRefused");
     const QString stamp = QStringLiteral("2023-08-09 01:02:03");
@@ -93,6 +93,9 @@ void TestWindowWords::typed_data()
     row(12, "9:5:7>", QStringLiteral("2024-01-31 09:05:07"));
     row(5, "02<", QStringLiteral("2024-01-31 12:34:56"), true); // month 0
     row(19, "<7", QStringLiteral("2024-01-31 12:34:57"));
+    row(19, "~7", QStringLiteral("2024-01-31 12:34:07"));
+    row(12, "~7", QStringLiteral("2024-01-31 17:34:56"));
+    row(1, "<", QStringLiteral("2024-01-31 12:34:56"));
     row(18, "2021", QStringLiteral("2024-01-31 12:34:21"));
     row(12, "12^", QStringLiteral("2024-01-31 12:35:56"));
     row(-1, "2023>08>>7>", QStringLiteral("2023-08-31 07:34:56"));
@@ -108,6 +111,7 @@ void TestWindowWords::typed()
     enter(clicked);
     const QSignalSpy refused(m_edit, &UtcEdit::refused);
     const QHash<QChar, Qt::Key> named = {{QLatin1Char('<'), Qt::Key_Backspace},
+                                         {QLatin1Char('~'), Qt::Key_Delete},
                                          {QLatin1Char('>'), Qt::Key_Tab},
                                          {QLatin1Char('^'), Qt::Key_Up}};
     for (const QChar key : keys) {
@@ -116,6 +120,8 @@ void TestWindowWords::typed()
         else
             QTest::keyClick(m_edit, key.toLatin1());
     }
+    if (keys == QLatin1String("<")) // a whole year is shown again once the field is left
+        QCOMPARE(m_edit->text(), QStringLiteral("-01-31 12:34:56"));
     if (m_edit->showsTime())
         QTEST(m_edit->dateTime().toString(QLatin1String(format)), "expected");
     m_edit->clearFocus();
