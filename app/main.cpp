@@ -12,7 +12,8 @@ int main(int argc, char *argv[])
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Brannock Works"));
     QApplication::setApplicationName(QStringLiteral("Orvik"));
-    QApplication::setApplicationVersion(QStringLiteral(ORVIK_VERSION));
+    // How the program names itself; releases are counted by the project's own version.
+    QApplication::setApplicationVersion(QStringLiteral("0.0.1"));
     // A decimal point on every system.
     QLocale::setDefault(QLocale(QLocale::English, QLocale::AnyCountry));
     RuntimeConfig::ensureRuntimeConfig();
