@@ -24,7 +24,7 @@ public:
 
     /// Begins anew with @p windows; without any, done() comes before this returns.
     void start(const QVector<ProbeWindow> &windows, int cadenceSeconds);
-    /// Kills what runs; nothing is told any more.
+    /// Kills what runs; no signal follows.
     void cancel();
 
     /// What came back for a datasource: ascending, unique seconds since the epoch.

@@ -22,7 +22,7 @@ struct ProbeWindow
 /**
  * Which cadence probes are still to be sent, who works on which, and what came back.
  *
- * Workers are numbers; an answer is told by its worker and never by the order of arrival.
+ * Workers are numbers; an answer is identified by its worker, never by the order of arrival.
  */
 class ProbeQueue final
 {
@@ -45,7 +45,7 @@ public:
     /// Counts a window whose answer has been dealt with.
     void complete() { ++m_completed; }
 
-    /// Adds an answer's frame times; invalid ones are left out, repeated ones fold together.
+    /// Adds an answer's frame times; invalid ones are left out, repeated ones are kept once.
     void addFrames(int sourceId, const QVector<QDateTime> &framesUtc);
     /// Ascending, unique seconds since the epoch.
     QVector<qint64> frameSeconds(int sourceId) const { return m_frameSeconds.value(sourceId); }

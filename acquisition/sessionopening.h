@@ -6,7 +6,7 @@
 struct AcquisitionSettings;
 struct ProbeWindow;
 
-/// What is decided and said of a session before its first request.
+/// Checks, probe windows and log lines of a session before its first request.
 namespace SessionOpening {
 
 /// Why a session cannot be started with @p settings on this machine; empty when it can.

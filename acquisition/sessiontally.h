@@ -35,7 +35,7 @@ using SessionTally = QHash<int, SourceTally>;
 
 namespace SessionTallying {
 
-/// The session as its descriptor tells it, finished now; reads the runtime configuration.
+/// The record for the session's descriptor, completed now; reads the runtime configuration.
 SessionRecord toRecord(const AcquisitionSettings &settings, const SessionTally &tally,
                        bool canceled);
 

@@ -12,7 +12,7 @@ int main(int argc, char *argv[])
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Brannock Works"));
     QApplication::setApplicationName(QStringLiteral("Orvik"));
-    // How the program names itself; releases are counted by the project's own version.
+    // Part of the identity, like the names; releases are counted in the licence dialog.
     QApplication::setApplicationVersion(QStringLiteral("0.0.1"));
     // A decimal point on every system.
     QLocale::setDefault(QLocale(QLocale::English, QLocale::AnyCountry));

@@ -7,7 +7,7 @@ class QWidget;
 /// Hands files and folders to the desktop's own programs. When that fails, a warning box says so.
 namespace DesktopActions {
 
-/// Opens an MP4 in the system's video player; false when the user was told why not.
+/// Opens an MP4 in the system's video player; false after a warning that says why not.
 bool playVideo(QWidget *parent, const QString &path);
 
 /// Asks for an MP4, starting in @p startFolder; empty when the user cancelled.

@@ -7,7 +7,7 @@
 /// The two ways in which a function fails and tells its caller why.
 namespace ErrorText {
 
-/// Sets @p errorText, which may be null, to @p reason; always false, for the caller to hand on.
+/// Sets @p errorText, which may be null, to @p reason; returns false, for the caller to return.
 inline bool fail(QString *errorText, const QString &reason)
 {
     if (errorText)

@@ -74,7 +74,7 @@ private:
 class MemoryWatch final
 {
 public:
-    explicit MemoryWatch(int frames) : m_settled(qMax(1, frames / 5)) {}
+    explicit MemoryWatch(int frames) : m_settled(std::max(1, frames / 5)) {}
 
     int frames() const { return m_frames; }
 
@@ -118,7 +118,7 @@ int measure(const BenchRun &run)
         return 1;
     }
     loop.exec();
-    const double wallMs = double(clock.nsecsElapsed()) / 1e6;
+    const double wallMs = static_cast<double>(clock.nsecsElapsed()) / 1e6;
     const QJsonObject result{
         {QStringLiteral("frames"), memory.frames()},
         {QStringLiteral("width"), run.widthPx},

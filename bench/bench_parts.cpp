@@ -49,7 +49,8 @@ public:
     {
         const QString name = QStringLiteral("%1/frame_%2.png").arg(m_run.outputDirectory);
         const QString original = name.arg(QStringLiteral("original_%1").arg(number));
-        const QDateTime requestedUtc = m_run.settings().startUtc.addSecs(qint64(number) * 60);
+        const QDateTime requestedUtc =
+            m_run.settings().startUtc.addSecs(static_cast<qint64>(number) * 60);
         const QJsonObject answer = lookUp(requestedUtc);
         const auto found = HelioviewerResponses::closestImage(answer);
         if (!found || !download(found->imageId, original))
@@ -125,7 +126,7 @@ int main(int argc, char **argv)
     }
     const QJsonObject result{
         {QStringLiteral("frames"), run->frames},
-        {QStringLiteral("wall_ms"), double(clock.nsecsElapsed()) / 1e6 / run->frames},
+        {QStringLiteral("wall_ms"), static_cast<double>(clock.nsecsElapsed()) / 1e6 / run->frames},
         {QStringLiteral("steps_ms"), loop.timesMs()},
     };
     std::puts(QJsonDocument(result).toJson(QJsonDocument::Compact).constData());

@@ -145,7 +145,7 @@ int main(int argc, char **argv)
     QElapsedTimer clock;
     clock.start();
     const bool completed = generator.run(arguments->plan) == RoiVideoGenerator::Outcome::Completed;
-    const double wallMs = double(clock.nsecsElapsed()) / 1e6;
+    const double wallMs = static_cast<double>(clock.nsecsElapsed()) / 1e6;
     const double selfMs = Measures::cpuMs(RUSAGE_SELF) - selfBefore;
     const double encoderMs = Measures::cpuMs(RUSAGE_CHILDREN) - encoderBefore;
 

@@ -21,8 +21,9 @@ namespace {
 AcquisitionSettings settingsOf(const BenchRun &run, const QDate &day)
 {
     AcquisitionSettings settings = run.settings();
-    settings.endUtc = QDateTime(day, {16, 0}, Qt::UTC).addSecs(qint64(run.frames) * 30);
-    settings.startUtc = settings.endUtc.addSecs(qint64(run.frames) * -60);
+    settings.endUtc =
+        QDateTime(day, {16, 0}, Qt::UTC).addSecs(static_cast<qint64>(run.frames) * 30);
+    settings.startUtc = settings.endUtc.addSecs(static_cast<qint64>(run.frames) * -60);
     settings.createVideos = true;
     settings.maxTimeErrorSeconds = 360;
     settings.sources << DataSource{2003, QStringLiteral("GOES-R SUVI 195"),

@@ -57,7 +57,7 @@ double milliseconds(Work work)
     const auto now = [] {
         timespec time{};
         clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-        return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
     };
     const double before = now();
     work();
@@ -71,7 +71,7 @@ double median(int runs, Measure measure)
     std::vector<double> values(static_cast<size_t>(runs));
     std::generate(values.begin(), values.end(), measure);
     std::nth_element(values.begin(), values.begin() + runs / 2, values.end());
-    return values[size_t(runs) / 2];
+    return values[static_cast<size_t>(runs) / 2];
 }
 
 // --- start

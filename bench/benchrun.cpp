@@ -35,7 +35,8 @@ AcquisitionSettings BenchRun::settings() const
     AcquisitionSettings settings;
     settings.startUtc = QDateTime({2024, 5, 1}, {0, 0}, Qt::UTC);
     settings.cadenceSeconds = 60;
-    settings.endUtc = settings.startUtc.addSecs(qint64(frames - 1) * settings.cadenceSeconds);
+    settings.endUtc =
+        settings.startUtc.addSecs(static_cast<qint64>(frames - 1) * settings.cadenceSeconds);
     settings.imageWidth = widthPx;
     settings.scaleOverlay = true;
     settings.createVideos = false;

@@ -15,7 +15,7 @@ double Measures::cpuMs(int who)
     rusage usage{};
     getrusage(who, &usage);
     const auto ms = [](const timeval &time) {
-        return double(time.tv_sec) * 1e3 + double(time.tv_usec) / 1e3;
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
     };
     return ms(usage.ru_utime) + ms(usage.ru_stime);
 }
@@ -26,13 +26,13 @@ double Measures::residentKb()
     if (!file.open(QIODevice::ReadOnly))
         return 0.0;
     const double pages = file.readAll().split(' ').value(1).toDouble();
-    return pages * double(sysconf(_SC_PAGESIZE)) / 1024;
+    return pages * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1024;
 }
 
 double Measures::heapKb()
 {
     const struct mallinfo2 heap = mallinfo2();
-    return double(heap.uordblks + heap.hblkhd) / 1024;
+    return static_cast<double>(heap.uordblks + heap.hblkhd) / 1024;
 }
 
 int Measures::openHandles()

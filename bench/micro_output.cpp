@@ -22,7 +22,7 @@ ManifestRow sampleRow(int index, Geometry geometry)
     row.request.nickname = QStringLiteral("AIA 171");
     row.request.requestIndex = index;
     row.request.requestedUtc =
-        QDateTime::fromSecsSinceEpoch(1714521600 + qint64(index) * 60, Qt::UTC);
+        QDateTime::fromSecsSinceEpoch(1714521600 + static_cast<qint64>(index) * 60, Qt::UTC);
     row.actualUtc = row.request.requestedUtc.addSecs(9);
     row.imageId = 150753140000 + index;
     row.deltaSeconds = 9;
@@ -55,8 +55,8 @@ void appendRow(benchmark::State &state)
         state.SkipWithError("cannot create manifest.csv");
         return;
     }
-    writeRows(writer, int(state.range(0)), Geometry::Steady);
-    const ManifestRow row = sampleRow(int(state.range(0)), Geometry::Steady);
+    writeRows(writer, static_cast<int>(state.range(0)), Geometry::Steady);
+    const ManifestRow row = sampleRow(static_cast<int>(state.range(0)), Geometry::Steady);
     while (state.KeepRunning())
         writer.append(row);
 }
@@ -66,7 +66,7 @@ BENCHMARK(appendRow)->Arg(100)->Arg(100000)->Iterations(20000);
 void readBack(benchmark::State &state, Geometry geometry)
 {
     const QTemporaryDir folder;
-    const int rows = int(state.range(0));
+    const int rows = static_cast<int>(state.range(0));
     {
         ManifestWriter writer;
         if (!writer.create(folder.path())) {
@@ -80,8 +80,8 @@ void readBack(benchmark::State &state, Geometry geometry)
         const auto before = mallinfo2();
         const auto frames = ManifestReader::read(path);
         const auto after = mallinfo2();
-        state.counters["bytes"] =
-            double(after.uordblks + after.hblkhd) - double(before.uordblks + before.hblkhd);
+        state.counters["bytes"] = static_cast<double>(after.uordblks + after.hblkhd) -
+                                  static_cast<double>(before.uordblks + before.hblkhd);
         state.counters["bytes"] /= rows;
         if (!frames || frames->bySource.value(10).size() != rows / 2)
             state.SkipWithError("rows are missing");

@@ -13,7 +13,7 @@ namespace {
 double heapBytes()
 {
     const auto info = mallinfo2();
-    return double(info.uordblks) + double(info.hblkhd);
+    return static_cast<double>(info.uordblks) + static_cast<double>(info.hblkhd);
 }
 
 /// A session of about @p requests lookups: each datasource at a step of its own, so that their
@@ -25,8 +25,8 @@ AcquisitionPlan plan(int requests, int sources)
     QVector<RequestSchedule> schedules;
     for (int sourceId = 0; sourceId < sources; ++sourceId) {
         settings.cadenceSeconds = 36 + sourceId % 7;
-        settings.endUtc =
-            settings.startUtc.addSecs(qint64(requests / sources - 1) * settings.cadenceSeconds);
+        settings.endUtc = settings.startUtc.addSecs(static_cast<qint64>(requests / sources - 1) *
+                                                    settings.cadenceSeconds);
         const DataSource source = {sourceId, QStringLiteral("AIA 171"),
                                    QStringLiteral("SDO/AIA/171")};
         schedules.append(
@@ -38,17 +38,17 @@ AcquisitionPlan plan(int requests, int sources)
 /// Builds, merges and numbers range(0) requests of range(1) datasources; counters per request.
 void walkPlan(benchmark::State &state)
 {
-    const int requests = int(state.range(0));
+    const int requests = static_cast<int>(state.range(0));
     const double before = heapBytes();
     double bytes = 0.0;
     qint64 walked = 0;
     while (state.KeepRunning()) {
-        AcquisitionPlan walk = plan(requests, int(state.range(1)));
+        AcquisitionPlan walk = plan(requests, static_cast<int>(state.range(1)));
         for (; !walk.atEnd(); walk.advance(), ++walked)
             benchmark::DoNotOptimize(walk.current());
-        bytes = double(sizeof walk) + heapBytes() - before;
+        bytes = static_cast<double>(sizeof walk) + heapBytes() - before;
     }
-    const auto perRun = double(walked) / double(state.iterations());
+    const auto perRun = static_cast<double>(walked) / static_cast<double>(state.iterations());
     state.counters["bytes"] = bytes / perRun;
     state.counters["time"] = benchmark::Counter(
         perRun, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);

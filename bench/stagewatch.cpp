@@ -38,13 +38,14 @@ QJsonObject StageWatch::stagesMs(int frames) const
                                                   "window"};
     QJsonObject stages;
     for (int stage = 0; stage < StageCount; ++stage)
-        stages[QLatin1String(names[stage])] = double(m_spent[stage]) / nsPerMs / frames;
+        stages[QLatin1String(names[stage])] =
+            static_cast<double>(m_spent[stage]) / nsPerMs / frames;
     return stages;
 }
 
 double StageWatch::largestStallMs() const
 {
-    return qMax(0.0, double(m_longestGap) / nsPerMs - tickMs);
+    return std::max(0.0, static_cast<double>(m_longestGap) / nsPerMs - tickMs);
 }
 
 void StageWatch::onProcessState(QProcess::ProcessState state)
@@ -59,7 +60,7 @@ void StageWatch::onTick()
 {
     const qint64 now = m_clock.nsecsElapsed();
     if (m_lastTick > 0)
-        m_longestGap = qMax(m_longestGap, now - m_lastTick);
+        m_longestGap = std::max(m_longestGap, now - m_lastTick);
     m_lastTick = now;
 }
 

@@ -120,7 +120,7 @@ private:
     bool m_insecureRetried = false; // this request has been restarted without certificate check
     QStringList m_lastArguments;
     Request m_request;
-    QString m_processError; // what m_errorReported noted, until it is told
+    QString m_processError; // what m_errorReported noted, until it is reported
     QString m_endReason;    // why this request was killed from here, until its child has ended
     QTimer m_downloadWatch; // runs during a download
     bool m_canceling = false;

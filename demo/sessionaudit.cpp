@@ -78,7 +78,7 @@ void checkFilm(SourceAudit &audit, int framesPerSecond)
         audit.faults << QStringLiteral("the film has %1 frames instead of %2")
                             .arg(QString::number(audit.film->frames),
                                  QString::number(audit.counts.accepted));
-    const double wantedSeconds = double(audit.counts.accepted) / framesPerSecond;
+    const double wantedSeconds = static_cast<double>(audit.counts.accepted) / framesPerSecond;
     if (std::abs(audit.film->seconds - wantedSeconds) > 0.5 / framesPerSecond)
         audit.faults << QStringLiteral("the film lasts %1 s instead of %2 s")
                             .arg(QString::number(audit.film->seconds),

@@ -89,7 +89,7 @@ void Terminal::drawProgress()
 {
     if (!m_showsProgress)
         return;
-    const int filled = static_cast<int>(qint64(barWidth) * m_value / m_maximum);
+    const int filled = static_cast<int>(static_cast<qint64>(barWidth) * m_value / m_maximum);
     const QString line =
         QStringLiteral("[%1%2] %3/%4  %5")
             .arg(QString(filled, QLatin1Char('#')), QString(barWidth - filled, QLatin1Char('.')),

@@ -22,7 +22,7 @@ QByteArray withChecksums(QByteArray png)
     int at = signatureBytes;
     while (png.size() - at >= chunkBytes) {
         const auto length = qFromBigEndian<quint32>(png.constData() + at);
-        if (length > quint32(png.size() - at - chunkBytes))
+        if (length > static_cast<quint32>(png.size() - at - chunkBytes))
             break;
         const auto *type = reinterpret_cast<const Bytef *>(png.constData() + at + 4);
         const auto sum = static_cast<quint32>(crc32(0, type, length + 4));

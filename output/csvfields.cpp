@@ -17,7 +17,8 @@ QString CsvFields::quote(const QString &value)
 void CsvFields::split(QStringView line)
 {
     m_ends.clear();
-    m_text.resize(int(line.size())); // fields are never longer than the line they stand in
+    // Fields are never longer than the line they stand in.
+    m_text.resize(static_cast<int>(line.size()));
     QChar *const begin = m_text.data();
     QChar *out = begin;
     bool insideQuotes = false;

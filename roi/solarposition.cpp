@@ -55,7 +55,8 @@ SolarPosition::Disk SolarPosition::diskOn(const QSize &frame, const QJsonObject 
     const double scaleY = frame.height() / height;
     disk.radiusY = radius * scaleY;
     if (!reference.isNull())
-        disk.centre = QPointF(reference.x() * scaleX, reference.y() * scaleY);
+        disk.centre =
+            QPointF((reference.x() - 0.5) * scaleX, (height - reference.y() + 0.5) * scaleY);
     return disk;
 }
 

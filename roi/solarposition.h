@@ -30,8 +30,9 @@ struct Disk
 /**
  * The disk on a frame.
  *
- * Native pixels become those of the frame by its width / "width" and height / "height". A reference
- * pixel of 0, 0 is what a manifest holds that knows of none.
+ * Native pixels become those of the frame by its width / "width" and height / "height". The
+ * reference pixel is counted as in FITS: the middle of the first pixel is 1, and rows begin at the
+ * bottom edge. 0, 0 is what a manifest holds that knows of none.
  */
 Disk diskOn(const QSize &frame, const QJsonObject &metadata);
 

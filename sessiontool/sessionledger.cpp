@@ -57,7 +57,7 @@ int positionOf(const DataSource &request, SessionLedger &ledger)
 
 qint64 SourceLedger::requests() const
 {
-    return std::accumulate(outcomes.cbegin(), outcomes.cend(), qint64(0));
+    return std::accumulate(outcomes.cbegin(), outcomes.cend(), static_cast<qint64>(0));
 }
 
 QVector<int> SourceLedger::frameNumbers() const
@@ -80,14 +80,14 @@ int SourceLedger::stepSeconds() const
 qint64 SessionLedger::requests() const
 {
     return std::accumulate(
-        sources.cbegin(), sources.cend(), qint64(0),
+        sources.cbegin(), sources.cend(), static_cast<qint64>(0),
         [](qint64 sum, const SourceLedger &source) { return sum + source.requests(); });
 }
 
 qint64 SessionLedger::acceptedFrames() const
 {
     return std::accumulate(
-        sources.cbegin(), sources.cend(), qint64(0),
+        sources.cbegin(), sources.cend(), static_cast<qint64>(0),
         [](qint64 sum, const SourceLedger &source) { return sum + source.acceptedFrames(); });
 }
 

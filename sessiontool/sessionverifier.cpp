@@ -122,7 +122,8 @@ void SessionVerifier::checkCounts(const DescribedSource &source)
     }};
     for (const Count &count : counts) {
         const QJsonValue described = source.record.value(count.key);
-        if (!described.isUndefined() && described.toDouble(-1) != double(count.inManifest))
+        if (!described.isUndefined() &&
+            described.toDouble(-1) != static_cast<double>(count.inManifest))
             report(QStringLiteral("session.json: %1 of %2 is %3; manifest.csv has %4")
                        .arg(count.key, source.nickname, described.toVariant().toString(),
                             QString::number(count.inManifest)));

@@ -21,7 +21,7 @@ constexpr quint64 hashOf(quint64 seed, quint64 value)
 /// 0 up to, not including, 1; the same for the same arguments in every run.
 constexpr double chance(quint64 seed, quint64 value)
 {
-    return double(hashOf(seed, value) >> 11) * (1.0 / 9007199254740992.0);
+    return static_cast<double>(hashOf(seed, value) >> 11) * (1.0 / 9007199254740992.0);
 }
 
 /// Numbers of 0 to 1 drawn for one thing, the k-th by the argument k.
@@ -29,7 +29,7 @@ class Draw
 {
 public:
     explicit Draw(quint64 seed) : m_seed(seed) {}
-    float operator()(quint64 which) const { return float(chance(m_seed, which)); }
+    float operator()(quint64 which) const { return static_cast<float>(chance(m_seed, which)); }
 
 private:
     quint64 m_seed;

@@ -39,9 +39,9 @@ LicenseDialog::LicenseDialog(QWidget *parent) : QDialog(parent)
 {
     setWindowTitle(tr("Freeware license"));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-    auto *program = new QLabel(QStringLiteral("%1 %2").arg(QApplication::applicationName(),
-                                                           QApplication::applicationVersion()),
-                               this);
+    auto *program = new QLabel(
+        QStringLiteral("%1 %2").arg(QApplication::applicationName(), QStringLiteral(ORVIK_VERSION)),
+        this);
     program->setObjectName(QStringLiteral("programLabel"));
     auto *view = newTextView(this);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);

@@ -1,6 +1,7 @@
 #include "ui/mainwindow.h"
 
 #include "acquisition/acquisitioncontroller.h"
+#include "base/desktopactions.h"
 #include "base/runtimeconfig.h"
 #include "base/utctext.h"
 #include "client/helioviewerclient.h"
@@ -9,7 +10,6 @@
 #include "ui/acquisitionestimate.h"
 #include "ui/acquisitionform.h"
 #include "ui/catalogcache.h"
-#include "base/desktopactions.h"
 #include "ui/licensedialog.h"
 #include "ui/logview.h"
 #include "ui/outputsearch.h"

@@ -53,7 +53,7 @@ QString probedSection(const CadenceStatistics &found, int cadenceSeconds)
             .arg(formatDuration(found.medianSeconds), QString::number(found.uniqueFrames),
                  formatDuration(found.minSeconds), formatDuration(found.maxSeconds));
     // Not mentioned below one and a half steps: hardly any request is saved.
-    if (found.medianSeconds > 3 * qint64(cadenceSeconds) / 2) {
+    if (found.medianSeconds > 3 * static_cast<qint64>(cadenceSeconds) / 2) {
         section += tr("<p><b>Orvik optimization:</b> requested sampling is %1, but the archive is "
                       "slower here. Redundant intermediate requests are omitted automatically.</p>")
                        .arg(formatDuration(cadenceSeconds));

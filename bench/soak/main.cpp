@@ -29,7 +29,8 @@ AcquisitionSettings settingsFor(int requests)
 {
     AcquisitionSettings settings;
     settings.startUtc = QDateTime({2024, 5, 1}, {0, 0}, Qt::UTC);
-    settings.endUtc = settings.startUtc.addSecs(qint64(requests) * 3672 / requestsPerHour + 1800);
+    settings.endUtc =
+        settings.startUtc.addSecs(static_cast<qint64>(requests) * 3672 / requestsPerHour + 1800);
     settings.cadenceSeconds = cadenceSeconds;
     settings.imageWidth = 64;
     settings.scaleOverlay = true;

@@ -52,8 +52,8 @@ std::optional<ArchiveImage> Archive::search(int sourceId, qint64 unixTime, Searc
         source = find(source->groupedSourceId);
     if (!source)
         return std::nullopt;
-    const int index = int(source - m_sources.constData());
-    const Cadence &cadence = m_cadences[size_t(index)];
+    const int index = static_cast<int>(source - m_sources.constData());
+    const Cadence &cadence = m_cadences[static_cast<size_t>(index)];
     const std::optional<qint64> slot = (cadence.*how)(unixTime);
     if (!slot)
         return std::nullopt;
@@ -77,7 +77,7 @@ std::optional<ArchiveImage> Archive::atOrBefore(int sourceId, qint64 unixTime) c
 
 qint64 Archive::idOf(const ArchiveImage &image) const
 {
-    return m_firstIds[size_t(image.sourceIndex)] + image.slot;
+    return m_firstIds[static_cast<size_t>(image.sourceIndex)] + image.slot;
 }
 
 std::optional<ArchiveImage> Archive::imageOf(qint64 id) const
@@ -85,11 +85,11 @@ std::optional<ArchiveImage> Archive::imageOf(qint64 id) const
     if (id < m_firstIds.front() || id >= m_firstIds.back())
         return std::nullopt;
     const auto after = std::upper_bound(m_firstIds.begin(), m_firstIds.end(), id);
-    const auto index = size_t(std::prev(after) - m_firstIds.begin());
+    const auto index = static_cast<size_t>(std::prev(after) - m_firstIds.begin());
     const qint64 slot = id - m_firstIds[index];
     if (!m_cadences[index].isPresent(slot))
         return std::nullopt;
-    return ArchiveImage{int(index), slot, m_cadences[index].timeOf(slot)};
+    return ArchiveImage{static_cast<int>(index), slot, m_cadences[index].timeOf(slot)};
 }
 
 } // namespace Simulator

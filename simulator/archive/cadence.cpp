@@ -18,9 +18,10 @@ constexpr qint64 burstCycle = 6 * secondsPerHour;
 bool isWithin(qint64 unixTime, qint64 cycle, quint64 seed, double shortest, double longest)
 {
     const qint64 number = unixTime / cycle;
-    const double length = shortest + (longest - shortest) * chance(seed, quint64(number) * 2);
-    const double start = (1.0 - length) * chance(seed, quint64(number) * 2 + 1);
-    const double share = double(unixTime % cycle) / double(cycle);
+    const double length =
+        shortest + (longest - shortest) * chance(seed, static_cast<quint64>(number) * 2);
+    const double start = (1.0 - length) * chance(seed, static_cast<quint64>(number) * 2 + 1);
+    const double share = static_cast<double>(unixTime % cycle) / static_cast<double>(cycle);
     return share >= start && share < start + length;
 }
 
@@ -30,7 +31,7 @@ Cadence::Cadence(const ArchiveSource &source)
     : m_law(source.law)
     , m_spacing(std::max(source.spacingSeconds, 1))
     , m_jitterSeconds(source.jitterSeconds)
-    , m_seed(hashOf(0x5a17, quint64(source.sourceId)))
+    , m_seed(hashOf(0x5a17, static_cast<quint64>(source.sourceId)))
 {
     const std::optional<qint64> start = parseArchiveTime(source.start);
     const std::optional<qint64> end = parseArchiveTime(source.end);
@@ -46,7 +47,8 @@ qint64 Cadence::timeOf(qint64 slot) const
 {
     if (slot == 0)
         return m_start; // the catalog's start is a picture's very time
-    const double jitter = (2.0 * chance(m_seed, quint64(slot)) - 1.0) * m_jitterSeconds;
+    const double jitter =
+        (2.0 * chance(m_seed, static_cast<quint64>(slot)) - 1.0) * m_jitterSeconds;
     return m_start + slot * m_spacing + qRound(jitter);
 }
 
@@ -69,19 +71,19 @@ bool Cadence::isPresent(qint64 slot) const
 
 bool Cadence::isInBurst(qint64 unixTime) const
 {
-    const bool quietCycle = chance(m_seed + 1, quint64(unixTime / burstCycle)) < 0.6;
+    const bool quietCycle = chance(m_seed + 1, static_cast<quint64>(unixTime / burstCycle)) < 0.6;
     return !quietCycle && isWithin(unixTime, burstCycle, m_seed + 2, 0.03, 0.15);
 }
 
 bool Cadence::isInGap(qint64 slot, qint64 unixTime) const
 {
-    return chance(m_seed + 3, quint64(slot)) < 0.01 ||
+    return chance(m_seed + 3, static_cast<quint64>(slot)) < 0.01 ||
            isWithin(unixTime, gapCycle, m_seed + 4, 0.01, 0.08);
 }
 
 qint64 Cadence::slotNear(qint64 unixTime) const
 {
-    return std::clamp((unixTime - m_start) / m_spacing, qint64(0), m_slotCount - 1);
+    return std::clamp((unixTime - m_start) / m_spacing, static_cast<qint64>(0), m_slotCount - 1);
 }
 
 std::optional<qint64> Cadence::slotAtOrAfter(qint64 unixTime) const

@@ -65,7 +65,7 @@ Answer closestImageAnswer(const Archive &archive, const QUrlQuery &query)
 {
     QueryReader reader(query);
     const qint64 time = reader.time(QStringLiteral("date"));
-    const int sourceId = int(reader.integer(QStringLiteral("sourceId")));
+    const int sourceId = static_cast<int>(reader.integer(QStringLiteral("sourceId")));
     if (!reader.complaint().isEmpty())
         return pageOfError(reader.complaint());
     if (const std::optional<ArchiveImage> image = archive.nearest(sourceId, time))

@@ -33,7 +33,7 @@ Answer downloadImageAnswer(const Archive &archive, PictureStore &pictures, const
                            fatalErrno);
     // Nothing is ever enlarged, and a negative width means the native one.
     const int native = archive.sourceOf(*image).widthPx;
-    const int widthPx = width < 0 ? native : int(std::min<qint64>(width, native));
+    const int widthPx = width < 0 ? native : static_cast<int>(std::min<qint64>(width, native));
     return {200, "image/png; charset=binary", pictures.png(*image, widthPx)};
 }
 

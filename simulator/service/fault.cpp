@@ -23,7 +23,7 @@ std::optional<Fault> faultFromText(const QString &text)
     std::array<int, 3> numbers = {usual.value, usual.first, usual.count};
     for (int word = 2; word < words.size(); ++word) {
         bool isNumber = false;
-        numbers.at(size_t(word - 2)) = words.at(word).toInt(&isNumber);
+        numbers.at(static_cast<size_t>(word - 2)) = words.at(word).toInt(&isNumber);
         if (!isNumber)
             return std::nullopt;
     }

@@ -21,7 +21,7 @@ void FaultPlan::clear()
 QVector<Fault> FaultPlan::next(Operation operation)
 {
     const QMutexLocker locker(&m_mutex);
-    const int number = ++m_counts[size_t(operation)];
+    const int number = ++m_counts[static_cast<size_t>(operation)];
     QVector<Fault> faults;
     std::copy_if(m_faults.cbegin(), m_faults.cend(), std::back_inserter(faults),
                  [operation, number](const Fault &fault) {
@@ -34,7 +34,7 @@ QVector<Fault> FaultPlan::next(Operation operation)
 int FaultPlan::count(Operation operation) const
 {
     const QMutexLocker locker(&m_mutex);
-    return m_counts[size_t(operation)];
+    return m_counts[static_cast<size_t>(operation)];
 }
 
 void FaultPlan::clearCounts()

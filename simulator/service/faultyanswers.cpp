@@ -51,12 +51,12 @@ QByteArray withoutBlock(const QByteArray &png, const QColor &colour)
         return png; // an error in its place
     picture.setColorCount(freeIndex + 1);
     picture.setColor(freeIndex, colour.rgba());
-    const int side = qBound(64, qMin(picture.width(), picture.height()) / 16, 256);
-    const int left = int(0.34 * picture.width()) / side * side;
-    const int top = int(0.46 * picture.height()) / side * side;
-    for (int row = top; row < qMin(top + side, picture.height()); ++row)
-        std::fill_n(picture.scanLine(row) + left, qMin(side, picture.width() - left),
-                    uchar(freeIndex));
+    const int side = std::clamp(std::min(picture.width(), picture.height()) / 16, 64, 256);
+    const int left = static_cast<int>(0.34 * picture.width()) / side * side;
+    const int top = static_cast<int>(0.46 * picture.height()) / side * side;
+    for (int row = top; row < std::min(top + side, picture.height()); ++row)
+        std::fill_n(picture.scanLine(row) + left, std::min(side, picture.width() - left),
+                    static_cast<uchar>(freeIndex));
     return encodePng(picture);
 }
 
@@ -75,7 +75,8 @@ QByteArray departing(const QByteArray &body, const Fault &fault)
     if (fault.kind == FaultKind::WrongId) {
         const std::array<QJsonValue, 4> ids = {QStringLiteral("0"), QStringLiteral("unknown"),
                                                QJsonValue::Null, QJsonValue::Undefined};
-        image.insert(id, ids.at(size_t(qBound(0, fault.value, 3)))); // the last one removes it
+        image.insert(id, ids.at(static_cast<size_t>(
+                             std::clamp(fault.value, 0, 3)))); // the last one removes it
     } else if (fault.kind == FaultKind::NumberId) {
         image.insert(id, image.value(id).toString().toLongLong());
     } else if (fault.kind == FaultKind::NumericStrings) {

@@ -47,7 +47,8 @@ void sendAndReset(QTcpSocket *socket, const QByteArray &bytes)
     socket->write(bytes);
     socket->flush();
     const linger atOnce{1, 0}; // closing then resets the connection
-    setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    setsockopt(static_cast<int>(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce,
+               sizeof atOnce);
     socket->abort();
 }
 
@@ -67,7 +68,7 @@ void HttpService::encrypt(const QString &certificateFile, const QString &keyFile
 
 int HttpService::listenOn(int port)
 {
-    return listen(QHostAddress::LocalHost, quint16(port)) ? serverPort() : 0;
+    return listen(QHostAddress::LocalHost, static_cast<quint16>(port)) ? serverPort() : 0;
 }
 
 void HttpService::breakOff()

@@ -124,9 +124,9 @@ Answer jpxAnswer(const Archive &archive, const QUrlQuery &query)
 {
     QueryReader reader(query);
     const FrameQuery asked{
-        int(reader.integer(QStringLiteral("sourceId"))), reader.time(QStringLiteral("startTime")),
-        reader.time(QStringLiteral("endTime")), reader.integer(QStringLiteral("cadence"), 0),
-        reader.boolean(QStringLiteral("linked"))};
+        static_cast<int>(reader.integer(QStringLiteral("sourceId"))),
+        reader.time(QStringLiteral("startTime")), reader.time(QStringLiteral("endTime")),
+        reader.integer(QStringLiteral("cadence"), 0), reader.boolean(QStringLiteral("linked"))};
     reader.boolean(QStringLiteral("jpip"));
     reader.boolean(QStringLiteral("verbose"));
     return reader.complaint().isEmpty() ? frameIndex(archive, asked)

@@ -20,14 +20,15 @@ constexpr int keptKilobytes = 256 * 1024;
 /// What a rendering of the whole image, @p widthPx wide, shows.
 SceneView viewOf(const ArchiveSource &source, const ArchiveImage &image, int widthPx)
 {
-    const double zoom = double(widthPx) / source.widthPx;
+    const double zoom = static_cast<double>(widthPx) / source.widthPx;
     SceneView view;
     view.widthPx = widthPx;
-    view.heightPx = std::max(int(std::lround(source.heightPx * zoom)), 1);
+    view.heightPx = std::max(static_cast<int>(std::lround(source.heightPx * zoom)), 1);
     view.disk = {(source.refPixelX - 0.5) * zoom, (source.heightPx - source.refPixelY + 0.5) * zoom,
                  source.rsunPx / sunDistanceAu(source, image.unixTime) * zoom};
     view.unixTime = image.unixTime;
-    view.grainSeed = hashOf(quint64(source.sourceId), quint64(image.slot));
+    view.grainSeed =
+        hashOf(static_cast<quint64>(source.sourceId), static_cast<quint64>(image.slot));
     view.look = lookOf(source.path);
     return view;
 }

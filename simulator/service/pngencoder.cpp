@@ -16,7 +16,7 @@ namespace {
 void append(png_structp png, png_bytep bytes, png_size_t count)
 {
     static_cast<QByteArray *>(png_get_io_ptr(png))
-        ->append(reinterpret_cast<const char *>(bytes), int(count));
+        ->append(reinterpret_cast<const char *>(bytes), static_cast<int>(count));
 }
 
 void setPalette(png_structp png, png_infop info, const QVector<QRgb> &palette)
@@ -28,9 +28,9 @@ void setPalette(png_structp png, png_infop info, const QVector<QRgb> &palette)
             {png_byte(qRed(colour)), png_byte(qGreen(colour)), png_byte(qBlue(colour))});
         alphas.push_back(png_byte(qAlpha(colour)));
     }
-    png_set_PLTE(png, info, colours.data(), int(colours.size()));
+    png_set_PLTE(png, info, colours.data(), static_cast<int>(colours.size()));
     if (std::any_of(alphas.begin(), alphas.end(), [](png_byte alpha) { return alpha < 255; }))
-        png_set_tRNS(png, info, alphas.data(), int(alphas.size()), nullptr);
+        png_set_tRNS(png, info, alphas.data(), static_cast<int>(alphas.size()), nullptr);
 }
 
 /// The grain of a picture leaves a thorough packer little to find: runs and shorter codes for
@@ -58,7 +58,7 @@ QByteArray encodePng(const QImage &picture)
                  PNG_FILTER_TYPE_DEFAULT);
     setPalette(png, info, picture.colorTable());
     std::vector<png_bytep> rows;
-    rows.reserve(size_t(picture.height()));
+    rows.reserve(static_cast<size_t>(picture.height()));
     for (int row = 0; row < picture.height(); ++row)
         rows.push_back(const_cast<png_bytep>(picture.constScanLine(row))); // only read
     png_set_rows(png, info, rows.data());

@@ -26,10 +26,11 @@ struct Life
 std::vector<Life> livesAt(double now, double spacing, double longest, quint64 kind)
 {
     std::vector<Life> lives;
-    const auto last = qint64(std::floor(now / spacing));
-    for (auto number = qint64(std::floor((now - longest) / spacing)); number <= last; ++number) {
-        const quint64 seed = hashOf(kind, quint64(number));
-        const double born = (double(number) + chance(seed, 0)) * spacing;
+    const auto last = static_cast<qint64>(std::floor(now / spacing));
+    for (auto number = static_cast<qint64>(std::floor((now - longest) / spacing)); number <= last;
+         ++number) {
+        const quint64 seed = hashOf(kind, static_cast<quint64>(number));
+        const double born = (static_cast<double>(number) + chance(seed, 0)) * spacing;
         if (born < now && born > now - longest)
             lives.push_back({seed, born, now - born});
     }
@@ -40,8 +41,8 @@ std::vector<Life> livesAt(double now, double spacing, double longest, quint64 ki
 Vector3 pointAt(float latitude, float longitude, double ageSeconds)
 {
     const double turned =
-        synodicRadiansPerDay(std::sin(double(latitude))) * ageSeconds / secondsPerDay;
-    const float now = longitude + float(turned);
+        synodicRadiansPerDay(std::sin(static_cast<double>(latitude))) * ageSeconds / secondsPerDay;
+    const float now = longitude + static_cast<float>(turned);
     return {std::cos(latitude) * std::sin(now), std::sin(latitude),
             std::cos(latitude) * std::cos(now)};
 }
@@ -53,7 +54,7 @@ float flareAt(quint64 seed, double now, float strength)
     float brightness = 0.0F;
     for (const Life &flare : livesAt(now + 600.0, spacing, 2.0 * spacing, seed)) {
         const Draw draw(flare.seed);
-        const float minutes = float(flare.age - 600.0) / 60.0F;
+        const float minutes = static_cast<float>(flare.age - 600.0) / 60.0F;
         const float size = 0.15F + 0.85F * draw(2) * draw(2) * draw(2);
         if (draw(1) < 0.35F * strength)
             brightness += size * (minutes < 0.0F ? std::exp(-minutes * minutes / 8.0F)
@@ -95,7 +96,7 @@ Filament filamentOf(const Life &life)
     filament.height = 0.025F + 0.04F * draw(6);
     constexpr int points = 48;
     for (int point = 0; point <= points; ++point) {
-        const float along = float(point) / points - 0.5F;
+        const float along = static_cast<float>(point) / points - 0.5F;
         const float bend = 0.04F * std::sin(along * 6.0F + 6.0F * draw(7)) +
                            0.006F * std::sin(along * 25.0F + 6.0F * draw(8));
         filament.path.push_back(pointAt(latitude + along * length * slope + bend,
@@ -110,10 +111,11 @@ std::vector<ActiveRegion> activeRegionsAt(qint64 unixTime)
 {
     constexpr double longestLife = 40.0 * secondsPerDay;
     std::vector<ActiveRegion> regions;
-    for (const Life &life : livesAt(double(unixTime), 1.1 * secondsPerDay, longestLife, 0x6df9)) {
+    for (const Life &life :
+         livesAt(static_cast<double>(unixTime), 1.1 * secondsPerDay, longestLife, 0x6df9)) {
         const double share = life.age / longestLife / (0.25 + 0.75 * chance(life.seed, 1));
         if (share < 1.0)
-            regions.push_back(regionOf(life, float(share)));
+            regions.push_back(regionOf(life, static_cast<float>(share)));
     }
     return regions;
 }
@@ -122,7 +124,7 @@ std::vector<Filament> filamentsAt(qint64 unixTime)
 {
     std::vector<Filament> filaments;
     for (const Life &life :
-         livesAt(double(unixTime), 3.0 * secondsPerDay, 30.0 * secondsPerDay, 0xf11a))
+         livesAt(static_cast<double>(unixTime), 3.0 * secondsPerDay, 30.0 * secondsPerDay, 0xf11a))
         filaments.push_back(filamentOf(life));
     return filaments;
 }

@@ -20,11 +20,13 @@ constexpr int angles = 1440;
 std::vector<float> streamersAt(qint64 unixTime)
 {
     // The pattern changes as the Sun turns below it.
-    const float slow = 0.12F * float(std::fmod(double(unixTime) / secondsPerDay, 2000.0));
+    const float slow =
+        0.12F *
+        static_cast<float>(std::fmod(static_cast<double>(unixTime) / secondsPerDay, 2000.0));
     std::vector<float> streamers;
     streamers.reserve(angles + 1);
     for (int angle = 0; angle <= angles; ++angle) {
-        const float radians = float(angle) / angles * 6.2831853F;
+        const float radians = static_cast<float>(angle) / angles * 6.2831853F;
         const Vector3 direction{std::sin(radians), std::cos(radians), 0.0F};
         const float belt = 1.0F - 0.75F * direction.y * direction.y; // most stand over the equator
         const float wide = 0.5F + 0.9F * noise(direction * 1.7F + Vector3{0.0F, slow, 0.0F});
@@ -83,11 +85,12 @@ void paintOutbursts(LightField &field, qint64 unixTime, const Optics &optics)
 {
     constexpr double spacing = 8.0 * secondsPerHour;
     constexpr int kept = 12; // four days, in which the slowest leaves the widest field
-    const auto last = qint64(double(unixTime) / spacing);
+    const auto last = static_cast<qint64>(static_cast<double>(unixTime) / spacing);
     for (qint64 number = last - kept; number <= last; ++number) {
-        const Draw draw(hashOf(0xcaf, quint64(number)));
-        const double age = double(unixTime) - (double(number) + double(draw(0))) * spacing;
-        const Outburst outburst = outburstOf(draw, float(age));
+        const Draw draw(hashOf(0xcaf, static_cast<quint64>(number)));
+        const double age = static_cast<double>(unixTime) -
+                           (static_cast<double>(number) + static_cast<double>(draw(0))) * spacing;
+        const Outburst outburst = outburstOf(draw, static_cast<float>(age));
         if (age > 0.0 && outburst.front - 2.0F * outburst.radius < optics.edge)
             paintOutburst(field, outburst);
     }
@@ -108,17 +111,19 @@ bool isHidden(float x, float y, const Optics &optics)
 void paintStars(LightField &field, qint64 unixTime, const Optics &optics)
 {
     constexpr double radiiPerDay = 3.7;
-    const double span = 2.4 * double(optics.edge);
+    const double span = 2.4 * static_cast<double>(optics.edge);
     for (int star = 0; star < optics.stars; ++star) {
-        const Draw draw(0x57a2 + quint64(star));
+        const Draw draw(0x57a2 + static_cast<quint64>(star));
         const double travelled =
-            double(unixTime) / secondsPerDay * radiiPerDay / span + double(draw(0));
-        const float x = float((travelled - std::floor(travelled) - 0.5) * span);
-        const float y = (draw(1) - 0.5F) * float(span);
+            static_cast<double>(unixTime) / secondsPerDay * radiiPerDay / span +
+            static_cast<double>(draw(0));
+        const float x = static_cast<float>((travelled - std::floor(travelled) - 0.5) * span);
+        const float y = (draw(1) - 0.5F) * static_cast<float>(span);
         const float brightness = 0.1F + 0.9F * std::pow(draw(2), 8.0F);
         if (!isHidden(x, y, optics))
             field.addSpot(x, y,
-                          (1.2F + 1.6F * brightness * brightness) / float(field.disk().radius),
+                          (1.2F + 1.6F * brightness * brightness) /
+                              static_cast<float>(field.disk().radius),
                           1.8F * brightness);
     }
 }
@@ -129,11 +134,12 @@ void paintCoronagraph(LightField &field, qint64 unixTime, const Optics &optics)
 {
     paintOutbursts(field, unixTime, optics);
     const std::vector<float> streamers = streamersAt(unixTime);
-    const float outflow = 0.5F * float(std::fmod(double(unixTime) / secondsPerHour, 500.0));
+    const float outflow =
+        0.5F * static_cast<float>(std::fmod(static_cast<double>(unixTime) / secondsPerHour, 500.0));
     const float start = std::log(optics.occulter);
     const auto streamerAt = [&streamers](float x, float y) {
-        const float place = (turnsOf(x, y) + 0.5F) * float(angles);
-        const size_t angle = (size_t(place) + angles / 2) % angles;
+        const float place = (turnsOf(x, y) + 0.5F) * static_cast<float>(angles);
+        const size_t angle = (static_cast<size_t>(place) + angles / 2) % angles;
         const float across = place - std::floor(place);
         return streamers[angle] + (streamers[angle + 1] - streamers[angle]) * across;
     };

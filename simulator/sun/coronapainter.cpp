@@ -28,7 +28,7 @@ float surfaceAlong(const Surface &surface, const Vector3 &limb)
     constexpr int reach = 3; // samples on either side of the limb
     float sum = 0.0F;
     for (int sample = -reach; sample <= reach; ++sample) {
-        const Vector3 point = normalized({limb.x, limb.y, float(sample) * 0.12F});
+        const Vector3 point = normalized({limb.x, limb.y, static_cast<float>(sample) * 0.12F});
         const Texel texel = surface.texelAt(point);
         const float pole = std::max(std::fabs(point.y) - 0.75F, 0.0F) * 1.6F;
         sum += 0.5F + texel.cloud - 1.1F * std::max(texel.region + pole - 0.55F, 0.0F);
@@ -51,7 +51,7 @@ float regionsAt(const Vector3 &limb, const std::vector<ActiveRegion> &regions)
 Column columnAt(int angle, const Surface &surface, const std::vector<ActiveRegion> &regions,
                 const SunStyle &style)
 {
-    const float radians = float(angle) / float(angles) * 6.2831853F;
+    const float radians = static_cast<float>(angle) / static_cast<float>(angles) * 6.2831853F;
     const Vector3 limb{std::sin(radians), std::cos(radians), 0.0F};
     const float base = surfaceAlong(surface, limb);
     const float active = regionsAt(limb, regions);
@@ -78,7 +78,8 @@ void paintCorona(LightField &field, const Surface &surface,
         if (square < 1.0F || square > reach * reach)
             return;
         const float height = std::sqrt(square) - 1.0F;
-        const Column &column = columns[size_t((turnsOf(x, y) + 1.0F) * angles) % angles];
+        const Column &column =
+            columns[static_cast<size_t>((turnsOf(x, y) + 1.0F) * angles) % angles];
         const float rays = 1.0F + column.rays * std::min(height * 14.0F, 1.3F);
         light += column.light * rays * std::exp(-height * column.inverseHeight);
     });

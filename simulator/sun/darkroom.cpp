@@ -20,11 +20,11 @@ std::vector<int> curveOf(const Development &development)
 {
     std::vector<int> table(lightSteps + 1);
     for (int step = 0; step <= lightSteps; ++step) {
-        const float light = float(step) / lightSteps;
+        const float light = static_cast<float>(step) / lightSteps;
         const float lifted = development.curve > 0.0F ? std::log1p(development.curve * light) /
                                                             std::log1p(development.curve)
                                                       : light;
-        table[size_t(step)] = int(lifted * brightest * 256.0F);
+        table[static_cast<size_t>(step)] = static_cast<int>(lifted * brightest * 256.0F);
     }
     return table;
 }
@@ -33,14 +33,15 @@ std::vector<int> curveOf(const Development &development)
 class Grain
 {
 public:
-    Grain(quint64 seed, float spread) : m_state(seed), m_factor(int(spread * 256.0F)) {}
+    Grain(quint64 seed, float spread) : m_state(seed), m_factor(static_cast<int>(spread * 256.0F))
+    {}
 
     /// In 1/256 of a step.
     int next()
     {
         m_state = m_state * 6364136223846793005ULL + 1442695040888963407ULL;
-        const int first = int(m_state >> 56);
-        const int second = int(m_state >> 48) & 255;
+        const int first = static_cast<int>(m_state >> 56);
+        const int second = static_cast<int>(m_state >> 48) & 255;
         return ((first - second) * m_factor) >> 7;
     }
 
@@ -57,7 +58,7 @@ QImage develop(const LightField &field, const QVector<QRgb> &palette,
     QImage picture(field.widthPx(), field.heightPx(), QImage::Format_Indexed8);
     picture.setColorTable(palette);
     const std::vector<int> curve = curveOf(development);
-    const float scale = float(lightSteps) / (development.white - development.black);
+    const float scale = static_cast<float>(lightSteps) / (development.white - development.black);
     const float black = development.black;
     Grain grain(development.grainSeed, development.grain);
     for (int line = 0; line < field.heightPx(); ++line) {
@@ -66,8 +67,9 @@ QImage develop(const LightField &field, const QVector<QRgb> &palette,
         uchar *pixel = picture.scanLine(line);
         for (int column = 0; column < field.widthPx(); ++column) {
             const float x = field.xOf(column);
-            const int step = std::min(int((light[column] - black) * scale), lightSteps);
-            const int level = curve[size_t(std::max(step, 0))];
+            const int step =
+                std::min(static_cast<int>((light[column] - black) * scale), lightSteps);
+            const int level = curve[static_cast<size_t>(std::max(step, 0))];
             // Nothing shines beyond the corona: what is dark there stays calm.
             const int noise = grain.next() * std::min(level, 2048) / 2048;
             const int least = x * x + y * y < 1.0F ? development.darkestOnDisk : 0;

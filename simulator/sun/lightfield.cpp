@@ -8,17 +8,17 @@ LightField::LightField(int widthPx, int heightPx, const Disk &disk)
     : m_widthPx(widthPx)
     , m_heightPx(heightPx)
     , m_disk(disk)
-    , m_light(size_t(widthPx) * size_t(heightPx), 0.0F)
+    , m_light(static_cast<size_t>(widthPx) * static_cast<size_t>(heightPx), 0.0F)
 {}
 
 LightField::Box LightField::boxAround(float x, float y, float halfSide) const
 {
-    const float radius = float(m_disk.radius);
-    const float column = float(m_disk.centreX) + x * radius;
-    const float line = float(m_disk.centreY) - y * radius;
+    const float radius = static_cast<float>(m_disk.radius);
+    const float column = static_cast<float>(m_disk.centreX) + x * radius;
+    const float line = static_cast<float>(m_disk.centreY) - y * radius;
     const float reach = halfSide * radius;
     const auto clip = [](float value, int limit) {
-        return int(std::clamp(value, 0.0F, float(limit)));
+        return static_cast<int>(std::clamp(value, 0.0F, static_cast<float>(limit)));
     };
     return {clip(column - reach, m_widthPx), clip(column + reach + 1.0F, m_widthPx),
             clip(line - reach, m_heightPx), clip(line + reach + 1.0F, m_heightPx)};
@@ -27,7 +27,7 @@ LightField::Box LightField::boxAround(float x, float y, float halfSide) const
 float LightField::effectiveRadius(float radius) const
 {
     constexpr float thinnestPx = 1.25F; // below it a line breaks up into pixels
-    return std::max(radius, thinnestPx / float(m_disk.radius));
+    return std::max(radius, thinnestPx / static_cast<float>(m_disk.radius));
 }
 
 template<typename Change>

@@ -21,20 +21,25 @@ public:
     int heightPx() const { return m_heightPx; }
     const Disk &disk() const { return m_disk; }
 
-    float *row(int number) { return m_light.data() + size_t(number) * size_t(m_widthPx); }
+    float *row(int number)
+    {
+        return m_light.data() + static_cast<size_t>(number) * static_cast<size_t>(m_widthPx);
+    }
     const float *row(int number) const
     {
-        return m_light.data() + size_t(number) * size_t(m_widthPx);
+        return m_light.data() + static_cast<size_t>(number) * static_cast<size_t>(m_widthPx);
     }
 
     /// Centres of columns and rows in solar radii.
     float xOf(int column) const
     {
-        return (float(column) + 0.5F - float(m_disk.centreX)) / float(m_disk.radius);
+        return (static_cast<float>(column) + 0.5F - static_cast<float>(m_disk.centreX)) /
+               static_cast<float>(m_disk.radius);
     }
     float yOf(int rowNumber) const
     {
-        return (float(m_disk.centreY) - 0.5F - float(rowNumber)) / float(m_disk.radius);
+        return (static_cast<float>(m_disk.centreY) - 0.5F - static_cast<float>(rowNumber)) /
+               static_cast<float>(m_disk.radius);
     }
 
     /// Columns and rows that a square covers; first = last when it is outside.

@@ -110,7 +110,7 @@ QVector<QRgb> colourTable(const Palette &palette)
     constexpr int colours = 255;
     QVector<QRgb> table;
     for (int index = 0; index < colours; ++index) {
-        const double brightness = double(index) / (colours - 1);
+        const double brightness = static_cast<double>(index) / (colours - 1);
         table.append(qRgb(level(palette.red, brightness), level(palette.green, brightness),
                           level(palette.blue, brightness)));
     }

@@ -49,9 +49,9 @@ Loop archOf(const ActiveRegion &region, quint64 number, qint64 unixTime)
     const float height = std::sqrt(dot(loop.half, loop.half)) * (0.85F + 0.35F * draw(9));
     loop.top = normalized(normalized(loop.middle) + region.across * lean) * height;
     loop.light = (0.2F + 0.8F * draw(10) * draw(10)) * (1.25F - 0.6F * reach);
-    const double turns =
-        double(unixTime) / (1200.0 + 6000.0 * double(draw(12))); // of 20 to 120 min
-    loop.phase = 2.0F * pi * (float(turns - std::floor(turns)) + draw(11));
+    const double turns = static_cast<double>(unixTime) /
+                         (1200.0 + 6000.0 * static_cast<double>(draw(12))); // of 20 to 120 min
+    loop.phase = 2.0F * pi * (static_cast<float>(turns - std::floor(turns)) + draw(11));
     return loop;
 }
 
@@ -67,9 +67,9 @@ void paintLoop(LightField &field, const Loop &loop, float light)
     const float step = pi * field.stepFor(loopRadius) / std::max(circumference, 0.01F);
     const float stepLength = circumference / pi * step;
     Vector3 last = loop.middle + loop.half;
-    const int steps = int(pi / step);
+    const int steps = static_cast<int>(pi / step);
     for (int number = 1; number < steps; ++number) {
-        const float along = step * float(number);
+        const float along = step * static_cast<float>(number);
         const Vector3 point =
             loop.middle + loop.half * std::cos(along) + loop.top * std::sin(along);
         // A leg that points at the observer is many spots in one place.
@@ -87,10 +87,10 @@ void paintLoop(LightField &field, const Loop &loop, float light)
 /// The gas of a filament above one point of the surface.
 void paintColumn(LightField &field, const Vector3 &foot, float height, const SunStyle &style)
 {
-    const int spots = std::max(int(height / filamentRadius), 1);
-    const float share = 1.0F / float(spots);
+    const int spots = std::max(static_cast<int>(height / filamentRadius), 1);
+    const float share = 1.0F / static_cast<float>(spots);
     for (int spot = 0; spot < spots; ++spot) {
-        const Vector3 point = foot * (1.0F + height * float(spot) * share);
+        const Vector3 point = foot * (1.0F + height * static_cast<float>(spot) * share);
         if (isBehindSun(point))
             continue;
         if (point.x * point.x + point.y * point.y > 1.0F)
@@ -105,10 +105,11 @@ void paintStretch(LightField &field, const Filament &filament, size_t number, co
 {
     const Vector3 from = filament.path[number - 1];
     const Vector3 span = filament.path[number] - from;
-    const int steps = std::max(int(std::sqrt(dot(span, span)) / field.stepFor(filamentRadius)), 1);
+    const int steps =
+        std::max(static_cast<int>(std::sqrt(dot(span, span)) / field.stepFor(filamentRadius)), 1);
     for (int step = 0; step < steps; ++step) {
-        const float along = float(step) / float(steps);
-        const float place = float(number) + along;
+        const float along = static_cast<float>(step) / static_cast<float>(steps);
+        const float place = static_cast<float>(number) + along;
         const float wave = std::sin(0.9F * place) * std::sin(0.37F * place);
         paintColumn(field, from + span * along, filament.height * (0.6F + 0.4F * wave), style);
     }
@@ -124,9 +125,9 @@ void paintLoops(LightField &field, const std::vector<ActiveRegion> &regions, qin
         const float light = style.loops * region.strength * flare;
         if (light <= 0.0F || region.centre.z < -0.55F)
             continue;
-        const int count = int(110.0F * (0.25F + 0.75F * region.strength));
+        const int count = static_cast<int>(110.0F * (0.25F + 0.75F * region.strength));
         for (int number = 0; number < count; ++number)
-            paintLoop(field, archOf(region, quint64(number), unixTime), light);
+            paintLoop(field, archOf(region, static_cast<quint64>(number), unixTime), light);
     }
 }
 

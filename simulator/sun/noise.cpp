@@ -39,8 +39,8 @@ float gradient(unsigned hash, float x, float y, float z)
 /// std::floor() is a call into the library on a plain x86-64.
 int floorOf(float value)
 {
-    const int truncated = int(value);
-    return truncated - (float(truncated) > value ? 1 : 0);
+    const int truncated = static_cast<int>(value);
+    return truncated - (static_cast<float>(truncated) > value ? 1 : 0);
 }
 
 float fade(float t)
@@ -60,12 +60,12 @@ float noise(const Vector3 &point)
     const int floorX = floorOf(point.x);
     const int floorY = floorOf(point.y);
     const int floorZ = floorOf(point.z);
-    const float x = point.x - float(floorX);
-    const float y = point.y - float(floorY);
-    const float z = point.z - float(floorZ);
-    const size_t i = size_t(floorX & 255);
-    const size_t j = size_t(floorY & 255);
-    const size_t k = size_t(floorZ & 255);
+    const float x = point.x - static_cast<float>(floorX);
+    const float y = point.y - static_cast<float>(floorY);
+    const float z = point.z - static_cast<float>(floorZ);
+    const size_t i = static_cast<size_t>(floorX & 255);
+    const size_t j = static_cast<size_t>(floorY & 255);
+    const size_t k = static_cast<size_t>(floorZ & 255);
     const Permutation &p = permutation;
     const size_t a = p[i] + j;
     const size_t b = p[i + 1] + j;

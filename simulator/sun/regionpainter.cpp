@@ -79,9 +79,9 @@ struct Sunspot
 std::vector<Sunspot> spotsOf(const ActiveRegion &region)
 {
     std::vector<Sunspot> spots;
-    const int count = int(1.0F + 6.0F * region.strength);
+    const int count = static_cast<int>(1.0F + 6.0F * region.strength);
     for (int spot = 0; spot < count; ++spot) {
-        const Draw draw(hashOf(region.seed, 100 + quint64(spot)));
+        const Draw draw(hashOf(region.seed, 100 + static_cast<quint64>(spot)));
         const float side = spot % 3 == 0 ? 0.75F : -0.75F;
         const float size = spot == 0 ? 0.44F : 0.17F + 0.16F * draw(0);
         spots.push_back({side + (spot == 0 ? 0.0F : 0.8F * (draw(1) - 0.5F)),

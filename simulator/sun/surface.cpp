@@ -14,8 +14,10 @@ constexpr float nextDetail = 3.3F;
 int detailLevelsOf(double radiusPx, int mapColumns)
 {
     const double pixelsPerTexel = radiusPx * 2.0 * M_PI / mapColumns;
-    const double finest = pixelsPerTexel * 1.1 / double(firstDetail);
-    return finest <= 1.0 ? 0 : 1 + int(std::log(finest) / std::log(double(nextDetail)));
+    const double finest = pixelsPerTexel * 1.1 / static_cast<double>(firstDetail);
+    return finest <= 1.0
+               ? 0
+               : 1 + static_cast<int>(std::log(finest) / std::log(static_cast<double>(nextDetail)));
 }
 
 } // namespace
@@ -24,8 +26,9 @@ Surface::Surface(qint64 unixTime, double radiusPx)
     : m_map(SurfaceMap::forRadius(radiusPx))
     , m_detailLevels(detailLevelsOf(radiusPx, m_map.columns()))
 {
-    const double turns = double(unixTime) / 86400.0 * synodicRadiansPerDay(0.3) / (2.0 * M_PI);
-    m_turns = float(turns - std::floor(turns));
+    const double turns =
+        static_cast<double>(unixTime) / 86400.0 * synodicRadiansPerDay(0.3) / (2.0 * M_PI);
+    m_turns = static_cast<float>(turns - std::floor(turns));
 }
 
 Texel Surface::texelAt(const Vector3 &point) const

@@ -73,23 +73,27 @@ const SurfaceMap &SurfaceMap::forRadius(double radiusPx)
     return maps.try_emplace(columns, columns).first->second;
 }
 
-SurfaceMap::SurfaceMap(int columns) : m_columns(unsigned(columns)), m_rows(unsigned(columns) / 2)
+SurfaceMap::SurfaceMap(int columns)
+    : m_columns(static_cast<unsigned>(columns)), m_rows(static_cast<unsigned>(columns) / 2)
 {
     constexpr int stride = 8; // bends change slowly: each eighth texel's are enough
-    m_texels.reserve(size_t(m_columns) * m_rows);
+    m_texels.reserve(static_cast<size_t>(m_columns) * m_rows);
     for (unsigned row = 0; row < m_rows; ++row) {
-        const float sine = 2.0F * (float(row) + 0.5F) / float(m_rows) - 1.0F;
+        const float sine =
+            2.0F * (static_cast<float>(row) + 0.5F) / static_cast<float>(m_rows) - 1.0F;
         const float cosine = std::sqrt(1.0F - sine * sine);
         const auto pointAt = [=](int column) {
-            const float longitude = 2.0F * float(M_PI) * float(column) / float(columns);
+            const float longitude = 2.0F * static_cast<float>(M_PI) * static_cast<float>(column) /
+                                    static_cast<float>(columns);
             return Vector3{cosine * std::sin(longitude), sine, cosine * std::cos(longitude)};
         };
         Bends left = bendsAt(pointAt(0));
         for (int column = 0; column < columns; column += stride) {
             const Bends right = bendsAt(pointAt(column + stride));
             for (int step = 0; step < stride; ++step)
-                m_texels.push_back(texelAt(pointAt(column + step),
-                                           mixed(left, right, float(step) / float(stride))));
+                m_texels.push_back(texelAt(
+                    pointAt(column + step),
+                    mixed(left, right, static_cast<float>(step) / static_cast<float>(stride))));
             left = right;
         }
     }
@@ -99,10 +103,10 @@ Texel SurfaceMap::detailAt(float turns, float sinLatitude, float times) const
 {
     // To and fro in the middle of the map, clear of the poles where texels are stretched.
     const float way = (sinLatitude + 1.0F) * times * 0.5F;
-    const float part = way - float(int(way));
+    const float part = way - static_cast<float>(static_cast<int>(way));
     const float inBand = part < 0.5F ? part : 1.0F - part;
-    return interpolated((turns + 1.0F) * times * float(m_columns),
-                        (0.25F + inBand) * float(m_rows));
+    return interpolated((turns + 1.0F) * times * static_cast<float>(m_columns),
+                        (0.25F + inBand) * static_cast<float>(m_rows));
 }
 
 } // namespace Simulator

@@ -36,13 +36,13 @@ public:
     explicit SurfaceMap(int columns);
 
     /// How many columns go around the Sun, a power of two.
-    int columns() const { return int(m_columns); }
+    int columns() const { return static_cast<int>(m_columns); }
 
     /// Smoothly interpolated; @p turns from -1 on, @p sinLatitude -1 to 1.
     Texel at(float turns, float sinLatitude) const
     {
-        return interpolated((turns + 1.0F) * float(m_columns),
-                            (sinLatitude + 1.0F) * 0.5F * float(m_rows - 1));
+        return interpolated((turns + 1.0F) * static_cast<float>(m_columns),
+                            (sinLatitude + 1.0F) * 0.5F * static_cast<float>(m_rows - 1));
     }
 
     /// The same texture, @p times as fine and repeated, for what is smaller than a texel.
@@ -51,15 +51,16 @@ public:
 private:
     Texel interpolated(float column, float row) const
     {
-        const unsigned i = unsigned(column);
-        const unsigned j = unsigned(row);
+        const unsigned i = static_cast<unsigned>(column);
+        const unsigned j = static_cast<unsigned>(row);
         const unsigned left = i & (m_columns - 1U);
         const unsigned right = (i + 1U) & (m_columns - 1U);
-        const Texel *lower = m_texels.data() + size_t(j & (m_rows - 1U)) * m_columns;
-        const Texel *upper = m_texels.data() + size_t((j + 1U) & (m_rows - 1U)) * m_columns;
-        const float across = column - float(i);
+        const Texel *lower = m_texels.data() + static_cast<size_t>(j & (m_rows - 1U)) * m_columns;
+        const Texel *upper =
+            m_texels.data() + static_cast<size_t>((j + 1U) & (m_rows - 1U)) * m_columns;
+        const float across = column - static_cast<float>(i);
         return mixed(mixed(lower[left], lower[right], across),
-                     mixed(upper[left], upper[right], across), row - float(j));
+                     mixed(upper[left], upper[right], across), row - static_cast<float>(j));
     }
 
     unsigned m_columns;

@@ -57,9 +57,9 @@ void takeRotations(Album &album, const RoiSource &source, const RoiSourceFrame &
     Roi roi = regions().constFirst();
     for (int choice = 0; choice < 4; ++choice) {
         roi.rotation = RoiGeometry::rotationAt(choice);
-        album.addPhotograph(QStringLiteral("rotation%1").arg(choice),
-                            RoiPicture::ofFrame(QImage(frame.file), frame, roi,
-                                                {{}, source.nickname, {}}));
+        album.addPhotograph(
+            QStringLiteral("rotation%1").arg(choice),
+            RoiPicture::ofFrame(QImage(frame.file), frame, roi, {{}, source.nickname, {}}));
     }
 }
 
