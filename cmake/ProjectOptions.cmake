@@ -12,6 +12,8 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_AUTOMOC ON)
 set(CMAKE_AUTOUIC ON)
 set(CMAKE_AUTORCC ON)
+# The first format has no times of files, which would differ from clone to clone.
+set(CMAKE_AUTORCC_OPTIONS --format-version 1)
 
 add_library(orvik_options INTERFACE)
 target_compile_definitions(orvik_options INTERFACE
