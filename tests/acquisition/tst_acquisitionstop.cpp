@@ -28,7 +28,7 @@ AcquisitionSettings smallSession()
 } // namespace
 
 /// A session that does not run to its end.
-class TestAcquisitionStop : public QObject
+class TestAcquisitionStop final : public QObject
 {
     Q_OBJECT
 
