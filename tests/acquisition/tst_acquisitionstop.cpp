@@ -16,6 +16,7 @@ void replaceEncoder(bool endless)
     FakeProgram::Reply reply;
     reply.hang = endless;
     reply.standardOutput = "encoding\n";
+    reply.files.insert("$last"_s, "a film");
     FakeProgram::replace("ffmpeg"_s, {reply});
 }
 
