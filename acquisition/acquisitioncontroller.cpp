@@ -397,8 +397,9 @@ void AcquisitionController::annotateFrame()
     m_frameStep = FrameStep::Write;
     const FrameLookup &frame = *m_lookup;
     const QString warning = detectBlankRendererBlock(m_picture, frame.answer);
-    m_picture = timestampedCopy(std::move(m_picture), frame.actualUtc, frame.request.nickname,
-                                frame.answer, m_settings.sourceOverlay, m_settings.scaleOverlay);
+    m_picture = FrameAnnotation::timestampedCopy(std::move(m_picture), frame.actualUtc,
+                                                 frame.request.nickname, frame.answer,
+                                                 m_settings.sourceOverlay, m_settings.scaleOverlay);
     if (warning.isEmpty() || report(AcquisitionLog::blankBlock(frame.request, warning)))
         m_nextStep.start();
 }
@@ -407,7 +408,7 @@ void AcquisitionController::writeFrame()
 {
     m_frameStep = FrameStep::Lookup;
     QString reason;
-    bool hasVideoFrame = saveTimestampedCopy(m_picture, m_lookup->videoFrameFile, &reason);
+    bool hasVideoFrame = FrameAnnotation::save(m_picture, m_lookup->videoFrameFile, &reason);
     if (hasVideoFrame)
         m_pictureFile = m_lookup->videoFrameFile;
     else if (!replaceVideoFrame(reason, &hasVideoFrame))

@@ -12,13 +12,21 @@ namespace {
 
 /// Far beyond what the program writes, but not what would fill the memory.
 constexpr qint64 maxBytes = 64 << 20;
+constexpr int maxValues = 10'000'000;  // of sixteen bytes
+constexpr int maxContainers = 100'000; // of some hundred bytes, and often each an item in a window
+
+/// Without a look at the signs, in texts for instance, while there cannot be too many.
+bool isTooMuch(const QByteArray &json, char sign, int limit)
+{
+    return json.size() > limit && json.count(sign) > limit;
+}
 
 } // namespace
 
 std::optional<QJsonObject> JsonFile::parse(const QByteArray &json, QString *errorText)
 {
-    constexpr int maxValues = 10'000'000;
-    if (json.size() > maxValues && json.count(',') > maxValues)
+    if (isTooMuch(json, ',', maxValues) || isTooMuch(json, '{', maxContainers) ||
+        isTooMuch(json, '[', maxContainers))
         return ErrorText::nothing(errorText, QStringLiteral("too many values"));
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(json, &error);

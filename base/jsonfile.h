@@ -16,9 +16,9 @@ enum class SaveResult { Saved, CannotOpen, CannotCommit };
 /**
  * The object that @p json holds.
  *
- * @return nothing when it does not parse, holds no object, or has more than ten million values,
- *         each of which takes sixteen bytes; then @p errorText, which may be null, is the parser's
- *         reason or says so
+ * @return nothing when it does not parse, holds no object, or has more than ten million values or a
+ *         hundred thousand objects or arrays, which would take more memory than the text; then
+ *         @p errorText, which may be null, is the parser's reason or says so
  */
 std::optional<QJsonObject> parse(const QByteArray &json, QString *errorText = nullptr);
 

@@ -38,6 +38,11 @@ QDateTime UtcText::fromText(const QString &text)
     return time.toUTC();
 }
 
+QDateTime UtcText::wholeSecond(const QDateTime &time)
+{
+    return time.addMSecs(-time.time().msec());
+}
+
 QString UtcText::toOverlayText(const QDateTime &time)
 {
     return inPlainDigits(time, QStringLiteral("yyyy-MM-dd HH:mm:ss 'UTC'"));

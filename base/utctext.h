@@ -17,6 +17,8 @@ QString toText(const QDateTime &time);
  */
 QDateTime fromText(const QString &text);
 
+/// @p time without its fraction of a second, which the user interface does not show.
+QDateTime wholeSecond(const QDateTime &time);
 /// "2024-05-01 12:00:07 UTC", the form that is drawn on frames.
 QString toOverlayText(const QDateTime &time);
 

@@ -128,8 +128,9 @@ void drawFrameAnnotations(QImage &image, const QDateTime &actualUtc, const QStri
         drawScaleBar(painter, frame, measures, kmPerPixel);
 }
 
-QImage timestampedCopy(QImage image, const QDateTime &actualUtc, const QString &sourceLabel,
-                       const QJsonObject &metadata, bool drawSource, bool drawScale)
+QImage FrameAnnotation::timestampedCopy(QImage image, const QDateTime &actualUtc,
+                                        const QString &sourceLabel, const QJsonObject &metadata,
+                                        bool drawSource, bool drawScale)
 {
     if (image.isNull())
         return image;
@@ -141,7 +142,7 @@ QImage timestampedCopy(QImage image, const QDateTime &actualUtc, const QString &
     return withEvenSides(std::move(image));
 }
 
-bool saveTimestampedCopy(const QImage &copy, const QString &outputPath, QString *errorText)
+bool FrameAnnotation::save(const QImage &copy, const QString &outputPath, QString *errorText)
 {
     if (copy.isNull())
         return ErrorText::fail(errorText, QStringLiteral("cannot decode downloaded PNG"));
@@ -157,7 +158,8 @@ bool saveTimestampedFrame(QImage image, const QString &outputPath, const QDateTi
                           const QString &sourceLabel, const QJsonObject &metadata, bool drawSource,
                           bool drawScale, QString *errorText)
 {
-    return saveTimestampedCopy(
-        timestampedCopy(std::move(image), actualUtc, sourceLabel, metadata, drawSource, drawScale),
-        outputPath, errorText);
+    return FrameAnnotation::save(FrameAnnotation::timestampedCopy(std::move(image), actualUtc,
+                                                                  sourceLabel, metadata, drawSource,
+                                                                  drawScale),
+                                 outputPath, errorText);
 }

@@ -21,6 +21,9 @@ class QJsonObject;
 void drawFrameAnnotations(QImage &image, const QDateTime &actualUtc, const QString &sourceLabel,
                           bool drawTimestamp, bool drawSource, bool drawScale, double kmPerPixel);
 
+/// The two steps of saveTimestampedFrame().
+namespace FrameAnnotation {
+
 /**
  * The annotated copy of a decoded frame, always with its time stamp; null for a null image.
  *
@@ -43,10 +46,11 @@ QImage timestampedCopy(QImage image, const QDateTime &actualUtc, const QString &
  *                    timestamped PNG"
  * @return            false when there is no new file; one that was there before is as it was
  */
-bool saveTimestampedCopy(const QImage &copy, const QString &outputPath,
-                         QString *errorText = nullptr);
+bool save(const QImage &copy, const QString &outputPath, QString *errorText = nullptr);
 
-/// timestampedCopy() and saveTimestampedCopy() in one.
+} // namespace FrameAnnotation
+
+/// Both steps of FrameAnnotation in one.
 bool saveTimestampedFrame(QImage image, const QString &outputPath, const QDateTime &actualUtc,
                           const QString &sourceLabel, const QJsonObject &metadata, bool drawSource,
                           bool drawScale, QString *errorText = nullptr);

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QFile>
+#include <QFileInfo>
 #include <QString>
 #include <QtEndian>
 
@@ -32,7 +33,7 @@ struct Box
 };
 
 /// Reads boxes and their contents; lengths are checked against what encloses them.
-class BoxReader
+class BoxReader final
 {
 public:
     explicit BoxReader(QFile &file) : m_file(file), m_size(file.size()) {}
@@ -161,6 +162,8 @@ bool FilmFile::isCutOff(const QString &path)
 
 QString FilmFile::flaw(const QString &path, qint64 pictures)
 {
+    if (!QFileInfo::exists(path))
+        return QStringLiteral("there is no film.");
     const std::optional<Content> content = read(path);
     if (!content || (!content->isCutOff && content->pictures == pictures))
         return {};

@@ -35,7 +35,8 @@ bool isCutOff(const QString &path);
  * @p pictures pictures, or when read() returns nothing.
  *
  * The exit code is not enough: ffmpeg (at least up to 5.1) returns 0 when the disk is full as it
- * closes the film, and when it has skipped pictures that it could not read.
+ * closes the film, and when it has skipped pictures that it could not read; a script in its place
+ * may return 0 without a film.
  */
 QString flaw(const QString &path, qint64 pictures);
 

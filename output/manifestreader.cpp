@@ -27,7 +27,7 @@ bool isKept(const ManifestColumns::Geometry &column, double number)
  * The geometry of a datasource hardly changes from row to row. So each frame starts from the
  * metadata of the previous one, and only what differs is parsed: a million frames share memory.
  */
-class FrameList
+class FrameList final
 {
 public:
     void append(const ManifestTable &table);

@@ -11,10 +11,12 @@ namespace {
 
 QTreeWidgetItem *makeItem(const MadeFilm &film)
 {
-    const double seconds = double(film.pictures) / film.fps;
+    const double seconds = static_cast<double>(film.pictures) / film.fps;
     auto *item = new QTreeWidgetItem({film.nickname, film.region, QString::number(film.pictures),
                                       QString::number(seconds, 'f', 2)});
     item->setData(0, Qt::UserRole, film.file);
+    for (const int number : {2, 3})
+        item->setTextAlignment(number, Qt::AlignRight | Qt::AlignVCenter);
     for (int column = 0; column < item->columnCount(); ++column)
         item->setToolTip(column, QDir::toNativeSeparators(film.file).toHtmlEscaped());
     return item;

@@ -28,11 +28,11 @@ public:
     /// Presets what a session has stored.
     void preset(const StoredSession &session);
     void showScaleLine(const QString &text);
-    /// Warns of what the chosen datasources do not have in common; hidden when empty.
+    /// Shows a warning that the chosen datasources differ; hidden when empty.
     void showScaleWarning(const QString &text);
 
 signals:
-    /// A choice is another one; sent for each.
+    /// A choice has changed; sent once for each.
     void changed();
 
 private:

@@ -120,6 +120,8 @@ QString FrameIntervals::keptText(const QVector<int> &kept, int frames)
         return tr("Film: all frames");
     if (kept.isEmpty())
         return tr("Film: no frame");
+    if (kept.size() == 1)
+        return tr("Film: frame %1").arg(kept.first() + 1);
     return tr("Film: frames %1 to %2")
         .arg(QString::number(kept.first() + 1), QString::number(kept.last() + 1));
 }

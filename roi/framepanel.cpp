@@ -36,6 +36,7 @@ FramePanel::FramePanel(QWidget *parent) : QWidget(parent), m_ui(std::make_unique
 {
     m_ui->setupUi(this);
     m_ui->frameView->installEventFilter(this);
+    m_ui->frameSlider->installEventFilter(this);
     keepHeights();
     m_ui->frameSlider->setEnabled(false);
     m_canvas = new RoiCanvas(m_ui->frameView, this);
@@ -112,12 +113,14 @@ void FramePanel::rest()
     m_player.stop();
 }
 
-/// Keys of the canvas: where the view would scroll they step through the frames.
+/// Keys of the canvas, where the view would scroll, and of the slider.
 bool FramePanel::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     auto *key = static_cast<QKeyEvent *>(event);
+    if (watched == m_ui->frameSlider)
+        return pageBy(key->key());
     const bool isReturn = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
     if (isReturn && m_canvas->isDrawing()) {
         m_canvas->drawMiddle();
@@ -145,11 +148,22 @@ bool FramePanel::stepBy(QKeyEvent *event)
     case Qt::Key_End:
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
-        QCoreApplication::sendEvent(m_ui->frameSlider, event);
+        if (m_ui->frameSlider->isEnabled()) // else the key would come back to this panel
+            QCoreApplication::sendEvent(m_ui->frameSlider, event);
         return true;
     default:
         return false;
     }
+}
+
+/// Page Down goes on through the frames, as through a document; a slider would go back.
+bool FramePanel::pageBy(int key)
+{
+    if (key != Qt::Key_PageUp && key != Qt::Key_PageDown)
+        return false;
+    m_ui->frameSlider->triggerAction(key == Qt::Key_PageDown ? QSlider::SliderPageStepAdd
+                                                             : QSlider::SliderPageStepSub);
+    return true;
 }
 
 void FramePanel::wantFrame(int index)
@@ -237,7 +251,7 @@ void FramePanel::showNone(const QString &text)
     emit frameChanged();
 }
 
-/// Nothing at all is shown where the metadata do not tell it.
+/// Shows nothing where the metadata do not tell the position.
 void FramePanel::showCursor(const QPointF &pixel)
 {
     const bool inside = QRectF(m_image.rect()).contains(pixel);
@@ -245,11 +259,11 @@ void FramePanel::showCursor(const QPointF &pixel)
     m_ui->cursorLabel->setText(inside || text.isEmpty() ? text : tr("Cursor: --"));
 }
 
-/// Whatever the lines below the canvas tell, its own size stays as it is.
+/// Gives the lines below the canvas a fixed height, so that the canvas keeps its size.
 void FramePanel::keepHeights()
 {
     for (QLabel *line : {m_ui->cursorLabel, m_ui->regionLabel}) {
-        line->setText(QStringLiteral("R\u2609")); // a sign that another font may have to lend
+        line->setText(QStringLiteral("R\u2609")); // the sign may come from a taller fallback font
         line->setFixedHeight(line->sizeHint().height());
         line->clear();
     }

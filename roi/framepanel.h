@@ -18,8 +18,8 @@ class FramePanel;
 /**
  * The frames of one datasource, one at a time: the canvas and the slider that walks through them.
  *
- * A frame is decoded in a turn of the event loop of its own, and of all that were asked for since
- * the last one only the newest.
+ * Each frame is decoded in a turn of the event loop of its own; of several that are asked for
+ * meanwhile, only the newest.
  */
 class FramePanel final : public QWidget
 {
@@ -46,16 +46,16 @@ public:
     void showFrames(const QVector<RoiSourceFrame> &frames, int row);
     /// The rate at which frames are played.
     void setRate(int fps) { m_player.setRate(fps); }
-    /// Tells what is known of the size of the current region; empty when nothing is.
+    /// Shows a text about the size of the current region; empty when nothing is known.
     void showRegionSize(const QString &text);
-    /// Lets the next drag draw a region; does nothing without a frame but say so.
+    /// Lets the next drag draw a region; without a frame it only says so.
     void startDrawing();
     void focusSlider();
 
 public slots:
-    /// Drops a rectangle that is being drawn, or the wish to draw one.
+    /// Leaves drawing mode; a half-drawn rectangle is dropped.
     void endDrawing();
-    /// Ends what goes on by itself: drawing and playing.
+    /// Stops drawing and playing.
     void rest();
 
 signals:
@@ -72,6 +72,7 @@ protected:
 
 private:
     bool stepBy(QKeyEvent *event);
+    bool pageBy(int key);
     void wantFrame(int index);
     void showWanted();
     void showNone(const QString &text);

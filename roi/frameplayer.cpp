@@ -43,7 +43,7 @@ void FramePlayer::stop()
 void FramePlayer::tick()
 {
     const qint64 due = m_first + m_clock.elapsed() * m_fps / msPerSecond;
-    emit frameDue(static_cast<int>(std::min(due, qint64(m_last))));
+    emit frameDue(static_cast<int>(std::min<qint64>(due, m_last)));
     if (due >= m_last)
         stop();
 }

@@ -4,8 +4,7 @@
 #include <QObject>
 #include <QTimer>
 
-/// Tells which frame is due while frames are played at a film's rate; those it is too late for are
-/// left out.
+/// Tells which frame is due while frames are played at a film's rate; late frames are skipped.
 class FramePlayer final : public QObject
 {
     Q_OBJECT

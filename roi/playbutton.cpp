@@ -14,7 +14,7 @@ void PlayButton::showPlaying(bool playing)
     update();
 }
 
-/// The style's own signs are black, which is the colour of the window.
+/// The style's own symbols are black, and could not be seen on the dark window.
 void PlayButton::paintEvent(QPaintEvent *event)
 {
     QToolButton::paintEvent(event);

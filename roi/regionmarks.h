@@ -14,7 +14,7 @@ struct RegionMark
     QString name;
 };
 
-/// What there is of a region to take hold of.
+/// The part of a region that the mouse can take hold of.
 struct RegionGrip
 {
     enum class Kind { None, Name, Side };
@@ -36,11 +36,11 @@ QVector<QRectF> handles(const QRectF &outline);
  * Where a name of that size stands: above the top left corner, or within the outline where there is
  * no room above.
  *
- * It keeps in sight as long as any of the outline is; empty otherwise.
+ * Stays in sight as long as any part of the outline is; empty otherwise.
  */
 QRectF nameBox(const QRectF &outline, const QSizeF &size, const QRectF &sight);
 
-/// What the mouse is on; a corner before a name, and a name before a side.
+/// What is under the mouse: a corner before a name, and a name before a side.
 RegionGrip gripAt(const QPointF &mouse, const QRectF &outline, const QRectF &nameBox);
 
 } // namespace RegionMarks

@@ -97,10 +97,10 @@ void RegionScene::drawForeground(QPainter *painter, const QRectF & /*exposed*/)
     painter->setFont(m_view->font());
     for (int row = 0; row < m_regions.size(); ++row) {
         if (row != m_current)
-            drawName(*painter, row);
+            drawMark(*painter, row);
     }
-    if (m_current >= 0) {
-        drawName(*painter, m_current);
+    if (m_current >= 0) { // also above regions that cover it
+        drawMark(*painter, m_current);
         painter->setPen(Qt::black);
         painter->setBrush(regionColor(true));
         painter->drawRects(RegionMarks::handles(onScreen(m_current)));
@@ -148,12 +148,20 @@ QRectF RegionScene::nameBox(int row) const
     return RegionMarks::nameBox(onScreen(row), m_labels.at(row).size, m_view->viewport()->rect());
 }
 
-void RegionScene::drawName(QPainter &painter, int row) const
+/// The name, and the outline where the item's own, which shrinks with the frame, has faded.
+void RegionScene::drawMark(QPainter &painter, int row) const
 {
+    const double widthPx = m_outlines.at(row)->pen().widthF() * m_view->transform().m11();
+    if (widthPx < 1.0 || row == m_current) {
+        painter.setPen(QPen(regionColor(row == m_current), std::max(widthPx, 1.0)));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRect(onScreen(row));
+    }
     const QRectF box = nameBox(row);
     if (box.isEmpty())
         return;
     painter.fillRect(box, nameBackground);
     painter.setPen(regionColor(row == m_current));
-    painter.drawText(box, int(Qt::AlignCenter) | int(Qt::TextSingleLine), m_labels.at(row).text);
+    painter.drawText(box, static_cast<int>(Qt::AlignCenter) | static_cast<int>(Qt::TextSingleLine),
+                     m_labels.at(row).text);
 }

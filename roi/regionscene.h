@@ -20,7 +20,7 @@ class RegionScene final : public QGraphicsScene
     Q_OBJECT
 
 public:
-    /// What the mouse is on: a region, by its row in the list, and what to take hold of.
+    /// What is under the mouse: the row of a region in the list, and the part to take hold of.
     struct Hit
     {
         int row = -1;
@@ -52,7 +52,7 @@ private:
     void measureNames(const QVector<RegionMark> &before);
     QRectF onScreen(int row) const;
     QRectF nameBox(int row) const;
-    void drawName(QPainter &painter, int row) const;
+    void drawMark(QPainter &painter, int row) const;
 
     /// A name as it is drawn.
     struct Label

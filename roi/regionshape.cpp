@@ -29,7 +29,7 @@ int limited(int value, int lowest, int highest)
 /// The largest size of a proportion in @p room whose width does not exceed @p width.
 QSize shaped(double width, const QSize &room, double proportion)
 {
-    const double widest = std::min(double(room.width()), room.height() * proportion);
+    const double widest = std::min<double>(room.width(), room.height() * proportion);
     const int even = std::min(evenNearest(width), evenDown(widest));
     return {even, std::min(evenNearest(even / proportion), evenDown(room.height()))};
 }
@@ -46,11 +46,11 @@ Span dragged(Span span, int side, double by, int framePx)
 {
     const int end = span.start + span.length;
     if (side > 0) {
-        const double wanted = std::min(span.length + by, double(framePx - span.start));
+        const double wanted = std::min<double>(span.length + by, framePx - span.start);
         return {span.start, evenDown(wanted)};
     }
     if (side < 0) {
-        const int length = evenDown(std::min(span.length - by, double(end)));
+        const int length = evenDown(std::min<double>(span.length - by, end));
         return {end - length, length};
     }
     return span;

@@ -7,14 +7,30 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace {
 
-constexpr int quickPixels = 1'000'000; // cut, turned, annotated and reduced in some milliseconds
+constexpr double quickPixels = 1e6; // cut, turned, annotated and shown within a few milliseconds
 constexpr int restMs = 150;
 constexpr QSize smallestPx(200, 150);
 constexpr QSize usualPx(300, 260);
+
+/// By what both sides of a frame are to be divided so that a region of @p size is shown quickly; 1
+/// when it is small enough.
+int draftDivisor(const QSize &size)
+{
+    const double pixels = static_cast<double>(size.width()) * size.height();
+    return std::max(1, static_cast<int>(std::ceil(std::sqrt(pixels / quickPixels))));
+}
+
+/// Size in pixels of the film of a region.
+QSize filmSize(const Roi &roi, const QSize &frame)
+{
+    const QSize size = RoiGeometry::pixelRect(roi.rect, frame).size();
+    return RoiGeometry::reducedRotation(roi.rotation) % 180 == 0 ? size : size.transposed();
+}
 
 } // namespace
 
@@ -46,7 +62,8 @@ protected:
         if (m_image.isNull()) {
             painter.setPen(palette().color(QPalette::Text));
             painter.drawText(rect().adjusted(8, 8, -8, -8),
-                             int(Qt::AlignCenter) | int(Qt::TextWordWrap), m_text);
+                             static_cast<int>(Qt::AlignCenter) | static_cast<int>(Qt::TextWordWrap),
+                             m_text);
             return;
         }
         const QSize size = m_image.size().scaled(rect().size(), Qt::KeepAspectRatio);
@@ -76,8 +93,10 @@ ResultView::ResultView(QWidget *parent)
     m_caption->setObjectName(QStringLiteral("resultCaption"));
     m_caption->setWordWrap(true);
     m_caption->setTextFormat(Qt::PlainText);
-    m_rendering.setSingleShot(true);
-    connect(&m_rendering, &QTimer::timeout, this, &ResultView::render);
+    for (QTimer *timer : {&m_drafting, &m_finishing})
+        timer->setSingleShot(true);
+    connect(&m_drafting, &QTimer::timeout, this, &ResultView::showDraft);
+    connect(&m_finishing, &QTimer::timeout, this, &ResultView::finish);
 }
 
 ResultView::~ResultView() = default;
@@ -85,25 +104,54 @@ ResultView::~ResultView() = default;
 void ResultView::showSubject(const Subject &subject)
 {
     m_subject = subject;
-    const QSize size = RoiGeometry::pixelRect(subject.roi.rect, subject.decoded.size()).size();
-    m_rendering.start(size.width() * size.height() > quickPixels ? restMs : 0);
+    m_finishing.stop();
+    m_drafting.start();
 }
 
 void ResultView::showMessage(const QString &text)
 {
-    m_rendering.stop();
+    m_drafting.stop();
+    m_finishing.stop();
     m_subject = {};
+    m_draftFrame = {};
     m_picture->showImage({}, text);
     m_caption->clear();
 }
 
-void ResultView::render()
+void ResultView::showDraft()
 {
-    const Subject subject = std::exchange(m_subject, {});
-    const QImage picture =
-        RoiPicture::ofFrame(subject.decoded, subject.frame, subject.roi, subject.look);
-    m_picture->showImage(picture, {});
-    m_caption->setText(tr("%1 x %2 px, %3")
-                           .arg(QString::number(picture.width()), QString::number(picture.height()),
-                                subject.caption));
+    const QSize size = filmSize(m_subject.roi, m_subject.decoded.size());
+    m_caption->setText(
+        tr("%1 x %2 px, %3")
+            .arg(QString::number(size.width()), QString::number(size.height()), m_subject.caption));
+    const int divisor = draftDivisor(size);
+    if (divisor == 1) {
+        finish();
+        return;
+    }
+    render(draftFrame(divisor));
+    m_finishing.start(restMs);
+}
+
+void ResultView::finish()
+{
+    render(m_subject.decoded);
+    m_subject = {};
+    m_draftFrame = {};
+}
+
+/// The reduced frame; made once for each frame.
+const QImage &ResultView::draftFrame(int divisor)
+{
+    const QSize size = m_subject.decoded.size() / divisor;
+    const qint64 key = m_subject.decoded.cacheKey();
+    if (std::exchange(m_draftKey, key) != key || m_draftFrame.size() != size)
+        m_draftFrame = m_subject.decoded.scaled(size);
+    return m_draftFrame;
+}
+
+void ResultView::render(const QImage &frame)
+{
+    m_picture->showImage(RoiPicture::ofFrame(frame, m_subject.frame, m_subject.roi, m_subject.look),
+                         {});
 }

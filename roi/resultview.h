@@ -11,9 +11,10 @@ class QLabel;
 /**
  * The frame that is looked at as the film of the current region will show it.
  *
- * The picture is made by what makes the film's own, from the image that is decoded already, once
- * the present turn of the event loop is over; a large one when nothing has changed for a moment, so
- * that a drag does not wait for it.
+ * The picture is made by the function that makes the film's own, from the image that is decoded
+ * already, once the present turn of the event loop is over. A large region is first cut from a
+ * reduced frame, so that a drag does not wait for it, and in full when nothing has changed for a
+ * moment.
  */
 class ResultView final : public QGroupBox
 {
@@ -23,7 +24,7 @@ public:
     explicit ResultView(QWidget *parent = nullptr);
     ~ResultView() override;
 
-    /// What is made visible, all as the film gets it.
+    /// What is shown: the same input as the film gets.
     struct Subject
     {
         QImage decoded;
@@ -40,10 +41,16 @@ public:
 private:
     class Picture;
 
-    void render();
+    void showDraft();
+    void finish();
+    const QImage &draftFrame(int divisor);
+    void render(const QImage &frame);
 
     Picture *m_picture; // this and the label are owned as children
     QLabel *m_caption;
-    Subject m_subject;
-    QTimer m_rendering;
+    Subject m_subject;   // empty once its picture is shown in full
+    QImage m_draftFrame; // likewise
+    qint64 m_draftKey = 0;
+    QTimer m_drafting;
+    QTimer m_finishing;
 };

@@ -229,7 +229,7 @@ void RoiCanvas::drag(const QPointF &position)
 {
     const QPointF by = position - m_drag->pressed;
     const QSize frame = m_scene.frameSize();
-    QRect pixels = m_drag->start; // which a mere click leaves, whatever its shape
+    QRect pixels = m_drag->start; // unchanged by a mere click, whatever its shape
     if (m_drag->grip.kind == RegionGrip::Kind::Name)
         pixels = RegionShape::moved(pixels, by, frame);
     else if (!by.isNull())

@@ -95,9 +95,9 @@ void RoiEditor::addActions()
         return action;
     };
     QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
-    const QKeySequence usual(QStringLiteral("Ctrl+Y")); // also where the desktop has another one
-    if (!redoKeys.contains(usual))
-        redoKeys.append(usual);
+    const QKeySequence usual(QStringLiteral("Ctrl+Y")); // also where the desktop's is another one
+    redoKeys.removeAll(usual);
+    redoKeys.prepend(usual);
     QAction *rename = add(tr("Rename"), {Qt::Key_F2}, &RoiEditor::renameCurrent);
     QAction *copy = add(tr("Copy"), {QStringLiteral("Ctrl+D")}, &RoiEditor::copyCurrent);
     QAction *remove = add(tr("Delete"), {QKeySequence::Delete}, &RoiEditor::deleteCurrent);
@@ -221,7 +221,7 @@ void RoiEditor::commitTyped()
 
 bool RoiEditor::eventFilter(QObject *watched, QEvent *event)
 {
-    // A field would else undo in a history of its own, which knows of nothing but its letters.
+    // Otherwise the field would undo no more than its own text.
     if (event->type() == QEvent::ShortcutOverride &&
         isUndoOrRedo(*static_cast<QKeyEvent *>(event))) {
         event->ignore();
@@ -360,7 +360,7 @@ RegionState RoiEditor::state() const
     return {m_rois, currentRow()};
 }
 
-/// Shows a state that the history, or a file, has kept.
+/// Replaces the regions and the selection, from the history or from a file.
 void RoiEditor::showState(const RegionState &state)
 {
     {
@@ -388,8 +388,10 @@ void RoiEditor::showFields()
     m_ui->rotationCombo->setEnabled(roi);
     const QSignalBlocker quiet(m_ui->rotationCombo);
     const QString name = roi ? roi->name : QString();
-    if (m_ui->nameEdit->text() != name) // while it is typed the cursor stays
+    if (m_ui->nameEdit->text() != name) { // while it is typed the cursor stays
         m_ui->nameEdit->setText(name);
+        m_ui->nameEdit->setCursorPosition(0); // a long name is read from its beginning
+    }
     m_ui->rotationCombo->setCurrentIndex(roi ? RoiGeometry::rotationIndex(roi->rotation) : 0);
     if (roi && !m_frameSize.isEmpty())
         showGeometry(RoiGeometry::pixelRect(roi->rect, m_frameSize));
@@ -421,7 +423,7 @@ QVector<QSpinBox *> RoiEditor::geometryFields() const
     return {m_ui->xSpin, m_ui->ySpin, m_ui->widthSpin, m_ui->heightSpin};
 }
 
-/// Those whose changes are joined, one after the other, into one step.
+/// Fields whose consecutive changes become one step.
 QVector<const QWidget *> RoiEditor::typedFields() const
 {
     return {m_ui->nameEdit, m_ui->xSpin, m_ui->ySpin, m_ui->widthSpin, m_ui->heightSpin};

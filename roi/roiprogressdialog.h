@@ -17,7 +17,7 @@ class RoiProgressDialog final : public QProgressDialog
 public:
     /// For the films themselves; @p frames is the number of pictures to be made.
     RoiProgressDialog(RoiVideoGenerator &generator, int frames, QWidget *parent);
-    /// For questions to the service; comes up with the first of them.
+    /// For lookups at the service; shown when the first one begins.
     RoiProgressDialog(ScaleLookup &lookup, QWidget *parent);
 
 private:

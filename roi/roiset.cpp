@@ -61,7 +61,7 @@ bool isTaken(const QString &path)
 }
 
 /**
- * Moves a file that holds no set out of the way, whatever it may still be good for.
+ * Renames a damaged rois.json, so that saving does not destroy what it holds.
  *
  * @param aside  where it is then; empty when there was nothing to move
  * @return       false when it cannot be moved

@@ -50,7 +50,7 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     m_ui->splitter->setStretchFactor(0, 2); // the pictures take what there is
     m_ui->splitter->setStretchFactor(1, 1);
-    m_ui->splitter->setSizes({620, 300, 400}); // only their ratio counts
+    m_ui->splitter->setSizes({550, 350, 400}); // only their ratio counts
     connectWidgets();
     connectFrames();
     connectRun();
@@ -63,8 +63,8 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
 
 RoiVideoDialog::~RoiVideoDialog()
 {
-    m_ui->roiBox->disconnect(this); // a name that is still edited in the list is taken over as the
-                                    // window goes
+    // Destroying the list commits a name that is still being edited in it.
+    m_ui->roiBox->disconnect(this);
 }
 
 bool RoiVideoDialog::loadSession(const QString &directory, QString *errorText)
@@ -183,7 +183,8 @@ void RoiVideoDialog::showResult()
     const int pictures = panel.keptFrames() + plan.introFrames();
     const QString caption =
         tr("%1 frame(s), %2 s")
-            .arg(QString::number(pictures), QString::number(double(pictures) / plan.fps, 'f', 2));
+            .arg(QString::number(pictures),
+                 QString::number(static_cast<double>(pictures) / plan.fps, 'f', 2));
     const RoiLook look{plan.overlays, currentSource()->nickname, sourceMetadata()};
     m_ui->resultBox->showSubject(
         {panel.image(), panel.frame(), m_ui->roiBox->rois().at(row), look, caption});

@@ -134,6 +134,8 @@ bool RoiVideoGenerator::writeIntro(const RoiJob &job)
         const QString path = job.picturePath(index);
         const QImage picture =
             RoiPicture::ofIntro(*m_zoom, first, job.roi(), job.look(), index, count);
+        if (!handleEvents())
+            return false;
         if (!PngWriter::save(picture, path))
             return fail(
                 tr("Cannot save temporary zoom frame:\n%1").arg(QDir::toNativeSeparators(path)));
@@ -153,7 +155,7 @@ bool RoiVideoGenerator::decodeForIntro(const RoiSourceFrame &frame)
         return fail(tr("Cannot decode first frame for zoom intro:\n%1")
                         .arg(QDir::toNativeSeparators(frame.file)));
     m_zoom.emplace(decoded);
-    return letOthersIn();
+    return handleEvents();
 }
 
 bool RoiVideoGenerator::writeSequence(Jobs &jobs, size_t current)
@@ -177,10 +179,13 @@ bool RoiVideoGenerator::writeFrame(Jobs &jobs, size_t current, int index)
     const QImage decoded = FrameDecoder::decode(frame.file);
     if (decoded.isNull())
         return fail(tr("Cannot decode frame:\n%1").arg(QDir::toNativeSeparators(frame.file)));
-    if (!letOthersIn())
+    if (!handleEvents())
+        return false;
+    const QImage picture = RoiPicture::ofFrame(decoded, frame, job.roi(), job.look());
+    if (!handleEvents())
         return false;
     const QString path = job.picturePath(job.firstSequencePicture() + index);
-    if (!PngWriter::save(RoiPicture::ofFrame(decoded, frame, job.roi(), job.look()), path))
+    if (!PngWriter::save(picture, path))
         return fail(tr("Cannot save temporary ROI frame:\n%1").arg(QDir::toNativeSeparators(path)));
     return writeAhead(jobs, current, decoded, index);
 }
@@ -192,13 +197,16 @@ bool RoiVideoGenerator::writeAhead(Jobs &jobs, size_t current, const QImage &dec
     if (current + 1 == jobs.size() || !canWriteAhead(jobs.at(current).framesFolder()))
         return true;
     for (size_t next = current + 1; next < jobs.size(); ++next) {
-        if (!letOthersIn())
-            return false;
         RoiJob &job = jobs.at(next);
-        const RoiSourceFrame &frame = job.frames().at(index);
-        if (job.picturesAhead() == index && QDir().mkpath(job.framesFolder()) &&
-            PngWriter::save(RoiPicture::ofFrame(decoded, frame, job.roi(), job.look()),
-                            job.picturePath(job.firstSequencePicture() + index)))
+        if (!handleEvents())
+            return false;
+        if (job.picturesAhead() != index || !QDir().mkpath(job.framesFolder()))
+            continue;
+        const QImage picture =
+            RoiPicture::ofFrame(decoded, job.frames().at(index), job.roi(), job.look());
+        if (!handleEvents())
+            return false;
+        if (PngWriter::save(picture, job.picturePath(job.firstSequencePicture() + index)))
             job.countPictureAhead();
     }
     return true;
@@ -207,11 +215,11 @@ bool RoiVideoGenerator::writeAhead(Jobs &jobs, size_t current, const QImage &dec
 bool RoiVideoGenerator::pictureDone()
 {
     emit progressChanged(++m_writtenFrames);
-    return letOthersIn();
+    return handleEvents();
 }
 
-/// Windows answer here; false when the user has canceled.
-bool RoiVideoGenerator::letOthersIn()
+/// Lets the windows answer; false when the user has canceled.
+bool RoiVideoGenerator::handleEvents()
 {
     QCoreApplication::processEvents();
     return !m_canceled;

@@ -77,7 +77,7 @@ private:
     bool writeFrame(Jobs &jobs, size_t current, int index);
     bool writeAhead(Jobs &jobs, size_t current, const QImage &decoded, int index);
     bool pictureDone();
-    bool letOthersIn();
+    bool handleEvents();
     bool encode(const RoiJob &job);
     QString completionDetails(const RoiJob &job) const;
     bool removeTemporary(const QString &path);

@@ -20,7 +20,7 @@ struct Source
  *
  * A region is the same fraction of each frame. Its kilometres differ when they do so by more than
  * 2 % of its width, its place when the centres of the disks lie more than 2 % of the frame apart.
- * What is not known is not judged.
+ * Datasources without metadata are not judged.
  */
 QString warning(const QVector<Source> &sources);
 

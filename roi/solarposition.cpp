@@ -10,6 +10,7 @@
 
 namespace {
 
+constexpr double firstPixelCentre = 0.5; // FITS calls the middle of the first pixel 1
 constexpr double radiusMm = MetricScale::nominalSolarRadiusKm / 1000.0;
 
 QString tr(const char *text)
@@ -37,6 +38,22 @@ QString plainText(double value, int decimals)
     return QString::number(value, 'f', decimals);
 }
 
+/// Decimals to be shown: a pixel of a coronagraph is several Mm wide.
+int decimalsOf(double lengthMm)
+{
+    return std::abs(lengthMm) < 1000.0 ? 1 : 0;
+}
+
+QString signedMm(double lengthMm)
+{
+    return signedText(lengthMm, decimalsOf(lengthMm));
+}
+
+QString plainMm(double lengthMm)
+{
+    return plainText(lengthMm, decimalsOf(lengthMm));
+}
+
 } // namespace
 
 SolarPosition::Disk SolarPosition::diskOn(const QSize &frame, const QJsonObject &metadata)
@@ -55,8 +72,8 @@ SolarPosition::Disk SolarPosition::diskOn(const QSize &frame, const QJsonObject 
     const double scaleY = frame.height() / height;
     disk.radiusY = radius * scaleY;
     if (!reference.isNull())
-        disk.centre =
-            QPointF((reference.x() - 0.5) * scaleX, (height - reference.y() + 0.5) * scaleY);
+        disk.centre = QPointF((reference.x() - firstPixelCentre) * scaleX,
+                              (height - (reference.y() - firstPixelCentre)) * scaleY);
     return disk;
 }
 
@@ -77,8 +94,8 @@ QString SolarPosition::pixelText(const QPointF &pixel, const QSize &frame,
     const double distance = std::hypot(radii->x(), radii->y());
     return tr("Cursor: x %1, y %2, r %3 R\u2609   |   x %4, y %5, r %6 Mm")
         .arg(signedText(radii->x(), 3), signedText(radii->y(), 3), plainText(distance, 3),
-             signedText(radii->x() * radiusMm, 1), signedText(radii->y() * radiusMm, 1),
-             plainText(distance * radiusMm, 1));
+             signedMm(radii->x() * radiusMm), signedMm(radii->y() * radiusMm),
+             plainMm(distance * radiusMm));
 }
 
 QString SolarPosition::sizeText(const QSize &size, const QSize &frame, const QJsonObject &metadata)
@@ -91,9 +108,9 @@ QString SolarPosition::sizeText(const QSize &size, const QSize &frame, const QJs
     const double width = size.width() / disk.radiusX;
     if (disk.radiusY <= 0.0)
         return tr("Region: %1 R\u2609   |   %2 Mm wide")
-            .arg(plainText(width, 3), plainText(width * radiusMm, 1));
+            .arg(plainText(width, 3), plainMm(width * radiusMm));
     const double height = size.height() / disk.radiusY;
     return tr("Region: %1 x %2 R\u2609   |   %3 x %4 Mm")
-        .arg(plainText(width, 3), plainText(height, 3), plainText(width * radiusMm, 1),
-             plainText(height * radiusMm, 1));
+        .arg(plainText(width, 3), plainText(height, 3), plainMm(width * radiusMm),
+             plainMm(height * radiusMm));
 }

@@ -13,9 +13,8 @@ class QJsonObject;
  *
  * Lengths are in solar radii and in Mm, in the plane of the sky through the centre of the disk: the
  * metadata's "rsun" is the solar radius in pixels of the native image, and the Sun is so far away
- * that equal angles are equal lengths. A radius is the nominal one of IAU 2015 Resolution B3. The x
- * axis points to solar west, which is to the right, and y up to solar north, where rows of pixels
- * are counted downwards.
+ * that equal angles are equal lengths. A solar radius is the nominal one of IAU 2015 Resolution B3,
+ * 695 700 km. The x axis points to solar west, which is to the right, and y up to solar north.
  */
 namespace SolarPosition {
 
@@ -30,9 +29,10 @@ struct Disk
 /**
  * The disk on a frame.
  *
- * Native pixels become those of the frame by its width / "width" and height / "height". The
- * reference pixel is counted as in FITS: the middle of the first pixel is 1, and rows begin at the
- * bottom edge. 0, 0 is what a manifest holds that knows of none.
+ * The reference pixel is the centre of the disk as FITS counts: the middle of the first pixel is 1,
+ * and rows are counted upwards from the bottom edge, though the frame's own are counted downwards.
+ * Native pixels become those of the frame by its width / "width" and height / "height". A reference
+ * pixel of 0, 0 is what a manifest holds that knows of none.
  */
 Disk diskOn(const QSize &frame, const QJsonObject &metadata);
 

@@ -2,22 +2,26 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 
 namespace {
 
-constexpr int filesPerTurn = 100; // a few milliseconds
+constexpr int turnMs = 5;
 
 /// The pictures of a film lie flat in their folder.
 void removeFilesOf(const QString &folder, const std::function<void()> &pause)
 {
-    int removed = 0;
+    QElapsedTimer turn;
+    turn.start();
     QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::System);
     while (files.hasNext()) {
         QFile::remove(files.next());
-        if (++removed % filesPerTurn == 0)
-            pause();
+        if (turn.elapsed() < turnMs)
+            continue;
+        pause();
+        turn.restart();
     }
 }
 

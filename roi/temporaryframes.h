@@ -13,8 +13,8 @@ QString root(const QString &folder);
 /**
  * Removes @p path and all in it. A link is taken away itself; where it leads is not ours.
  *
- * @param pause  called after every few files: thousands of them take longer than a window may be
- *               without answer
+ * @param pause  called every few milliseconds: thousands of files, or large ones, take longer than
+ *               a window may be without answer
  * @return       true when nothing is left there
  */
 bool remove(const QString &path, const std::function<void()> &pause);

@@ -81,8 +81,9 @@ void SessionFilms::makeFilm(const DescribedSource &source)
                              .absoluteFilePath(SessionFiles::film(source.archiveName));
     const FilmVerdict verdict = FilmVerdicts::judge(film, numbers.size());
     if (verdict.kind == Kind::Whole)
-        m_console.printNow(QStringLiteral("%1: whole, %2 pictures; left alone")
-                               .arg(source.nickname, QString::number(numbers.size())));
+        m_console.printNow(
+            QStringLiteral("%1: whole, %2; left alone")
+                .arg(source.nickname, ToolConsole::counted(numbers.size(), "picture")));
     else if (verdict.kind == Kind::Other)
         fail(source, QStringLiteral("%1 %2; left alone").arg(film, verdict.flaw));
     else if (verdict.kind == Kind::Broken && !m_wishes.replaceBroken)
@@ -138,8 +139,8 @@ void SessionFilms::run(const DescribedSource &source, const FilmOrder &order)
 {
     m_nickname = source.nickname;
     m_frames = order.pictures;
-    m_console.printNow(QStringLiteral("%1: encoding %2 pictures, %3 per second, CRF %4")
-                           .arg(source.nickname, QString::number(order.pictures),
+    m_console.printNow(QStringLiteral("%1: encoding %2, %3 per second, CRF %4")
+                           .arg(source.nickname, ToolConsole::counted(order.pictures, "picture"),
                                 QString::number(order.fps), QString::number(order.crf)));
     QString reason;
     const bool isMade = m_encoder.run(order, &reason);

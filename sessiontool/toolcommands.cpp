@@ -20,13 +20,6 @@
 
 namespace {
 
-/// "1 finding", "2 findings".
-QString counted(qint64 number, const char *noun)
-{
-    return QStringLiteral("%1 %2%3").arg(QString::number(number), QLatin1String(noun),
-                                         number == 1 ? QString() : QStringLiteral("s"));
-}
-
 ToolEnd unusable(const QString &sentence, ToolConsole &console)
 {
     console.complain(sentence);
@@ -57,11 +50,12 @@ ToolEnd verify(const QDir &session, const ToolOrder &order, ToolConsole &console
     if (!verifier.run(&reason))
         return unusable(reason, console);
     console.print(QStringLiteral("%1, %2 and %3 found whole: %4")
-                      .arg(counted(verifier.rows(), "request"),
-                           counted(verifier.pictures(), "picture"),
-                           counted(verifier.films(), "film"),
-                           verifier.findings() == 0 ? QStringLiteral("nothing is wrong")
-                                                    : counted(verifier.findings(), "finding")));
+                      .arg(ToolConsole::counted(verifier.rows(), "request"),
+                           ToolConsole::counted(verifier.pictures(), "picture"),
+                           ToolConsole::counted(verifier.films(), "film"),
+                           verifier.findings() == 0
+                               ? QStringLiteral("nothing is wrong")
+                               : ToolConsole::counted(verifier.findings(), "finding")));
     return {verifier.findings() == 0 ? ExitCode::Fine : ExitCode::Findings};
 }
 
@@ -88,8 +82,8 @@ ToolEnd recover(const QDir &session, ToolConsole &console)
         return unusable(QStringLiteral("cannot write %1").arg(QDir::toNativeSeparators(path)),
                         console);
     console.print(QStringLiteral("session.json written: %1, %2")
-                      .arg(counted(ledger->sources.size(), "datasource"),
-                           counted(ledger->acceptedFrames(), "frame")));
+                      .arg(ToolConsole::counted(ledger->sources.size(), "datasource"),
+                           ToolConsole::counted(ledger->acceptedFrames(), "frame")));
     for (const QString &origin : recovered->origins)
         console.print(QStringLiteral("  ") + origin);
     return {};

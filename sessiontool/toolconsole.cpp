@@ -94,6 +94,12 @@ QString ToolConsole::printable(const QString &text)
     return shown;
 }
 
+QString ToolConsole::counted(qint64 number, const char *noun)
+{
+    return QStringLiteral("%1 %2%3").arg(QString::number(number), QLatin1String(noun),
+                                         number == 1 ? QString() : QStringLiteral("s"));
+}
+
 void ToolConsole::clearProgress()
 {
     if (!m_hasProgress)

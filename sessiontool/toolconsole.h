@@ -30,6 +30,8 @@ public:
 
     /// @p text with a question mark for each character that could steer a terminal.
     static QString printable(const QString &text);
+    /// "1 finding", "2 findings".
+    static QString counted(qint64 number, const char *noun);
 
 private:
     void clearProgress();

@@ -25,7 +25,7 @@ constexpr double chance(quint64 seed, quint64 value)
 }
 
 /// Numbers of 0 to 1 drawn for one thing, the k-th by the argument k.
-class Draw
+class Draw final
 {
 public:
     explicit Draw(quint64 seed) : m_seed(seed) {}

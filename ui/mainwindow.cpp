@@ -5,6 +5,7 @@
 #include "base/runtimeconfig.h"
 #include "base/utctext.h"
 #include "client/helioviewerclient.h"
+#include "client/operationnames.h"
 #include "imaging/framedecoder.h"
 #include "roi/roivideodialog.h"
 #include "ui/acquisitionestimate.h"
@@ -106,6 +107,8 @@ void MainWindow::connectWidgets()
     connect(m_form->startEdit, &QDateTimeEdit::dateTimeChanged, this,
             &MainWindow::onSamplingChanged);
     connect(m_form->endEdit, &QDateTimeEdit::dateTimeChanged, this, &MainWindow::onSamplingChanged);
+    for (const UtcEdit *edit : {m_form->startEdit, m_form->endEdit})
+        connect(edit, &UtcEdit::refused, m_status, &StatusLine::announce);
     connect(m_form->cadenceSpin, qOverload<int>(&QSpinBox::valueChanged), this,
             &MainWindow::onSamplingChanged);
     connect(m_form->fpsSpin, qOverload<int>(&QSpinBox::valueChanged), this,
@@ -215,7 +218,7 @@ void MainWindow::onCatalogReceived(const QJsonObject &catalog)
     const bool mayBeError =
         m_form->sourcesTree->topLevelItemCount() > 0 || catalog.contains(QStringLiteral("error"));
     if (mayBeError && !CatalogTree::holdsSource(catalog)) {
-        onCatalogError(QStringLiteral("getDataSources"),
+        onCatalogError(OperationNames::getDataSources(),
                        tr("The answer holds no datasource. The catalog stays as it was; try again "
                           "later."));
         return;

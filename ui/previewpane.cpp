@@ -7,6 +7,7 @@
 namespace {
 
 constexpr int marginPx = 4; // between the picture and the label's frame, both sides together
+constexpr QSize largestPx(4096, 4096); // as large as the archive's; larger ones take memory
 
 } // namespace
 
@@ -19,7 +20,8 @@ bool PreviewPane::showFrame(const QImage &frame)
 {
     if (frame.isNull())
         return false;
-    m_frame = QPixmap::fromImage(frame);
+    const bool fits = frame.size().boundedTo(largestPx) == frame.size();
+    m_frame = QPixmap::fromImage(fits ? frame : frame.scaled(largestPx, Qt::KeepAspectRatio));
     m_frame.setDevicePixelRatio(1.0);
     m_shown = QPixmap();
     rescale();

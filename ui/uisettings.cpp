@@ -1,6 +1,7 @@
 #include "ui/uisettings.h"
 
 #include "base/runtimeconfig.h"
+#include "base/utctext.h"
 #include "session/acquisitionsettings.h"
 #include "ui_mainwindow.h"
 
@@ -34,7 +35,8 @@ struct Field
 
 QVector<Field> fields(const Ui::MainWindow &form)
 {
-    const QDateTime end = QDateTime::currentDateTimeUtc().addSecs(-archiveDelaySeconds);
+    const QDateTime end =
+        UtcText::wholeSecond(QDateTime::currentDateTimeUtc().addSecs(-archiveDelaySeconds));
     const QDateTime start = end.addSecs(-defaultIntervalSeconds);
     const AcquisitionSettings defaults;
     return {
@@ -87,7 +89,7 @@ QVariant converted(const QVariant &value, QVariant::Type type)
     case QMetaType::Bool:
         return value.toBool();
     case QMetaType::QDateTime:
-        return value.toDateTime().toUTC();
+        return UtcText::wholeSecond(value.toDateTime().toUTC());
     default:
         return value;
     }

@@ -6,7 +6,6 @@
 #include <QLocale>
 #include <QSignalBlocker>
 #include <QStyleOptionComboBox>
-#include <QToolTip>
 
 #include <algorithm>
 
@@ -38,12 +37,12 @@ UtcEdit::UtcEdit(QWidget *parent) : QDateTimeEdit(parent)
     reserveWidth();
     lineEdit()->installEventFilter(this); // it gets the mouse itself, and the keys through us
     connect(lineEdit(), &QLineEdit::inputRejected, this,
-            [this] { tellNoTime(tr("This is no time. Write it as 2024-05-01 12:00:07.")); });
+            [this] { emit refused(tr("This is no time. Write it as 2024-05-01 12:00:07.")); });
 }
 
 bool UtcEdit::showsTime() const
 {
-    return !m_run || isAllowed(UtcTyping::read(*m_run).time);
+    return !m_run || isTime(UtcTyping::read(*m_run));
 }
 
 void UtcEdit::stepBy(int steps)
@@ -56,11 +55,11 @@ QValidator::State UtcEdit::validate(QString &text, int &position) const
 {
     if (m_run)
         return QValidator::Intermediate; // shown by us, and nothing for the base to mend
-    const QValidator::State state = QDateTimeEdit::validate(text, position);
-    if (state == QValidator::Acceptable || text.size() > longestPaste)
+    const QString added = text.mid(m_cursor, std::max(position - m_cursor, 0));
+    const QValidator::State state = QDateTimeEdit::validate(text, position); // may change the text
+    if (state == QValidator::Acceptable || added.size() > longestPaste)
         return state;
-    const std::optional<QDateTime> pasted =
-        UtcTyping::fromPasted(text.mid(m_cursor, std::max(position - m_cursor, 0)), dateTime());
+    const std::optional<QDateTime> pasted = UtcTyping::fromPasted(added, dateTime());
     if (!pasted || !isAllowed(*pasted))
         return state;
     text = textFromDateTime(*pasted);
@@ -214,16 +213,17 @@ void UtcEdit::endRun()
     if (!m_run)
         return;
     const Reading reading = UtcTyping::read(*m_run);
+    const QDateTime before = m_run->before;
     m_run.reset();
-    setDateTime(dateTime()); // shows it in full
+    setDateTime(isTime(reading) ? reading.time : before); // shows it in full
     setCurrentSectionIndex(UtcTyping::sectionAt(reading.cursor));
-    if (!isAllowed(reading.time))
-        tellNoTime(tr("%1 is no time. The field keeps the one it had.").arg(reading.text));
+    if (!isTime(reading))
+        emit refused(tr("%1 is no time. The field keeps the one it had.").arg(reading.text));
 }
 
-void UtcEdit::tellNoTime(const QString &what)
+bool UtcEdit::isTime(const UtcTyping::Reading &reading) const
 {
-    QToolTip::showText(mapToGlobal(QPoint(0, height())), what, this);
+    return reading.isFinished && isAllowed(reading.time);
 }
 
 bool UtcEdit::isAllowed(const QDateTime &time) const

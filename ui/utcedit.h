@@ -25,6 +25,10 @@ public:
     /// Takes over text that was pasted, dropped or otherwise put in as a whole.
     QValidator::State validate(QString &text, int &position) const override;
 
+signals:
+    /// What was put in is no time; @p text says so to the user.
+    void refused(const QString &text);
+
 protected:
     void changeEvent(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -42,7 +46,7 @@ private:
     UtcTyping::Run newRun(int position) const;
     void showRun();
     void endRun();
-    void tellNoTime(const QString &text);
+    bool isTime(const UtcTyping::Reading &reading) const;
     bool isAllowed(const QDateTime &time) const;
 
     std::optional<UtcTyping::Run> m_run; // what is being typed

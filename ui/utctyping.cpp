@@ -82,12 +82,12 @@ std::optional<Filled> fill(const QString &keys, int start, bool overwrites = fal
     return filled;
 }
 
-/// Whether every section that is done holds a number of its range.
-bool isInRange(const Filled &filled)
+/// Whether every section that is done holds a number of its range; when @p isOver all are done.
+bool isInRange(const Filled &filled, bool isOver = false)
 {
     for (int section = 0; section < sectionCount; ++section) {
         const QString &digits = filled.digits[section];
-        const bool isDone = section != filled.last || filled.isFull(section);
+        const bool isDone = isOver || section != filled.last || filled.isFull(section);
         if (digits.isEmpty() || !isDone)
             continue;
         const int number = digits.toInt();
@@ -142,6 +142,7 @@ Reading readingOf(const Filled &filled, const Run &run)
 {
     Reading reading;
     reading.time = timeOf(filled, run.before);
+    reading.isFinished = isInRange(filled, true);
     reading.last = static_cast<Section>(filled.last);
     const bool leadsOn = filled.isFull(filled.last) && filled.last < UtcTyping::Second;
     const int next = leadsOn ? filled.last + 1 : filled.last;
@@ -182,7 +183,7 @@ bool beginsLikeStamp(const QString &keys)
 QDate takeDate(QString *text)
 {
     static const QRegularExpression form(
-        QStringLiteral("^(\\d{4})([-/.]?)(\\d\\d)\\2(\\d\\d)(?:[ T_]+|(?=\\d)|$)"));
+        QStringLiteral("^(\\d{4})([-/.]?)(\\d\\d)\\2(\\d\\d)(?:[ Tt_]+|(?=\\d)|$)"));
     const QRegularExpressionMatch match = form.match(*text);
     if (!match.hasMatch())
         return {};
@@ -253,12 +254,13 @@ Reading UtcTyping::read(const Run &run)
 
 std::optional<QDateTime> UtcTyping::fromPasted(const QString &text, const QDateTime &before)
 {
-    static const QRegularExpression utc(QStringLiteral(" ?(Z|UTC)$"));
+    static const QRegularExpression utc(QStringLiteral(" ?(Z|UTC)$"),
+                                        QRegularExpression::CaseInsensitiveOption);
     static const QRegularExpression zone(QStringLiteral(":.*[+-]\\d\\d(:?\\d\\d)?$"));
     const QString plain = text.simplified();
     if (zone.match(plain).hasMatch()) {
         const QDateTime time = UtcText::fromText(plain);
-        return time.isValid() ? std::make_optional(time) : std::nullopt;
+        return time.isValid() ? std::make_optional(UtcText::wholeSecond(time)) : std::nullopt;
     }
     QString rest = QString(plain).remove(utc);
     const bool isTimeAlone = rest.indexOf(QLatin1Char(':')) <= 2 && rest.contains(QLatin1Char(':'));

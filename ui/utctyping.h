@@ -28,11 +28,12 @@ struct Run
 /// What a run amounts to.
 struct Reading
 {
-    QDateTime time;      ///< UTC; invalid when what was typed is no time
-    QString text;        ///< to be shown: the digits of the section being typed as they are
-    Section last = Year; ///< the section that the last key went to
-    int cursor = 0;      ///< position in the text
-    int selected = 0;    ///< characters after the cursor that the next digit replaces
+    QDateTime time;          ///< UTC; invalid when what was typed is no time
+    bool isFinished = false; ///< false while the section being typed is no number of its range yet
+    QString text;            ///< to be shown: the digits of the section being typed as they are
+    Section last = Year;     ///< the section that the last key went to
+    int cursor = 0;          ///< position in the text
+    int selected = 0;        ///< characters after the cursor that the next digit replaces
 };
 
 /// Whether a time can be typed with @p character: a digit or a separator.

@@ -35,6 +35,10 @@ report_end() {
     fi
 }
 trap report_end EXIT
+# An interrupted script would otherwise end with the code of its last command, often a success.
+trap 'exit 129' HUP
+trap 'exit 130' INT
+trap 'exit 143' TERM
 
 # step WORDS...: announces what comes next.
 step() {

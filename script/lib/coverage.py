@@ -49,13 +49,16 @@ def print_table(files, folders):
 
 def print_rest(files):
     with open(REASONS, encoding="utf-8") as lines:
-        reasons = dict(line.rstrip("\n").split(": ", 1) for line in lines if ": " in line)
+        reasons = dict(line.rstrip("\n").split(": ", 1)
+                       for line in lines if not line.startswith("#"))
     print("\nNot run:")
     for file in files:
         missed = [line["line_number"] for line in file["lines"] if line["count"] == 0]
         if missed:
             print(f"  {file['file']}, {ranges(missed)}\n"
-                  f"      {reasons.get(file['file'], NO_REASON)}")
+                  f"      {reasons.pop(file['file'], NO_REASON)}")
+    for name in reasons:
+        print(f"  {name}\n      all of it is run, or it is gone: its reason is not needed any more")
 
 
 def main():

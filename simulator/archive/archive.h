@@ -55,7 +55,7 @@ struct ArchiveImage
  *
  * Which pictures exist is computed, not stored: an archive of 30 years takes no memory.
  */
-class Archive
+class Archive final
 {
 public:
     explicit Archive(QVector<ArchiveSource> sources);

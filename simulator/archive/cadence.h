@@ -15,7 +15,7 @@ enum class CadenceLaw;
  * Numbers are called slots: a gap leaves slots empty. Times ascend with the slots. All times are
  * whole seconds since 1970, UTC, as the archive rounds them.
  */
-class Cadence
+class Cadence final
 {
 public:
     explicit Cadence(const ArchiveSource &source);

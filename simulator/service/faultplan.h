@@ -14,7 +14,7 @@ namespace Simulator {
  *
  * May be used from several threads.
  */
-class FaultPlan
+class FaultPlan final
 {
 public:
     void add(const Fault &fault);

@@ -24,7 +24,7 @@ class Archive;
  * A connection serves one request, as the public service's do for curl. Lives in one thread; only
  * faults() may be used from others.
  */
-class HttpService : public QTcpServer
+class HttpService final : public QTcpServer
 {
     Q_OBJECT
 

@@ -12,7 +12,7 @@ class Archive;
 struct ArchiveImage;
 
 /// Renders images of the archive and keeps the most recently used ones.
-class PictureStore
+class PictureStore final
 {
 public:
     explicit PictureStore(std::shared_ptr<const Archive> archive);

@@ -10,7 +10,7 @@ namespace Simulator {
  *
  * The service names the first bad parameter only, in these words.
  */
-class QueryReader
+class QueryReader final
 {
 public:
     explicit QueryReader(const QUrlQuery &query) : m_query(query) {}

@@ -23,7 +23,7 @@ enum class Transport {
  *
  * Faults and counts may be asked for from any thread while it runs.
  */
-class Server
+class Server final
 {
 public:
     explicit Server(std::shared_ptr<const Archive> archive, Transport transport = Transport::Http);

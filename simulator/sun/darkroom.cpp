@@ -30,7 +30,7 @@ std::vector<int> curveOf(const Development &development)
 }
 
 /// The noise of the detector: triangular, so that it has no far outliers.
-class Grain
+class Grain final
 {
 public:
     Grain(quint64 seed, float spread) : m_state(seed), m_factor(static_cast<int>(spread * 256.0F))

@@ -12,7 +12,7 @@ namespace Simulator {
  *
  * Places are given in solar radii from the disk's centre, y up.
  */
-class LightField
+class LightField final
 {
 public:
     LightField(int widthPx, int heightPx, const Disk &disk);

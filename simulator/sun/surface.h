@@ -11,7 +11,7 @@ namespace Simulator {
  *
  * It turns as one piece: differential rotation would wind its textures up in the course of months.
  */
-class Surface
+class Surface final
 {
 public:
     Surface(qint64 unixTime, double radiusPx);

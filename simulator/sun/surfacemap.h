@@ -27,7 +27,7 @@ inline Texel mixed(const Texel &a, const Texel &b, float share)
  * Seen from the Earth, rows of equal sine are evenly spaced, so no part of the disk is starved.
  * Made from noise in space, hence without seam or pole.
  */
-class SurfaceMap
+class SurfaceMap final
 {
 public:
     /// The smallest map that serves a disk of that radius; made once, then kept.

@@ -3,6 +3,7 @@
 #include "roi/roiframe.h"
 #include "roi/roigeometry.h"
 #include "roi/samescale.h"
+#include "roi/solarposition.h"
 #include "tests/roi/testsession.h"
 
 #include <QPainter>
@@ -10,6 +11,7 @@
 
 #include <climits>
 #include <limits>
+#include <tuple>
 
 /// Where regions lie in pixels, how they are turned, cut and zoomed to.
 class TestRegions : public QObject
@@ -71,6 +73,39 @@ private slots:
         QCOMPARE(RegionMarks::nameBox({270, 10, 90, 90}, name, sight), QRectF({250, 10}, name));
         QCOMPARE(RegionMarks::nameBox({-90, -90, 999, 100}, name, sight), QRectF({0, 0}, name));
         QVERIFY(RegionMarks::nameBox({-90, -90, 80, 80}, name, sight).isEmpty());
+    }
+
+    void placesOnTheSun()
+    {
+        const auto image = [](double native, double rsun, double x, double y) {
+            const auto json = QStringLiteral(
+                R"({"width":%1, "height":%1, "rsun":%2, "refPixelX":%3, "refPixelY":%4})");
+            const QString filled = json.arg(native).arg(rsun, 0, 'f', 3).arg(x).arg(y);
+            return QJsonDocument::fromJson(filled.toUtf8()).object();
+        };
+        const QJsonObject aia = image(4096, 1583.861, 2048.5, 2048.5);
+        const QJsonObject eit = image(1024, 365.232, 512.74, 521.95);
+        const QJsonObject c2 = image(1024, 80.64, 512, 506);
+        // The centre of the disk, an active region, the limb in the west and in the north.
+        const std::tuple<QPointF, QJsonObject, const char *> places[] = {
+            {{512, 512}, aia, "+0.000, y +0.000, r 0.000 R☉   |   x +0.0, y +0.0, r 0.0"},
+            {{300, 400}, aia, "-0.535, y +0.283, r 0.606 R☉   |   x -372.5, y +196.8, r 421.3"},
+            {{877.472, 502.55},
+             eit,
+             "+1.000, y +0.000, r 1.000 R☉   |   x +695.7, y +0.0, r 695.7"},
+            {{511.5, 437.86}, c2, "+0.000, y +1.000, r 1.000 R☉   |   x +0.0, y +695.7, r 695.7"}};
+        for (const auto &[pixel, metadata, text] : places)
+            QCOMPARE(SolarPosition::pixelText(pixel, {1024, 1024}, metadata),
+                     QStringLiteral("Cursor: x %1 Mm").arg(QString::fromUtf8(text)));
+        QCOMPARE(SolarPosition::sizeText({256, 128}, {1024, 1024}, c2),
+                 QStringLiteral("Region: 3.175 x 1.587 R\u2609   |   2209 x 1104 Mm"));
+        const QString warning =
+            SameScale::warning({{QStringLiteral("AIA"), aia},
+                                {QStringLiteral("EIT"), eit},
+                                {QString(), image(4096, 1599, 2048.5, 2048.5)}, // almost the same
+                                {QStringLiteral("moved"), image(4096, 1599, 2048.5, 1960)}});
+        QVERIFY(warning.endsWith(
+            QLatin1String("as in AIA: EIT (1.08 times as wide), moved (shifted).")));
     }
 
     void rotations()

@@ -243,10 +243,6 @@ private slots:
                                  {QStringLiteral("width"), 4096}};
         source.frames = {{{}, {}, {{QStringLiteral("width"), 4096}}}, {{}, {}, usable}};
         QCOMPARE(ScaleLookup().ensure(source, {}), usable); // and nobody is asked
-        QCOMPARE(ScaleLookup::lineText(0, usable), QStringLiteral("Scale: --"));
-        QCOMPARE(
-            ScaleLookup::lineText(1024, usable),
-            QStringLiteral("Projected scale: 1739.3 km/pixel at the captured PNG resolution."));
     }
 };
 

@@ -16,7 +16,9 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSlider>
 #include <QTimer>
+#include <QTreeWidget>
 #include <QtTest>
 #include <QWheelEvent>
 
@@ -48,7 +50,6 @@ private slots:
     void drawing()
     {
         click("newRoiButton");
-        QCOMPARE(status(), QStringLiteral("Drag a rectangle on the image to define the new ROI."));
         const QPoint mouse = view()->viewport()->rect().center() / 2;
         view()->scale(10, 10);
         QTest::mouseMove(view()->viewport(), mouse);
@@ -113,6 +114,8 @@ private slots:
         QTest::keyClick(list()->findChild<QLineEdit *>(), Qt::Key_Return);
         QTRY_COMPARE(list()->currentItem()->text(), QString(80, QLatin1Char('n')));
         find<QComboBox>("rotationCombo")->setCurrentIndex(1);
+        QTRY_COMPARE(find<QLabel>("resultCaption")->text(),
+                     QStringLiteral("72 x 128 px, 3 frame(s), 0.60 s"));
         spin("xSpin")->setFocus();
         for (int step = 0; step < 3; ++step)
             QTest::keyClick(spin("xSpin"), Qt::Key_Up);
@@ -199,7 +202,7 @@ private slots:
         QCOMPARE(filmShape(m_stored->filePath("HMI/HMI__ROI_02_all.mp4")),
                  QStringLiteral("128,96,7/1,3"));
         QVERIFY(m_stored->read("AIA_171/AIA_171__ROI_02_all.mp4").contains("crf=9.0")); // by x264
-        QCOMPARE(drawnCorners(2), QStringLiteral("bottom right"));
+        QCOMPARE(drawnCorners(2), QStringLiteral("---x"));
         QVERIFY(FakeProgram::runs(curl).isEmpty());
 
         toggle({"sourceOverlayCheck", "scaleOverlayCheck", "allSourcesCheck", "introCheck"});
@@ -209,12 +212,31 @@ private slots:
         for (int round = 0; round < 2; ++round)
             click("generateButton");
         QCOMPARE(filmShape(film()), QStringLiteral("256,192,7/1,7"));
-        QCOMPARE(drawnCorners(6), QStringLiteral("top right"));
+        QCOMPARE(drawnCorners(6), QStringLiteral("-x--"));
         QVERIFY(scale->text().startsWith(QLatin1String("Projected scale: 6957.0 km/pixel")));
         QCOMPARE(FakeProgram::runs(curl).size(), 1); // with the session's start
         QVERIFY(FakeProgram::runs(curl).constFirst().arguments.last().contains(
             QLatin1String("00:00Z")));
         QCOMPARE(m_stored->contents(), before);
+    }
+
+    void onlyTheGoodFramesAreFilmed()
+    {
+        drawTwo();
+        for (const char *frame : {"AIA_171/frame_0.png", "AIA_171/frame_2.png"})
+            m_stored->write(frame, "damaged");
+        find<QAbstractButton>("playButton")->click();
+        QTRY_COMPARE(find<QSlider>("frameSlider")->value(), 2);
+        QTest::keyClick(view(), Qt::Key_PageUp);
+        for (const char *end : {"fromButton", "toButton"})
+            find<QAbstractButton>(end)->click();
+        toggle({"allSourcesCheck"});
+        click("generateButton");
+        const QString last = m_stored->filePath("HMI/HMI__ROI_02_ROI_2.mp4");
+        QCOMPARE(filmShape(last), QStringLiteral("32,24,5/1,1"));
+        const QTreeWidgetItem *film = find<QTreeWidget>("filmTree")->topLevelItem(3);
+        QCOMPARE(film->text(0) + film->text(3), QStringLiteral("HMI0.20"));
+        QCOMPARE(film->data(0, Qt::UserRole).toString(), last);
     }
 
     void closeEndsAWaitForTheService()
@@ -285,8 +307,13 @@ private slots:
                                      QStringLiteral("ROI video restored after a run that was cut "
                                                     "short: ") +
                                          m_stored->filePath("HMI/a.mp4")}));
-        QCOMPARE(find<QComboBox>("sourceCombo")->currentText(),
-                 QStringLiteral("AIA 171  [3 frames]"));
+
+        for (const char *name : {"manifest.csv", "HMI/frame_1.png", "HMI/frame_2.png"})
+            QFile::remove(m_stored->filePath(name));
+        open();
+        find<QComboBox>("sourceCombo")->setCurrentIndex(1);
+        QTest::keyClick(view(), Qt::Key_Right); // with nowhere to go
+        QTRY_COMPARE(find<QLabel>("frameCounterLabel")->text(), QStringLiteral("1 / 1"));
     }
 
 private:
@@ -330,19 +357,17 @@ private:
     }
 
     QString film() const { return m_stored->filePath("AIA_171/AIA_171__ROI_02_all.mp4"); }
-    /// The corners in which frame @p index of the film is not as the stored ones.
+    /// An x for each corner in which frame @p index of the film is not as the stored ones, by rows.
     QString drawnCorners(int index) const
     {
         const QImage shown = filmFrame(film(), index);
         const QImage plain = TestSession::frame(shown.size());
-        const QMap<QString, QRect> corners{{QStringLiteral("top left "), {0, 0, 124, 92}},
-                                           {QStringLiteral("top right "), {132, 0, 124, 92}},
-                                           {QStringLiteral("bottom left "), {0, 100, 124, 92}},
-                                           {QStringLiteral("bottom right "), {132, 100, 124, 92}}};
         QString drawn;
-        for (auto corner = corners.begin(); corner != corners.end(); ++corner)
-            drawn += shown.copy(*corner) == plain.copy(*corner) ? QString() : corner.key();
-        return drawn.trimmed();
+        for (const QPoint &corner : {QPoint(0, 0), {132, 0}, {0, 100}, {132, 100}}) {
+            const QRect part(corner, QSize(124, 92));
+            drawn += QLatin1Char(shown.copy(part) == plain.copy(part) ? '-' : 'x');
+        }
+        return drawn;
     }
 
     template<typename Widget>

@@ -12,13 +12,14 @@
 
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QLabel>
 #include <QPainter>
 #include <QPushButton>
 #include <QSlider>
 
 namespace {
 
-constexpr QSize dialogSize(1180, 780);
+constexpr QSize dialogSize(1340, 760);
 constexpr int zoomSteps = 4;
 constexpr int zoomGapPx = 8;
 
@@ -87,7 +88,9 @@ void takeDialog(Album &album, const QString &sessionDirectory, int sourceIndex, 
     dialog.show();
     find<QComboBox>(dialog, "sourceCombo")->setCurrentIndex(sourceIndex);
     find<QSlider>(dialog, "frameSlider")->setValue(frameIndex);
-    QCoreApplication::processEvents(); // the view gets its size
+    const auto *caption = find<QLabel>(dialog, "resultCaption");
+    while (caption->text().isEmpty()) // the frame is decoded, then the result is made of it
+        QCoreApplication::processEvents();
     find<QPushButton>(dialog, "fitButton")->click();
     album.addWidget(QStringLiteral("roi"), &dialog);
 }
