@@ -35,7 +35,7 @@ public:
         QElapsedTimer clock;
         clock.start();
         auto result = step();
-        m_ms[QLatin1String(name)] += double(clock.nsecsElapsed()) / 1e6;
+        m_ms[QLatin1String(name)] += static_cast<double>(clock.nsecsElapsed()) / 1e6;
         return result;
     }
 

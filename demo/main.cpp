@@ -66,7 +66,7 @@ bool report(const QVector<SourceAudit> &audits, const QDir &session, Terminal &t
             faults << QStringLiteral("WARNING %1: %2").arg(audit.source.nickname, fault);
     }
     terminal.print(QLatin1Char('\n') + TextTable::format(rows) + QLatin1Char('\n') + films);
-    for (const QString &fault : qAsConst(faults))
+    for (const QString &fault : std::as_const(faults))
         terminal.logLine(fault);
     return faults.isEmpty();
 }

@@ -20,7 +20,7 @@ namespace {
 
 /// Tells whether files exist by listing each folder once; a million calls to the file system take
 /// many times longer.
-class FileInventory
+class FileInventory final
 {
 public:
     bool contains(const QString &cleanPath)

@@ -11,6 +11,7 @@
 #include "ui/acquisitionestimate.h"
 #include "ui/acquisitionform.h"
 #include "ui/catalogcache.h"
+#include "ui/dockheight.h"
 #include "ui/licensedialog.h"
 #include "ui/logview.h"
 #include "ui/outputsearch.h"
@@ -69,6 +70,7 @@ void MainWindow::buildWidgets()
     CatalogTree::prepare(m_form->sourcesTree);
     m_log = new LogView(m_form->log, m_form->logWidget, this);
     m_preview = new PreviewPane(m_form->previewLabel, this);
+    new DockHeight(this, m_form->dockWidget);
     reserveRoom();
     m_status = new StatusLine(m_form->statusBar, this);
     WindowKeys::set(this, *m_form);

@@ -58,9 +58,10 @@ QStringList SessionEvents::logLines() const
 
 int SessionEvents::count(const char *beginning) const
 {
-    return int(std::count_if(events.cbegin(), events.cend(), [beginning](const QString &event) {
-        return event.startsWith(QLatin1String(beginning));
-    }));
+    return static_cast<int>(
+        std::count_if(events.cbegin(), events.cend(), [beginning](const QString &event) {
+            return event.startsWith(QLatin1String(beginning));
+        }));
 }
 
 void SessionEvents::note(const QString &event)

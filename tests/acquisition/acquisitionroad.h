@@ -36,7 +36,7 @@ private:
 
 /// A service that has an image of aia() at every full minute and of suvi() every two minutes from
 /// second 10 on, and a controller that talks to it through the real curl.
-class AcquisitionRoad : public SessionEvents
+class AcquisitionRoad final : public SessionEvents
 {
 public:
     AcquisitionRoad();

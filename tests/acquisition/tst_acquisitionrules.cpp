@@ -26,7 +26,7 @@ RequestSchedule schedule(int sourceId, qint64 firstMs, qint64 lastMs, qint64 ste
 } // namespace
 
 /// From settings and the archive's answers to folders, tolerances and the plan.
-class TestAcquisitionRules : public QObject
+class TestAcquisitionRules final : public QObject
 {
     Q_OBJECT
 
@@ -55,7 +55,7 @@ private slots:
         QFETCH(QVector<RequestSchedule>, schedules);
         const QString requests = QLatin1String(QTest::currentDataTag());
         AcquisitionPlan plan(schedules);
-        QCOMPARE(plan.size(), qint64(requests.count(QLatin1Char(':'))));
+        QCOMPARE(plan.size(), static_cast<qint64>(requests.count(QLatin1Char(':'))));
         QStringList walked;
         for (; !plan.atEnd(); plan.advance()) {
             const FrameRequest request = plan.current();
@@ -104,7 +104,7 @@ private slots:
             seconds += startUtc().toSecsSinceEpoch();
         const SourcePlan plan =
             SourcePlanning::plan({0, "EIT 171"_s, {}}, PreflightMode::QuickProbe, frames, settings);
-        QCOMPARE(plan.schedule.stepMs, qint64(stepSeconds) * 1000);
+        QCOMPARE(plan.schedule.stepMs, static_cast<qint64>(stepSeconds) * 1000);
         QCOMPARE(plan.schedule.firstMs, startUtc().addSecs(firstOffset).toMSecsSinceEpoch());
         QCOMPARE(plan.schedule.lastMs, settings.endUtc.toMSecsSinceEpoch());
         if (!found.endsWith(QLatin1Char('.')))

@@ -16,6 +16,7 @@ void replaceEncoder(bool endless)
     FakeProgram::Reply reply;
     reply.hang = endless;
     reply.standardOutput = "encoding\n";
+    reply.files.insert("$last"_s, "a film");
     FakeProgram::replace("ffmpeg"_s, {reply});
 }
 
@@ -28,7 +29,7 @@ AcquisitionSettings smallSession()
 } // namespace
 
 /// A session that does not run to its end.
-class TestAcquisitionStop : public QObject
+class TestAcquisitionStop final : public QObject
 {
     Q_OBJECT
 

@@ -6,7 +6,7 @@
 #include <QtTest>
 
 /// The program itself, in a folder where it never ran before.
-class TestProgram : public QObject
+class TestProgram final : public QObject
 {
     Q_OBJECT
 

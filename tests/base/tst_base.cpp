@@ -11,7 +11,7 @@
 using LogLineClass::LineClass;
 
 /// The settings of the machine, JSON files, times, names and the first words of log lines.
-class TestBase : public QObject
+class TestBase final : public QObject
 {
     Q_OBJECT
 

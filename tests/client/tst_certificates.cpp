@@ -23,7 +23,7 @@ FakeProgram::Reply badCertificate()
 
 /// Whom the real curl trusts, and the switch to unverified HTTPS. That lasts for the whole run: no
 /// other program may hold these tests, and theirs is the order in which they stand.
-class TestCertificates : public QObject
+class TestCertificates final : public QObject
 {
     Q_OBJECT
 

@@ -20,7 +20,7 @@ QJsonObject object(const QByteArray &json)
 } // namespace
 
 /// Answers as values, and the client against a stand-in for curl: what it is asked, and when not.
-class TestHelioviewerClient : public QObject
+class TestHelioviewerClient final : public QObject
 {
     Q_OBJECT
 

@@ -82,7 +82,7 @@ Event roomFor(double pictures)
 {
     return [pictures](Scene &scene) {
         const QFileInfo first(scene.folder() + "frame_000000.png"_s);
-        TestFolder::leaveRoom(qint64(pictures * double(first.size())));
+        TestFolder::leaveRoom(static_cast<qint64>(pictures * static_cast<double>(first.size())));
     };
 }
 
@@ -106,7 +106,7 @@ Event lastCopyIs(bool there)
 Q_DECLARE_METATYPE(Event)
 
 /// Sessions whose service, programs, disk or folders fail before or while they run.
-class TestSessionFaults : public QObject
+class TestSessionFaults final : public QObject
 {
     Q_OBJECT
 

@@ -71,7 +71,7 @@ QImage noise(QSize size, QImage::Format format = QImage::Format_ARGB32)
     QImage image(size, format);
     QRandomGenerator random(20240501);
     random.fillRange(reinterpret_cast<QRgb *>(image.bits()),
-                     qsizetype(size.width()) * size.height());
+                     static_cast<qsizetype>(size.width()) * size.height());
     image.setPixel(0, 0, 0x00ff8040U);
     return image;
 }
@@ -88,7 +88,7 @@ QImage sun(QSize size)
 } // namespace
 
 /// Renderer blocks, annotations, and PNG files as they are written and read.
-class TestImaging : public QObject
+class TestImaging final : public QObject
 {
     Q_OBJECT
 
@@ -113,7 +113,7 @@ private slots:
     {
         QFETCH(QVector<QPoint>, cells);
         QImage image = grey({1024, 1024});
-        for (const QPoint &cell : qAsConst(cells))
+        for (const QPoint &cell : std::as_const(cells))
             fill(image, {cell * 64, QSize(64, 64)});
         QTEST(detectBlankRendererBlock(image, disk({4096, 4096}, 1600)), "expected");
     }

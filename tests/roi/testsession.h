@@ -11,7 +11,7 @@
  *
  * A frame has four fields: red, green above blue, white. Minute k of the session makes frame k.
  */
-class TestSession
+class TestSession final
 {
 public:
     TestSession();

@@ -14,7 +14,7 @@
 #include <tuple>
 
 /// Where regions lie in pixels, how they are turned, cut and zoomed to.
-class TestRegions : public QObject
+class TestRegions final : public QObject
 {
     Q_OBJECT
 

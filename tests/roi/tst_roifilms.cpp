@@ -50,7 +50,7 @@ QString failureOf(const RoiVideoPlan &plan)
 } // namespace
 
 /// Films made by the real ffmpeg, and every way in which making them ends early.
-class TestRoiFilms : public QObject
+class TestRoiFilms final : public QObject
 {
     Q_OBJECT
 

@@ -25,7 +25,7 @@
 #include <csignal>
 
 /// The road of a person: open, look, draw, adjust, save, reload, film.
-class TestRoiVideoDialog : public QObject
+class TestRoiVideoDialog final : public QObject
 {
     Q_OBJECT
 

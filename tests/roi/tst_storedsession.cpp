@@ -8,7 +8,7 @@
 #include <sys/stat.h>
 
 /// A session and its regions read back, whole and damaged, and where it may be written to.
-class TestStoredSession : public QObject
+class TestStoredSession final : public QObject
 {
     Q_OBJECT
 

@@ -57,7 +57,7 @@ QString shell(const QString &folder, const QString &commands)
 } // namespace
 
 /// The program for stored sessions, run as a user runs it.
-class TestSessionTool : public QObject
+class TestSessionTool final : public QObject
 {
     Q_OBJECT
 

@@ -132,7 +132,7 @@ const struct
 
 } // namespace
 
-class TestSimulator : public QObject
+class TestSimulator final : public QObject
 {
     Q_OBJECT
 

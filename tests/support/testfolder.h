@@ -25,7 +25,7 @@ QString writeScript(const QString &name, const QByteArray &commands);
 void leaveRoom(qint64 bytes = -1);
 
 /// An empty output root of its own, entered as "paths/output"; removed with this object.
-class OutputRoot
+class OutputRoot final
 {
 public:
     OutputRoot();

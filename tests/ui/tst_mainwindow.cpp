@@ -60,7 +60,7 @@ QStringList enabledParts(const MainWindow &window)
 
 } // namespace
 
-class TestMainWindow : public QObject
+class TestMainWindow final : public QObject
 {
     Q_OBJECT
 
@@ -119,6 +119,8 @@ private slots:
         QVERIFY(QTest::qWaitForWindowActive(&window));
         const QString cadence = "acquisition/cadenceSeconds"_s;
         part<QSpinBox>(window, "cadenceSpin")->setValue(7);
+        QTRY_VERIFY(part<QDockWidget>(window, "dockWidget")->geometry().bottom() <
+                    window.statusBar()->y()); // they do not overlap
         const BoxCloser boxes;
         QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
         QCOMPARE(userSettings().value(cadence).toInt(), 7);

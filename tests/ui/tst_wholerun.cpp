@@ -74,7 +74,7 @@ void choose(const QWidget &window, const char *widget, const QVariant &value)
 } // namespace
 
 /// From a tick in the window to a pixel of a region's film, value by value.
-class TestWholeRun : public QObject
+class TestWholeRun final : public QObject
 {
     Q_OBJECT
 

@@ -56,7 +56,7 @@ QImage stripes(const QSize &size)
 } // namespace
 
 /// What the main window is made of, each part on its own.
-class TestWindowParts : public QObject
+class TestWindowParts final : public QObject
 {
     Q_OBJECT
 
@@ -73,7 +73,7 @@ private slots:
     {
         fill(catalog);
         QStringList texts;
-        for (QTreeWidgetItemIterator it(m_tree.get()); *it != nullptr; ++it)
+        for (QTreeWidgetItemIterator it(m_tree.get()); *it; ++it)
             texts.append((*it)->text(0));
         QCOMPARE(texts.join(QLatin1Char('|')),
                  "Empty|SDO|AIA|AIA 94   [sourceId 8]|AIA 171   [sourceId 10]|"

@@ -18,7 +18,7 @@ constexpr char format[] = "yyyy-MM-dd HH:mm:ss";
 } // namespace
 
 /// What the window understands of times, and how it shows ticks, captions and the pace of a run.
-class TestWindowWords : public QObject
+class TestWindowWords final : public QObject
 {
     Q_OBJECT
 

@@ -46,7 +46,7 @@ int difference(const QImage &one, const QImage &other)
     int worst = a.size() == b.size() ? 0 : 255;
     for (int i = 0; worst < 255 && i < a.width() * a.height(); ++i) {
         const QPoint pixel(i % a.width(), i / a.width());
-        worst = qMax(worst, qAbs(qGray(a.pixel(pixel)) - qGray(b.pixel(pixel))));
+        worst = std::max(worst, std::abs(qGray(a.pixel(pixel)) - qGray(b.pixel(pixel))));
     }
     return worst;
 }
@@ -144,7 +144,7 @@ void WholeSession::compare(const QString &text, const char *name) const
 {
     const QStringList found = named(text).split(QLatin1Char('\n'));
     const QStringList lines = expected(name).split(QLatin1Char('\n'));
-    for (int i = 0; i < qMin(found.size(), lines.size()); ++i)
+    for (int i = 0; i < std::min(found.size(), lines.size()); ++i)
         QCOMPARE(found.at(i), lines.at(i));
     QCOMPARE(found.size(), lines.size());
 }

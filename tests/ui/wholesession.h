@@ -10,7 +10,7 @@
 
 /// A whole session as it must come out: the texts in wholerun/, and what the service answers when
 /// it is asked by other means than the program's.
-class WholeSession
+class WholeSession final
 {
 public:
     /// A request as the ledger has to have it.

@@ -70,7 +70,7 @@ WindowFixture::BoxCloser::BoxCloser()
     auto *timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, [this] {
         auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (box == nullptr)
+        if (!box)
             return;
         QCOMPARE(box->textFormat(), Qt::PlainText); // a path or an answer may look like markup
         shown.append(box->windowTitle() + ": "_s + box->text());

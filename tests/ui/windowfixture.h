@@ -21,7 +21,7 @@ template<typename Widget>
 Widget *part(const QWidget &window, const char *objectName)
 {
     auto *found = window.findChild<Widget *>(QLatin1String(objectName));
-    if (found == nullptr)
+    if (!found)
         qFatal("no %s", objectName);
     return found;
 }
@@ -35,7 +35,7 @@ QTreeWidgetItem *findLeaf(const MainWindow &window, const QString &text);
 QString logText(const MainWindow &window);
 
 /// Accepts message boxes as they come up and remembers what they said.
-class BoxCloser : public QObject
+class BoxCloser final : public QObject
 {
 public:
     BoxCloser();
