@@ -1,3 +1,4 @@
+#include "roi/frameinterval.h"
 #include "roi/regionmarks.h"
 #include "roi/roiframe.h"
 #include "roi/roigeometry.h"
@@ -160,6 +161,24 @@ private slots:
         for (const int rotation : {0, 180, 90, -90}) // the bar lies across the turned picture
             QCOMPARE(RoiFrame::zoomKmPerPixel(2.0, view, {100, 50}, rotation),
                      rotation % 180 == 0 ? 20.0 : 24.0);
+    }
+
+    void partOfASession()
+    {
+        QVector<RoiSourceFrame> frames(4);
+        for (int minute = 0; minute < 4; ++minute)
+            frames[minute].actualUtc = QDateTime({2024, 5, 1}, {12, minute}, Qt::UTC);
+        using namespace FrameIntervals;
+        const FrameInterval from = beginningAt({}, frames, 0, 1);
+        const FrameInterval part = endingAt(from, frames, 0, 2);
+        QCOMPARE(kept(from, frames, 7), QVector<int>({1, 2, 3}));
+        QCOMPARE(kept(part, frames, 7), QVector<int>({1, 2}));
+        QCOMPARE(kept(endingAt(part, frames, 0, 0), frames, 0), QVector<int>({0}));
+        QCOMPARE(kept(beginningAt(part, frames, 0, 3), frames, 0), QVector<int>({3}));
+        const QVector<RoiSourceFrame> timeless(4); // a part of its own
+        const FrameInterval own = endingAt(beginningAt({}, timeless, 7, 1), timeless, 7, 2);
+        QCOMPARE(kept(own, timeless, 7), QVector<int>({1, 2}));
+        QCOMPARE(kept(own, frames, 0).size(), 4);
     }
 
     void othersThatShowTheSunAtAnotherScale()

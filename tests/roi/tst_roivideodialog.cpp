@@ -198,6 +198,7 @@ private slots:
                                          "were not modified."));
         QCOMPARE(status(), QStringLiteral("Completed: 2 ROI video(s) created."));
         QCOMPARE(filmShape(film()), QStringLiteral("256,192,7/1,3"));
+        QVERIFY(m_log.contains(QStringLiteral("ROI video completed: ") + film())); // not turned
         QCOMPARE(filmShape(m_stored->filePath("HMI/HMI__ROI_02_all.mp4")),
                  QStringLiteral("128,96,7/1,3"));
         QVERIFY(m_stored->read("AIA_171/AIA_171__ROI_02_all.mp4").contains("crf=9.0")); // by x264
@@ -323,7 +324,8 @@ private:
                 [this](const QString &line) { m_log += line; });
         m_dialog->show();
         QVERIFY(QTest::qWaitForWindowActive(m_dialog.get()));
-        QTRY_VERIFY(!view()->transform().isIdentity()); // the frame is fitted
+        QTRY_VERIFY(!view()->transform().isIdentity());     // the frame is fitted
+        QVERIFY(view()->findChild<QLabel *>()->isHidden()); // what stands there without a frame
     }
 
     /// Presses a button of the box that is open, if any.

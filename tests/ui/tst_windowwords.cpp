@@ -23,209 +23,201 @@ class TestWindowWords final : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void typed_data();
-    void typed();
-    void pasted_data();
-    void pasted();
-    void ticksAreInViewAndABoxMakesCurrent();
-    void runInWords_data();
-    void runInWords();
-    void captionBreaksAtItsBars();
+    /// The field says 2024-01-31 12:34:56 before.
+    void init()
+    {
+        m_window = std::make_unique<QWidget>();
+        new QLineEdit(m_window.get()); // has the focus first
+        m_edit = new UtcEdit(m_window.get());
+        m_edit->setDisplayFormat(QLatin1String(format));
+        m_edit->setTimeSpec(Qt::UTC);
+        m_edit->setDateTime(QDateTime(QDate(2024, 1, 31), QTime(12, 34, 56), Qt::UTC));
+        m_edit->move(0, 50);
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    }
+
+    void typed_data()
+    {
+        QTest::addColumn<int>("clicked");
+        QTest::addColumn<QString>("keys"); // < is Backspace, ~ Delete, > Tab, ^ Up
+        QTest::addColumn<QString>("expected");
+        QTest::addColumn<bool>("isRefused");
+        const QString stamp = QStringLiteral("2023-08-09 01:02:03");
+        const auto row = [](int clicked, const char *keys, const QString &expected,
+                            bool isRefused = false) {
+            QTest::addRow("%s at %d", keys, clicked)
+                << clicked << QString::fromLatin1(keys) << expected << isRefused;
+        };
+        for (int clicked = -2; clicked < 20; ++clicked) {
+            for (const char *keys :
+                 {"2023-08-09 01:02:03", "20230809010203", "2023-08-09T01:02:03Z"})
+                row(clicked, keys, stamp);
+        }
+        row(-1, "12:05", QStringLiteral("2024-01-31 12:05:56"));
+        row(0, "2023-02-", QStringLiteral("2023-02-28 12:34:56")); // has no 31st
+        row(12, "9:5:7>", QStringLiteral("2024-01-31 09:05:07"));
+        row(5, "02<", QStringLiteral("2024-01-31 12:34:56"), true); // month 0
+        row(19, "<7", QStringLiteral("2024-01-31 12:34:57"));
+        row(19, "~7", QStringLiteral("2024-01-31 12:34:07"));
+        row(12, "~7", QStringLiteral("2024-01-31 17:34:56"));
+        row(1, "<", QStringLiteral("2024-01-31 12:34:56"));
+        row(18, "2021", QStringLiteral("2024-01-31 12:34:21"));
+        row(12, "12^", QStringLiteral("2024-01-31 12:35:56"));
+        row(-1, "2023>08>>7>", QStringLiteral("2023-08-31 07:34:56"));
+        for (const char *keys : {"2023-13-01 00:00:00>", "2023-02-31 00:00:00", "23-08-09>",
+                                 "1600-01-01>", "2023-08-0", "202"})
+            row(-1, keys, QStringLiteral("2024-01-31 12:34:56"), true);
+    }
+
+    void typed()
+    {
+        QFETCH(int, clicked);
+        QFETCH(QString, keys);
+        enter(clicked);
+        const QSignalSpy refused(m_edit, &UtcEdit::refused);
+        const QHash<QChar, Qt::Key> named = {{QLatin1Char('<'), Qt::Key_Backspace},
+                                             {QLatin1Char('~'), Qt::Key_Delete},
+                                             {QLatin1Char('>'), Qt::Key_Tab},
+                                             {QLatin1Char('^'), Qt::Key_Up}};
+        for (const QChar key : keys) {
+            if (named.contains(key))
+                QTest::keyClick(m_edit, named.value(key));
+            else
+                QTest::keyClick(m_edit, key.toLatin1());
+        }
+        if (keys == QLatin1String("<")) // a whole year is shown again once the field is left
+            QCOMPARE(m_edit->text(), QStringLiteral("-01-31 12:34:56"));
+        if (m_edit->showsTime())
+            QTEST(m_edit->dateTime().toString(QLatin1String(format)), "expected");
+        m_edit->clearFocus();
+        QTEST(m_edit->text(), "expected");
+        QTEST(!refused.isEmpty(), "isRefused");
+    }
+
+    void pasted_data()
+    {
+        QTest::addColumn<QString>("expected");
+        const auto row = [](const char *text, const char *expected) {
+            QTest::newRow(text) << QString::fromLatin1(expected);
+        };
+        for (const char *text : {"2023-08-01T01:02:03Z", "2023-08-01 01:02:03", "20230801_010203",
+                                 "2023-08-01t01:02:03.999z\n", " 2023-08-01 01:02:03 UTC",
+                                 "2023-08-01T03:02:03.9+02:00"})
+            row(text, "2023-08-01 01:02:03");
+        row("2023-08-01T01:02Z", "2023-08-01 01:02:00");
+        row("2023-08-01", "2023-08-01 12:34:56");
+        row("1:02", "2024-01-31 01:02:00");
+        row("01:02", "2024-01-31 01:02:00");
+        for (const char *text : {"2023-02-31", "1600-01-01", "", "soon", "0x7"})
+            row(text, "2024-01-31 12:34:56");
+    }
+
+    void pasted()
+    {
+        const QString before = m_edit->text();
+        for (const int clicked : {-2, -1, 12}) {
+            m_edit->setDateTime(QDateTime::fromString(before, QLatin1String(format)));
+            enter(clicked);
+            QGuiApplication::clipboard()->setText(QString::fromLatin1(QTest::currentDataTag()));
+            QTest::keySequence(m_edit, QKeySequence::Paste);
+            m_edit->clearFocus();
+            QTEST(m_edit->text(), "expected");
+            QCOMPARE(m_edit->dateTime(),
+                     QDateTime::fromString(m_edit->text() + QLatin1Char('Z'), Qt::ISODate));
+        }
+    }
+
+    void ticksAreInViewAndABoxMakesCurrent()
+    {
+        QTreeWidget tree;
+        CatalogTree::prepare(&tree);
+        CatalogTree::Selection selection{{7}, -1};
+        const auto item = [&tree](const char *text) {
+            return tree.findItems(QLatin1String(text), Qt::MatchStartsWith | Qt::MatchRecursive)
+                .at(0);
+        };
+        for (int round = 0; round < 2; ++round) {
+            tree.collapseAll();
+            CatalogTree::fill(&tree,
+                              QJsonDocument::fromJson(R"({"a": {"b": {"c": {"d": {
+                "x": {"sourceId": 7}, "y": {"sourceId": 8}}}}}})")
+                                  .object(),
+                              &selection);
+            QVERIFY(item("c")->isExpanded() && item("d")->isExpanded());
+        }
+        tree.show();
+        const QRect row = tree.visualItemRect(item("y"));
+        QTest::mouseClick(tree.viewport(), Qt::LeftButton, {},
+                          QPoint(row.left() + row.height() / 2, row.center().y()));
+        QCOMPARE(item("y")->checkState(0), Qt::Checked);
+        QCOMPARE(CatalogTree::currentId(&tree), 8);
+    }
+
+    void runInWords_data()
+    {
+        QTest::addColumn<bool>("isPlanned");
+        QTest::addColumn<int>("done");
+        QTest::addColumn<qint64>("elapsedMs");
+        const auto row = [](bool isPlanned, int done, qint64 elapsedMs, const char *expected) {
+            QTest::newRow(expected) << isPlanned << done << elapsedMs;
+        };
+        row(false, 1, 0, "Measuring cadences: 1 of 102 datasources");
+        row(true, 2, 9'000, "2 of 100 requests");
+        row(true, 10, 1'000, "10 of 100 requests, about 10 s left");
+        row(true, 50, 50'001, "50 of 100 requests, about 1 min left");
+        row(true, 20, 45'001, "20 of 100 requests, about 4 min left");
+        row(true, 25, 1'200'001, "25 of 100 requests, about 1 h 10 min left");
+        row(true, 100, 1, "100 of 100 requests, 0 of 2 films");
+        row(true, 101, 1, "100 of 100 requests, 1 of 2 films");
+    }
+
+    void runInWords()
+    {
+        QFETCH(bool, isPlanned);
+        QFETCH(int, done);
+        QFETCH(qint64, elapsedMs);
+        QCOMPARE(RunProgress::text({isPlanned, done, 102, 2, elapsedMs}),
+                 QLatin1String(QTest::currentDataTag()));
+    }
+
+    void captionBreaksAtItsBars()
+    {
+        const CaptionLabel caption(
+            QStringLiteral("one two   |   three   |   four\nfive   |   six"));
+        const QFontMetrics metrics = caption.fontMetrics();
+        const auto lines = [&](const char *widest) {
+            const int width = metrics.horizontalAdvance(QLatin1String(widest)) + 1;
+            return caption.heightForWidth(width) / metrics.lineSpacing();
+        };
+        QCOMPARE(lines("one two   |   three   |   four"), 2);
+        QCOMPARE(lines("one two   |   three   |"), 3);
+        QCOMPARE(lines("one two   |"), 5);
+    }
 
 private:
-    void enter(int clicked);
+    /// Goes into the field: by a click at a position of its text, by Tab (-1), or by that and
+    /// Ctrl+A
+    /// (-2).
+    void enter(int clicked)
+    {
+        auto *line = m_edit->findChild<QLineEdit *>();
+        m_edit->previousInFocusChain()->setFocus();
+        if (clicked < 0) {
+            QTest::keyClick(m_window->focusWidget(), Qt::Key_Tab);
+            if (clicked == -2)
+                QTest::keySequence(m_edit, QKeySequence::SelectAll);
+        } else {
+            line->setCursorPosition(clicked);
+            QTest::mouseClick(line, Qt::LeftButton, {},
+                              line->inputMethodQuery(Qt::ImCursorRectangle).toRect().center());
+        }
+        QCOMPARE(QGuiApplication::focusObject(), m_edit);
+    }
 
     std::unique_ptr<QWidget> m_window;
     UtcEdit *m_edit = nullptr;
 };
-
-/// The field says 2024-01-31 12:34:56 before.
-void TestWindowWords::init()
-{
-    m_window = std::make_unique<QWidget>();
-    new QLineEdit(m_window.get()); // has the focus first
-    m_edit = new UtcEdit(m_window.get());
-    m_edit->setDisplayFormat(QLatin1String(format));
-    m_edit->setTimeSpec(Qt::UTC);
-    m_edit->setDateTime(QDateTime(QDate(2024, 1, 31), QTime(12, 34, 56), Qt::UTC));
-    m_edit->move(0, 50);
-    m_window->show();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-}
-
-/// Goes into the field: by a click at a position of its text, by Tab (-1), or by that and Ctrl+A
-/// (-2).
-void TestWindowWords::enter(int clicked)
-{
-    auto *line = m_edit->findChild<QLineEdit *>();
-    m_edit->previousInFocusChain()->setFocus();
-    if (clicked < 0) {
-        QTest::keyClick(m_window->focusWidget(), Qt::Key_Tab);
-        if (clicked == -2)
-            QTest::keySequence(m_edit, QKeySequence::SelectAll);
-    } else {
-        line->setCursorPosition(clicked);
-        QTest::mouseClick(line, Qt::LeftButton, {},
-                          line->inputMethodQuery(Qt::ImCursorRectangle).toRect().center());
-    }
-    QCOMPARE(QGuiApplication::focusObject(), m_edit);
-}
-
-void TestWindowWords::typed_data()
-{
-    QTest::addColumn<int>("clicked");
-    QTest::addColumn<QString>("keys"); // < is Backspace, ~ Delete, > Tab, ^ Up
-    QTest::addColumn<QString>("expected");
-    QTest::addColumn<bool>("isRefused");
-    const QString stamp = QStringLiteral("2023-08-09 01:02:03");
-    const auto row = [](int clicked, const char *keys, const QString &expected,
-                        bool isRefused = false) {
-        QTest::addRow("%s at %d", keys, clicked)
-            << clicked << QString::fromLatin1(keys) << expected << isRefused;
-    };
-    for (int clicked = -2; clicked < 20; ++clicked) {
-        for (const char *keys : {"2023-08-09 01:02:03", "20230809010203", "2023-08-09T01:02:03Z"})
-            row(clicked, keys, stamp);
-    }
-    row(-1, "12:05", QStringLiteral("2024-01-31 12:05:56"));
-    row(0, "2023-02-", QStringLiteral("2023-02-28 12:34:56")); // has no 31st
-    row(12, "9:5:7>", QStringLiteral("2024-01-31 09:05:07"));
-    row(5, "02<", QStringLiteral("2024-01-31 12:34:56"), true); // month 0
-    row(19, "<7", QStringLiteral("2024-01-31 12:34:57"));
-    row(19, "~7", QStringLiteral("2024-01-31 12:34:07"));
-    row(12, "~7", QStringLiteral("2024-01-31 17:34:56"));
-    row(1, "<", QStringLiteral("2024-01-31 12:34:56"));
-    row(18, "2021", QStringLiteral("2024-01-31 12:34:21"));
-    row(12, "12^", QStringLiteral("2024-01-31 12:35:56"));
-    row(-1, "2023>08>>7>", QStringLiteral("2023-08-31 07:34:56"));
-    for (const char *keys : {"2023-13-01 00:00:00>", "2023-02-31 00:00:00", "23-08-09>",
-                             "1600-01-01>", "2023-08-0", "202"})
-        row(-1, keys, QStringLiteral("2024-01-31 12:34:56"), true);
-}
-
-void TestWindowWords::typed()
-{
-    QFETCH(int, clicked);
-    QFETCH(QString, keys);
-    enter(clicked);
-    const QSignalSpy refused(m_edit, &UtcEdit::refused);
-    const QHash<QChar, Qt::Key> named = {{QLatin1Char('<'), Qt::Key_Backspace},
-                                         {QLatin1Char('~'), Qt::Key_Delete},
-                                         {QLatin1Char('>'), Qt::Key_Tab},
-                                         {QLatin1Char('^'), Qt::Key_Up}};
-    for (const QChar key : keys) {
-        if (named.contains(key))
-            QTest::keyClick(m_edit, named.value(key));
-        else
-            QTest::keyClick(m_edit, key.toLatin1());
-    }
-    if (keys == QLatin1String("<")) // a whole year is shown again once the field is left
-        QCOMPARE(m_edit->text(), QStringLiteral("-01-31 12:34:56"));
-    if (m_edit->showsTime())
-        QTEST(m_edit->dateTime().toString(QLatin1String(format)), "expected");
-    m_edit->clearFocus();
-    QTEST(m_edit->text(), "expected");
-    QTEST(!refused.isEmpty(), "isRefused");
-}
-
-void TestWindowWords::pasted_data()
-{
-    QTest::addColumn<QString>("expected");
-    const auto row = [](const char *text, const char *expected) {
-        QTest::newRow(text) << QString::fromLatin1(expected);
-    };
-    for (const char *text :
-         {"2023-08-01T01:02:03Z", "2023-08-01 01:02:03", "20230801_010203",
-          "2023-08-01t01:02:03.999z\n", " 2023-08-01 01:02:03 UTC", "2023-08-01T03:02:03.9+02:00"})
-        row(text, "2023-08-01 01:02:03");
-    row("2023-08-01T01:02Z", "2023-08-01 01:02:00");
-    row("2023-08-01", "2023-08-01 12:34:56");
-    row("1:02", "2024-01-31 01:02:00");
-    row("01:02", "2024-01-31 01:02:00");
-    for (const char *text : {"2023-02-31", "1600-01-01", "", "soon", "0x7"})
-        row(text, "2024-01-31 12:34:56");
-}
-
-void TestWindowWords::pasted()
-{
-    const QString before = m_edit->text();
-    for (const int clicked : {-2, -1, 12}) {
-        m_edit->setDateTime(QDateTime::fromString(before, QLatin1String(format)));
-        enter(clicked);
-        QGuiApplication::clipboard()->setText(QString::fromLatin1(QTest::currentDataTag()));
-        QTest::keySequence(m_edit, QKeySequence::Paste);
-        m_edit->clearFocus();
-        QTEST(m_edit->text(), "expected");
-        QCOMPARE(m_edit->dateTime(),
-                 QDateTime::fromString(m_edit->text() + QLatin1Char('Z'), Qt::ISODate));
-    }
-}
-
-void TestWindowWords::ticksAreInViewAndABoxMakesCurrent()
-{
-    QTreeWidget tree;
-    CatalogTree::prepare(&tree);
-    CatalogTree::Selection selection{{7}, -1};
-    const auto item = [&tree](const char *text) {
-        return tree.findItems(QLatin1String(text), Qt::MatchStartsWith | Qt::MatchRecursive).at(0);
-    };
-    for (int round = 0; round < 2; ++round) {
-        tree.collapseAll();
-        CatalogTree::fill(&tree,
-                          QJsonDocument::fromJson(R"({"a": {"b": {"c": {"d": {
-            "x": {"sourceId": 7}, "y": {"sourceId": 8}}}}}})")
-                              .object(),
-                          &selection);
-        QVERIFY(item("c")->isExpanded() && item("d")->isExpanded());
-    }
-    tree.show();
-    const QRect row = tree.visualItemRect(item("y"));
-    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {},
-                      QPoint(row.left() + row.height() / 2, row.center().y()));
-    QCOMPARE(item("y")->checkState(0), Qt::Checked);
-    QCOMPARE(CatalogTree::currentId(&tree), 8);
-}
-
-void TestWindowWords::runInWords_data()
-{
-    QTest::addColumn<bool>("isPlanned");
-    QTest::addColumn<int>("done");
-    QTest::addColumn<qint64>("elapsedMs");
-    const auto row = [](bool isPlanned, int done, qint64 elapsedMs, const char *expected) {
-        QTest::newRow(expected) << isPlanned << done << elapsedMs;
-    };
-    row(false, 1, 0, "Measuring cadences: 1 of 102 datasources");
-    row(true, 2, 9'000, "2 of 100 requests");
-    row(true, 10, 1'000, "10 of 100 requests, about 10 s left");
-    row(true, 50, 50'001, "50 of 100 requests, about 1 min left");
-    row(true, 20, 45'001, "20 of 100 requests, about 4 min left");
-    row(true, 25, 1'200'001, "25 of 100 requests, about 1 h 10 min left");
-    row(true, 100, 1, "100 of 100 requests, 0 of 2 films");
-    row(true, 101, 1, "100 of 100 requests, 1 of 2 films");
-}
-
-void TestWindowWords::runInWords()
-{
-    QFETCH(bool, isPlanned);
-    QFETCH(int, done);
-    QFETCH(qint64, elapsedMs);
-    QCOMPARE(RunProgress::text({isPlanned, done, 102, 2, elapsedMs}),
-             QLatin1String(QTest::currentDataTag()));
-}
-
-void TestWindowWords::captionBreaksAtItsBars()
-{
-    const CaptionLabel caption(QStringLiteral("one two   |   three   |   four\nfive   |   six"));
-    const QFontMetrics metrics = caption.fontMetrics();
-    const auto lines = [&](const char *widest) {
-        const int width = metrics.horizontalAdvance(QLatin1String(widest)) + 1;
-        return caption.heightForWidth(width) / metrics.lineSpacing();
-    };
-    QCOMPARE(lines("one two   |   three   |   four"), 2);
-    QCOMPARE(lines("one two   |   three   |"), 3);
-    QCOMPARE(lines("one two   |"), 5);
-}
 
 QTEST_MAIN(TestWindowWords)
 #include "tst_windowwords.moc"
