@@ -37,6 +37,11 @@ private slots:
         QCOMPARE(pixels({0, 0, 1, 1}, {101, 7}), QRect(0, 0, 100, 6));
         QCOMPARE(pixels({0.6, 0, 1, 1}, {1, 1}), QRect(0, 0, 2, 2));
         QCOMPARE(pixels({0, 0, 1, 1}, {0, 5}), QRect());
+        const QRectF odd(1.0 / 3, 0.5, 0.25, 1.5); // between pixels, and beyond the frame
+        QCOMPARE(RoiGeometry::coveringPixels(odd, {67, 50, 60, 50}, {200, 100}),
+                 QRectF(1.0 / 3, 0.5, 0.3, 1.5));
+        QCOMPARE(RoiGeometry::coveringPixels(odd, {70, 48, 50, 50}, {200, 100}),
+                 QRectF(0.35, 0.48, 0.25, 0.5));
         const QSize frame(1023, 769); // sizes that no fraction of two hits exactly
         for (int side = 2; side < 700; side += 2) {
             const QRect drawn(side / 3, side / 11, side, side);
@@ -58,6 +63,15 @@ private slots:
         QCOMPARE(resized(1, 1, {0, 999}, wide), QRect(50, 40, 106, 60));
         QCOMPARE(resized(-1, 0, {-999, 0}, 1), QRect(10, 0, 100, 100));
         QCOMPARE(resized(0, -1, {0, 30}, wide), QRect(71, 70, 18, 10));
+        QCOMPARE(resized(1, 0, {999, 0}), QRect(50, 40, 150, 40));
+        QCOMPARE(resized(0, 1, {7, 7.9}), QRect(50, 40, 60, 46));
+        QCOMPARE(resized(0, -1, {5, 10}), QRect(50, 50, 60, 30));
+        QCOMPARE(resized(1, 0, {20, 0}, 1), QRect(50, 20, 80, 80));
+        QCOMPARE(resized(1, 1, {-10, 0}, 1), QRect(50, 40, 50, 50));
+        QCOMPARE(resized(-1, -1, {-4, 0}, 1), QRect(46, 16, 64, 64));
+        QCOMPARE(resized(0, 1, {0, -10}, 1), QRect(65, 40, 30, 30));
+        QCOMPARE(RegionShape::moved(start, {999, -999}, frame), QRect(140, 0, 60, 40));
+        QCOMPARE(RegionShape::moved({0, 0, 2, 2}, {5, 5}, {1, 1}), QRect(0, 0, 2, 2));
         QCOMPARE(RegionShape::moved(start, {-60.4, 33}, frame), QRect(0, 60, 60, 40));
         const auto spanned = [&](const QPointF &from, const QPointF &to, double proportion) {
             return RegionShape::spanned(from, to, frame, proportion);
@@ -66,6 +80,17 @@ private slots:
         QCOMPARE(spanned({20.5, 90}, {-5, 10}, 1), QRectF(0, 70, 20, 20));
         QCOMPARE(spanned({20, 10}, {84, 11}, wide), QRectF(20, 10, 64, 36));
         QVERIFY(spanned({20, 10}, {21, 10}, wide).isEmpty());
+        QCOMPARE(spanned({20, 90}, {40, 80}, 1), QRectF(20, 70, 20, 20));
+        QCOMPARE(spanned({60, 10}, {40, 15}, 1), QRectF(40, 10, 20, 20));
+        QCOMPARE(spanned({20, 10}, {21, 30}, 2), QRectF(20, 10, 40, 20));
+        QCOMPARE(spanned({20, 10}, {22, 12}, 1), QRectF(20, 10, 2, 2)); // the smallest
+        QCOMPARE(spanned({198, 98}, {250, 150}, 1), QRectF(198, 98, 2, 2));
+        QVERIFY(spanned({199, 10}, {250, 90}, 1).isEmpty());
+        QVERIFY(spanned({20, 99}, {90, 150}, 1).isEmpty());
+        QCOMPARE(RegionShape::middle(frame, 0), QRect(50, 25, 100, 50));
+        const double offered[] = {0, 0, 1, 4.0 / 3, 16.0 / 9, 9.0 / 16, 0};
+        for (int choice = -1; choice < 6; ++choice)
+            QCOMPARE(RegionShape::proportionAt(choice), offered[choice + 1]);
         QCOMPARE(RegionShape::middle(frame, RegionShape::proportionAt(4)), QRect(86, 25, 28, 50));
         const QRectF sight(0, 0, 300, 200);
         const QSizeF name(50, 20); // above its region, inside it, in sight of it, gone with it
@@ -73,6 +98,36 @@ private slots:
         QCOMPARE(RegionMarks::nameBox({270, 10, 90, 90}, name, sight), QRectF({250, 10}, name));
         QCOMPARE(RegionMarks::nameBox({-90, -90, 999, 100}, name, sight), QRectF({0, 0}, name));
         QVERIFY(RegionMarks::nameBox({-90, -90, 80, 80}, name, sight).isEmpty());
+        QCOMPARE(RegionMarks::nameBox({10, 20, 9, 9}, name, sight), QRectF({10, 0}, name));
+        QCOMPARE(RegionMarks::nameBox({10, 30, 9, 9}, {400, 20}, sight), QRectF(0, 10, 400, 20));
+    }
+
+    void grips()
+    {
+        const QRectF outline(100, 100, 80, 60);
+        const auto gripAt = [](const QPointF &mouse, const QRectF &box) {
+            const RegionGrip grip = RegionMarks::gripAt(mouse, box, {100, 80, 50, 20});
+            return QStringLiteral("%1 %2 %3")
+                .arg(static_cast<int>(grip.kind))
+                .arg(grip.sides.x)
+                .arg(grip.sides.y);
+        };
+        const std::tuple<QPointF, const char *> places[] = {
+            {{100, 94}, "2 -1 -1"}, {{106, 106}, "2 -1 -1"}, {{180, 160}, "2 1 1"},
+            {{174, 100}, "2 1 -1"}, {{100, 166}, "2 -1 1"},  {{186, 130}, "2 1 0"},
+            {{187, 130}, "0 0 0"},  {{94, 130}, "2 -1 0"},   {{107, 130}, "0 0 0"},
+            {{170, 94}, "2 0 -1"},  {{140, 166}, "2 0 1"},   {{140, 167}, "0 0 0"},
+            {{140, 94}, "1 0 0"},   {{120, 85}, "1 0 0"},    {{160, 85}, "0 0 0"}};
+        for (const auto &[mouse, grip] : places)
+            QCOMPARE(gripAt(mouse, outline), QLatin1String(grip));
+        QCOMPARE(gripAt({102, 102}, {100, 100, 4, 4}), QStringLiteral("2 1 1")); // it can grow
+        const QVector<QRectF> handles = RegionMarks::handles(outline);
+        QCOMPARE(handles.size(), 8);
+        QCOMPARE(handles.first(), QRectF(96, 96, 8, 8));
+        QCOMPARE(handles.at(4), QRectF(176, 126, 8, 8));
+        QCOMPARE(handles.last(), QRectF(176, 156, 8, 8));
+        QCOMPARE(RegionMarks::nameOf(2, QStringLiteral("%1"), true), QStringLiteral("2 %1"));
+        QCOMPARE(RegionMarks::nameOf(2, QStringLiteral("a"), false), QStringLiteral("[2 a]"));
     }
 
     void placesOnTheSun()
@@ -99,13 +154,35 @@ private slots:
                      QStringLiteral("Cursor: x %1 Mm").arg(QString::fromUtf8(text)));
         QCOMPARE(SolarPosition::sizeText({256, 128}, {1024, 1024}, c2),
                  QStringLiteral("Region: 3.175 x 1.587 R\u2609   |   2209 x 1104 Mm"));
+        QJsonObject poor = c2; // what older sessions know
+        const auto size = [&poor](const QSize &pixels) {
+            return SolarPosition::sizeText(pixels, {1024, 1024}, poor);
+        };
+        QCOMPARE(size({8, 4}),
+                 QStringLiteral("Region: 0.099 x 0.050 R\u2609   |   69.0 x 34.5 Mm"));
+        QCOMPARE(size({}), QStringLiteral("Region: --"));
+        const SolarPosition::Disk narrow = SolarPosition::diskOn({512, 1024}, c2);
+        QCOMPARE(QPointF(narrow.radiusX, narrow.radiusY), QPointF(40.32, 80.64));
+        QCOMPARE(narrow.centre.value_or(QPointF()), QPointF(255.75, 518.5));
+        QCOMPARE(SolarPosition::pixelText({1, 1}, {9, 9}, image(1024, 80, 0, 0)), QString());
+        poor.remove(QStringLiteral("height"));
+        QCOMPARE(size({256, 128}), QStringLiteral("Region: 3.175 R\u2609   |   2209 Mm wide"));
+        QCOMPARE(SolarPosition::pixelText({1, 1}, {9, 9}, poor), QString());
+        poor.remove(QStringLiteral("rsun"));
+        QCOMPARE(size({256, 128}), QString());
         const QString warning =
             SameScale::warning({{QStringLiteral("AIA"), aia},
                                 {QStringLiteral("EIT"), eit},
                                 {QString(), image(4096, 1599, 2048.5, 2048.5)}, // almost the same
-                                {QStringLiteral("moved"), image(4096, 1599, 2048.5, 1960)}});
-        QVERIFY(warning.endsWith(
-            QLatin1String("as in AIA: EIT (1.08 times as wide), moved (shifted).")));
+                                {QString(), image(4096, 1583, 2120, 2048.5)},
+                                {QString(), {}}, // nothing is known
+                                {QStringLiteral("moved"), image(4096, 1599, 2048.5, 1960)},
+                                {QStringLiteral("aside"), image(4096, 1599, 2110, 2110)},
+                                {QStringLiteral("half"), image(4096, 3200, 2048.5, 2048.5)}});
+        QCOMPARE(warning, QStringLiteral("A region is not the same place on the Sun as in AIA: EIT "
+                                         "(1.08 times as wide), moved (shifted), aside (shifted), "
+                                         "half (0.495 times as wide)."));
+        QCOMPARE(SameScale::warning({{QString(), {}}, {QString(), aia}}), QString());
     }
 
     void rotations()
@@ -115,6 +192,7 @@ private slots:
             QCOMPARE(RoiGeometry::rotationAt(index), offered.at(index));
             QCOMPARE(RoiGeometry::rotationIndex(offered.at(index) + 360), index);
         }
+        QCOMPARE(RoiGeometry::rotationAt(-1) + RoiGeometry::rotationAt(4), 0);
         const QImage upright = TestSession::frame({30, 20});
         for (const int other : {45, INT_MIN}) { // no quarter turn is none
             QCOMPARE(RoiGeometry::rotationIndex(other), 0);
@@ -179,6 +257,36 @@ private slots:
         const FrameInterval own = endingAt(beginningAt({}, timeless, 7, 1), timeless, 7, 2);
         QCOMPARE(kept(own, timeless, 7), QVector<int>({1, 2}));
         QCOMPARE(kept(own, frames, 0).size(), 4);
+        QCOMPARE(kept(beginningAt(own, timeless, 7, 3), timeless, 7), QVector<int>({3}));
+        QCOMPARE(kept(beginningAt(own, timeless, 7, 2), timeless, 7), QVector<int>({2}));
+        QCOMPARE(kept(endingAt(own, timeless, 7, 0), timeless, 7), QVector<int>({0}));
+        QCOMPARE(kept(endingAt(own, timeless, 7, 1), timeless, 7), QVector<int>({1}));
+        QCOMPARE(kept(beginningAt(part, frames, 0, 2), frames, 0), QVector<int>({2}));
+        QCOMPARE(kept(endingAt(part, frames, 0, 1), frames, 0), QVector<int>({1}));
+        QVERIFY(haveTimes(frames) && !haveTimes(timeless));
+        QVERIFY(isAll({}) && !isAll(from) && !isAll(own) && !isAll(endingAt({}, frames, 0, 2)));
+        RoiSource source;
+        source.frames = frames + timeless.mid(0, 1);
+        QCOMPARE(cut({}, source, 0).frames.size(), 5);
+        QCOMPARE(cut(from, source, 0).frames.size(), 3); // but the one without a time
+        QCOMPARE(cut(part, source, 0).frames.first().actualUtc, frames.at(1).actualUtc);
+        const QString first = QStringLiteral("2024-05-01 12:01:00 UTC");
+        const QString last = QStringLiteral("2024-05-01 12:02:00 UTC");
+        QCOMPARE(timesText(part), QStringLiteral("from %1 to %2").arg(first, last));
+        QCOMPARE(timesText(from), QStringLiteral("from %1 on").arg(first));
+        QCOMPARE(timesText(endingAt({}, frames, 0, 2)), QStringLiteral("up to ") + last);
+        QCOMPARE(timesText({}), QString());
+        QStringList texts;
+        for (const auto &indices : {QVector<int>{0, 1, 2, 3}, {}, {2}, {1, 2}})
+            texts += keptText(indices, 4);
+        QCOMPARE(texts.join(QLatin1Char('|')),
+                 QStringLiteral("Film: all frames|Film: no frame|Film: frame 3|Film: frames 2 to "
+                                "3"));
+        QVERIFY(explanation(own, 7).startsWith(QLatin1String("Films are made of this part of ")));
+        QCOMPARE(explanation({}, 7), QStringLiteral("Films are made of all frames."));
+        QCOMPARE(explanation(from, 0),
+                 QStringLiteral("Films are made of the frames of every datasource from %1 on.")
+                     .arg(first));
     }
 
     void othersThatShowTheSunAtAnotherScale()
