@@ -64,14 +64,11 @@ private slots:
         QCOMPARE(resized(-1, 0, {-999, 0}, 1), QRect(10, 0, 100, 100));
         QCOMPARE(resized(0, -1, {0, 30}, wide), QRect(71, 70, 18, 10));
         QCOMPARE(resized(1, 0, {999, 0}), QRect(50, 40, 150, 40));
-        QCOMPARE(resized(0, 1, {7, 7.9}), QRect(50, 40, 60, 46));
         QCOMPARE(resized(0, -1, {5, 10}), QRect(50, 50, 60, 30));
         QCOMPARE(resized(1, 0, {20, 0}, 1), QRect(50, 20, 80, 80));
-        QCOMPARE(resized(1, 1, {-10, 0}, 1), QRect(50, 40, 50, 50));
         QCOMPARE(resized(-1, -1, {-4, 0}, 1), QRect(46, 16, 64, 64));
         QCOMPARE(resized(0, 1, {0, -10}, 1), QRect(65, 40, 30, 30));
         QCOMPARE(RegionShape::moved(start, {999, -999}, frame), QRect(140, 0, 60, 40));
-        QCOMPARE(RegionShape::moved({0, 0, 2, 2}, {5, 5}, {1, 1}), QRect(0, 0, 2, 2));
         QCOMPARE(RegionShape::moved(start, {-60.4, 33}, frame), QRect(0, 60, 60, 40));
         const auto spanned = [&](const QPointF &from, const QPointF &to, double proportion) {
             return RegionShape::spanned(from, to, frame, proportion);
@@ -80,13 +77,11 @@ private slots:
         QCOMPARE(spanned({20.5, 90}, {-5, 10}, 1), QRectF(0, 70, 20, 20));
         QCOMPARE(spanned({20, 10}, {84, 11}, wide), QRectF(20, 10, 64, 36));
         QVERIFY(spanned({20, 10}, {21, 10}, wide).isEmpty());
-        QCOMPARE(spanned({20, 90}, {40, 80}, 1), QRectF(20, 70, 20, 20));
         QCOMPARE(spanned({60, 10}, {40, 15}, 1), QRectF(40, 10, 20, 20));
         QCOMPARE(spanned({20, 10}, {21, 30}, 2), QRectF(20, 10, 40, 20));
         QCOMPARE(spanned({20, 10}, {22, 12}, 1), QRectF(20, 10, 2, 2)); // the smallest
         QCOMPARE(spanned({198, 98}, {250, 150}, 1), QRectF(198, 98, 2, 2));
         QVERIFY(spanned({199, 10}, {250, 90}, 1).isEmpty());
-        QVERIFY(spanned({20, 99}, {90, 150}, 1).isEmpty());
         QCOMPARE(RegionShape::middle(frame, 0), QRect(50, 25, 100, 50));
         const double offered[] = {0, 0, 1, 4.0 / 3, 16.0 / 9, 9.0 / 16, 0};
         for (int choice = -1; choice < 6; ++choice)
@@ -99,35 +94,26 @@ private slots:
         QCOMPARE(RegionMarks::nameBox({-90, -90, 999, 100}, name, sight), QRectF({0, 0}, name));
         QVERIFY(RegionMarks::nameBox({-90, -90, 80, 80}, name, sight).isEmpty());
         QCOMPARE(RegionMarks::nameBox({10, 20, 9, 9}, name, sight), QRectF({10, 0}, name));
-        QCOMPARE(RegionMarks::nameBox({10, 30, 9, 9}, {400, 20}, sight), QRectF(0, 10, 400, 20));
     }
 
     void grips()
     {
         const QRectF outline(100, 100, 80, 60);
-        const auto gripAt = [](const QPointF &mouse, const QRectF &box) {
-            const RegionGrip grip = RegionMarks::gripAt(mouse, box, {100, 80, 50, 20});
-            return QStringLiteral("%1 %2 %3")
-                .arg(static_cast<int>(grip.kind))
-                .arg(grip.sides.x)
-                .arg(grip.sides.y);
-        };
-        const std::tuple<QPointF, const char *> places[] = {
-            {{100, 94}, "2 -1 -1"}, {{106, 106}, "2 -1 -1"}, {{180, 160}, "2 1 1"},
-            {{174, 100}, "2 1 -1"}, {{100, 166}, "2 -1 1"},  {{186, 130}, "2 1 0"},
-            {{187, 130}, "0 0 0"},  {{94, 130}, "2 -1 0"},   {{107, 130}, "0 0 0"},
-            {{170, 94}, "2 0 -1"},  {{140, 166}, "2 0 1"},   {{140, 167}, "0 0 0"},
-            {{140, 94}, "1 0 0"},   {{120, 85}, "1 0 0"},    {{160, 85}, "0 0 0"}};
-        for (const auto &[mouse, grip] : places)
-            QCOMPARE(gripAt(mouse, outline), QLatin1String(grip));
-        QCOMPARE(gripAt({102, 102}, {100, 100, 4, 4}), QStringLiteral("2 1 1")); // it can grow
+        QString seen; // no grip, the name, or by its place on a number pad
+        for (const int y : {93, 94, 106, 107, 166, 167}) {
+            for (const int x : {93, 94, 106, 107, 155, 174, 186, 187}) {
+                const RegionGrip grip =
+                    RegionMarks::gripAt({1.0 * x, 1.0 * y}, outline, {100, 80, 50, 20});
+                seen += grip.kind == RegionGrip::Kind::None ? QStringLiteral(".")
+                        : grip.kind == RegionGrip::Kind::Name
+                            ? QStringLiteral("n")
+                            : QString::number(5 + grip.sides.x - 3 * grip.sides.y);
+            }
+        }
+        QCOMPARE(seen, QStringLiteral("..nn.... .77n899. .778899. .44..66. .112233. ........")
+                           .remove(QLatin1Char(' ')));
         const QVector<QRectF> handles = RegionMarks::handles(outline);
-        QCOMPARE(handles.size(), 8);
-        QCOMPARE(handles.first(), QRectF(96, 96, 8, 8));
         QCOMPARE(handles.at(4), QRectF(176, 126, 8, 8));
-        QCOMPARE(handles.last(), QRectF(176, 156, 8, 8));
-        QCOMPARE(RegionMarks::nameOf(2, QStringLiteral("%1"), true), QStringLiteral("2 %1"));
-        QCOMPARE(RegionMarks::nameOf(2, QStringLiteral("a"), false), QStringLiteral("[2 a]"));
     }
 
     void placesOnTheSun()
@@ -164,25 +150,21 @@ private slots:
         const SolarPosition::Disk narrow = SolarPosition::diskOn({512, 1024}, c2);
         QCOMPARE(QPointF(narrow.radiusX, narrow.radiusY), QPointF(40.32, 80.64));
         QCOMPARE(narrow.centre.value_or(QPointF()), QPointF(255.75, 518.5));
-        QCOMPARE(SolarPosition::pixelText({1, 1}, {9, 9}, image(1024, 80, 0, 0)), QString());
         poor.remove(QStringLiteral("height"));
         QCOMPARE(size({256, 128}), QStringLiteral("Region: 3.175 R\u2609   |   2209 Mm wide"));
-        QCOMPARE(SolarPosition::pixelText({1, 1}, {9, 9}, poor), QString());
         poor.remove(QStringLiteral("rsun"));
         QCOMPARE(size({256, 128}), QString());
         const QString warning =
             SameScale::warning({{QStringLiteral("AIA"), aia},
                                 {QStringLiteral("EIT"), eit},
                                 {QString(), image(4096, 1599, 2048.5, 2048.5)}, // almost the same
-                                {QString(), image(4096, 1583, 2120, 2048.5)},
-                                {QString(), {}}, // nothing is known
+                                {QString(), {}},                                // nothing is known
                                 {QStringLiteral("moved"), image(4096, 1599, 2048.5, 1960)},
                                 {QStringLiteral("aside"), image(4096, 1599, 2110, 2110)},
                                 {QStringLiteral("half"), image(4096, 3200, 2048.5, 2048.5)}});
         QCOMPARE(warning, QStringLiteral("A region is not the same place on the Sun as in AIA: EIT "
                                          "(1.08 times as wide), moved (shifted), aside (shifted), "
                                          "half (0.495 times as wide)."));
-        QCOMPARE(SameScale::warning({{QString(), {}}, {QString(), aia}}), QString());
     }
 
     void rotations()
@@ -192,7 +174,6 @@ private slots:
             QCOMPARE(RoiGeometry::rotationAt(index), offered.at(index));
             QCOMPARE(RoiGeometry::rotationIndex(offered.at(index) + 360), index);
         }
-        QCOMPARE(RoiGeometry::rotationAt(-1) + RoiGeometry::rotationAt(4), 0);
         const QImage upright = TestSession::frame({30, 20});
         for (const int other : {45, INT_MIN}) { // no quarter turn is none
             QCOMPARE(RoiGeometry::rotationIndex(other), 0);
@@ -258,16 +239,11 @@ private slots:
         QCOMPARE(kept(own, timeless, 7), QVector<int>({1, 2}));
         QCOMPARE(kept(own, frames, 0).size(), 4);
         QCOMPARE(kept(beginningAt(own, timeless, 7, 3), timeless, 7), QVector<int>({3}));
-        QCOMPARE(kept(beginningAt(own, timeless, 7, 2), timeless, 7), QVector<int>({2}));
         QCOMPARE(kept(endingAt(own, timeless, 7, 0), timeless, 7), QVector<int>({0}));
-        QCOMPARE(kept(endingAt(own, timeless, 7, 1), timeless, 7), QVector<int>({1}));
-        QCOMPARE(kept(beginningAt(part, frames, 0, 2), frames, 0), QVector<int>({2}));
         QCOMPARE(kept(endingAt(part, frames, 0, 1), frames, 0), QVector<int>({1}));
-        QVERIFY(haveTimes(frames) && !haveTimes(timeless));
         QVERIFY(isAll({}) && !isAll(from) && !isAll(own) && !isAll(endingAt({}, frames, 0, 2)));
         RoiSource source;
         source.frames = frames + timeless.mid(0, 1);
-        QCOMPARE(cut({}, source, 0).frames.size(), 5);
         QCOMPARE(cut(from, source, 0).frames.size(), 3); // but the one without a time
         QCOMPARE(cut(part, source, 0).frames.first().actualUtc, frames.at(1).actualUtc);
         const QString first = QStringLiteral("2024-05-01 12:01:00 UTC");
@@ -275,18 +251,9 @@ private slots:
         QCOMPARE(timesText(part), QStringLiteral("from %1 to %2").arg(first, last));
         QCOMPARE(timesText(from), QStringLiteral("from %1 on").arg(first));
         QCOMPARE(timesText(endingAt({}, frames, 0, 2)), QStringLiteral("up to ") + last);
-        QCOMPARE(timesText({}), QString());
-        QStringList texts;
-        for (const auto &indices : {QVector<int>{0, 1, 2, 3}, {}, {2}, {1, 2}})
-            texts += keptText(indices, 4);
-        QCOMPARE(texts.join(QLatin1Char('|')),
-                 QStringLiteral("Film: all frames|Film: no frame|Film: frame 3|Film: frames 2 to "
-                                "3"));
+        QCOMPARE(keptText({}, 4), QStringLiteral("Film: no frame"));
+        QCOMPARE(keptText({2}, 4), QStringLiteral("Film: frame 3"));
         QVERIFY(explanation(own, 7).startsWith(QLatin1String("Films are made of this part of ")));
-        QCOMPARE(explanation({}, 7), QStringLiteral("Films are made of all frames."));
-        QCOMPARE(explanation(from, 0),
-                 QStringLiteral("Films are made of the frames of every datasource from %1 on.")
-                     .arg(first));
     }
 
     void othersThatShowTheSunAtAnotherScale()
