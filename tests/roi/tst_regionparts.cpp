@@ -2,7 +2,6 @@
 #include "roi/framepanel.h"
 #include "roi/roicanvas.h"
 #include "roi/roieditor.h"
-#include "roi/roivideoplan.h"
 #include "tests/roi/testsession.h"
 #include "tests/support/literals.h"
 
@@ -54,7 +53,6 @@ private slots:
         connect(&canvas, &RoiCanvas::regionDragged, this, see);
         connect(&canvas, &RoiCanvas::dragEnded, this, [&](bool) { m_seen += "ended"_s; });
         connect(&canvas, &RoiCanvas::rectangleDrawn, this, see);
-        connect(&canvas, &RoiCanvas::rectangleTooSmall, this, [&] { m_seen += "small"_s; });
         const auto send = [&view](QEvent::Type type, const QPoint &at, Qt::MouseButton button) {
             QMouseEvent event(type, view.mapFromScene(at), button, button, {});
             QApplication::sendEvent(view.viewport(), &event);
@@ -77,18 +75,10 @@ private slots:
         QCOMPARE(drag({250, 100}, {250, 103}, Qt::LeftButton), "picked"_s);
         QCOMPARE(drag({250, 100}, {270, 100}, Qt::LeftButton), QString()); // panned
         QCOMPARE(drag({60, 50}, {70, 55}, Qt::LeftButton), "60,65 100x80|ended"_s);
-        canvas.setProportion(1);
-        QCOMPARE(drag({50, 100}, {50, 100}, Qt::LeftButton), "ended"_s); // a mere click
-        canvas.setProportion(0);
-        const auto draw = [&](const QPoint &to) {
-            canvas.startDrawing();
-            drag({10, 20}, to, Qt::RightButton); // of no use
-            return drag({10, 20}, to, Qt::LeftButton);
-        };
-        QCOMPARE(draw({12, 22}), "10,20 2x2"_s);
-        QCOMPARE(draw({11, 40}) + draw({40, 21}), "smallsmall"_s);
         canvas.startDrawing();
         QCOMPARE(view.viewport()->cursor().shape(), Qt::CrossCursor);
+        QCOMPARE(drag({10, 20}, {12, 22}, Qt::RightButton), QString());
+        QCOMPARE(drag({10, 20}, {12, 22}, Qt::LeftButton), "10,20 2x2"_s); // the smallest
         for (const int delta : {120, -120, 0}) {
             view.resetTransform();
             QWheelEvent wheel(QPointF(9, 9), {}, {}, {0, delta}, {}, {}, Qt::NoScrollPhase, false);
@@ -101,14 +91,11 @@ private slots:
     {
         const TestSession stored;
         QVector<RoiSourceFrame> frames = RoiSession::load(stored.path())->sources.first().frames;
-        frames.first().metadata = {{"rsun"_s, 96},
-                                   {"width"_s, 256},
-                                   {"height"_s, 192},
-                                   {"refPixelX"_s, 1.5},
-                                   {"refPixelY"_s, 192.5}}; // the corner
+        const char *const corner = // of the frame: the centre of the Sun
+            R"({"rsun": 96, "width": 256, "height": 192, "refPixelX": 1.5, "refPixelY": 192.5})";
+        frames.first().metadata = QJsonDocument::fromJson(corner).object();
         FramePanel panel;
-        connect(&panel, &FramePanel::statusChanged, this,
-                [this](const QString &s) { m_seen += s; });
+        connect(&panel, &FramePanel::statusChanged, this, [&](auto &s) { m_seen += s; });
         const auto look = [&panel] {
             QString seen = enabled(
                 panel, {"playButton", "fromButton", "toButton", "allButton", "frameSlider"});
@@ -132,13 +119,12 @@ private slots:
         QTest::mouseMove(view->viewport(), view->mapFromScene(97, 0));
         QTRY_VERIFY(look().contains("Cursor: x +"_s));
         QString values;
-        for (const Qt::Key key :
-             {Qt::Key_End, Qt::Key_Home, Qt::Key_Right, Qt::Key_Left, Qt::Key_Up, Qt::Key_Down,
-              Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_End}) {
+        for (const Qt::Key key : {Qt::Key_End, Qt::Key_Home, Qt::Key_Right, Qt::Key_Left,
+                                  Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_End}) {
             QTest::keyClick(values.size() % 2 ? view : static_cast<QWidget *>(&panel), key);
             values += QString::number(slider->value());
         }
-        QCOMPARE(values, "201010102"_s);
+        QCOMPARE(values, "2010102"_s);
         panel.setRate(1);
         QCOMPARE(press("playButton"), "Pause"_s); // from the beginning: all have been seen
         QTRY_COMPARE(slider->value(), 1);
@@ -148,19 +134,15 @@ private slots:
         QTest::keyClick(slider, Qt::Key_Right);
         QCOMPARE(press("fromButton"), "Play"_s);
         QVERIFY(look().startsWith("11111"_s) && look().contains("Film: frames 2 to 3"_s));
-        frames.resize(31);
         frames[0] = {stored.filePath("session.json"), {}, {}};
         panel.showFrames(frames, 0);
-        m_seen.clear();
-        const QString cannot = "Cannot decode "_s + frames.constFirst().file;
-        QTRY_COMPARE(m_seen, QStringList({cannot}));
-        QCOMPARE(view->findChild<QLabel *>()->text(), cannot);
-        panel.startDrawing();
         press("fromButton");
-        QVERIFY(!panel.canvas().isDrawing() && m_seen.at(1) == cannot);
         QCOMPARE(m_seen.constLast(), "This frame has no time. Choose one that has."_s);
         panel.showFrames(frames.mid(0, 1), 0);
         QTRY_COMPARE(look(), "00010|1 / 1|session.json   |   0 x 0|Film: no frame|"_s);
+        panel.startDrawing();
+        QVERIFY(!panel.canvas().isDrawing());
+        QCOMPARE(m_seen.constLast(), "Cannot decode "_s + frames.constFirst().file);
         panel.clear();
         QCOMPARE(look(), "00000|0 / 0|||"_s);
     }
@@ -196,26 +178,12 @@ private slots:
         press(Copy);
         press(Copy);
         QCOMPARE(press(Delete), "11111110|44|1"_s); // the last of three
-        editor.pick(0);
-        QCOMPARE(press(Delete), "11111110|44|0"_s);
-        QVERIFY(editor.store() && editor.mayBeLeft());
         editor.load(stored.path());
-        QCOMPARE(press(Undo), "11111100|44|0"_s);
+        QCOMPARE(press(Undo), "00000000|0|-1"_s); // of another session
     }
 
-    void filmsArePlannedAndOpened()
+    void filmsAreOpened()
     {
-        RoiVideoPlan plan;
-        plan.takeTicked({{{}, {}, false, 0}, {{}, {}, true, 0}, {{}, {}, true, 0}});
-        QCOMPARE(plan.rois.constFirst().number * 10 + plan.rois.constLast().number, 23);
-        plan.sources.resize(3);
-        plan.sources[0].source.nickname = "none"_s;
-        plan.sources[1].source.frames.resize(3);
-        plan.sources[2].source.frames.resize(4);
-        QCOMPARE(plan.leaveOutEmpty(), QStringList({"none"_s}));
-        QCOMPARE(plan.totalFrames(), 14);
-        plan.intro = true;
-        QCOMPARE(plan.totalFrames(), 2 * (2 * 63 + 7));
         const TestSession stored;
         stored.write("a&b.mp4", "a film");
         const QString film = stored.filePath("a&b.mp4");

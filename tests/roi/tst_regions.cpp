@@ -63,8 +63,6 @@ private slots:
         QCOMPARE(resized(1, 1, {0, 999}, wide), QRect(50, 40, 106, 60));
         QCOMPARE(resized(-1, 0, {-999, 0}, 1), QRect(10, 0, 100, 100));
         QCOMPARE(resized(0, -1, {0, 30}, wide), QRect(71, 70, 18, 10));
-        QCOMPARE(resized(1, 0, {999, 0}), QRect(50, 40, 150, 40));
-        QCOMPARE(resized(0, -1, {5, 10}), QRect(50, 50, 60, 30));
         QCOMPARE(resized(1, 0, {20, 0}, 1), QRect(50, 20, 80, 80));
         QCOMPARE(resized(-1, -1, {-4, 0}, 1), QRect(46, 16, 64, 64));
         QCOMPARE(resized(0, 1, {0, -10}, 1), QRect(65, 40, 30, 30));
@@ -80,12 +78,7 @@ private slots:
         QCOMPARE(spanned({60, 10}, {40, 15}, 1), QRectF(40, 10, 20, 20));
         QCOMPARE(spanned({20, 10}, {21, 30}, 2), QRectF(20, 10, 40, 20));
         QCOMPARE(spanned({20, 10}, {22, 12}, 1), QRectF(20, 10, 2, 2)); // the smallest
-        QCOMPARE(spanned({198, 98}, {250, 150}, 1), QRectF(198, 98, 2, 2));
-        QVERIFY(spanned({199, 10}, {250, 90}, 1).isEmpty());
         QCOMPARE(RegionShape::middle(frame, 0), QRect(50, 25, 100, 50));
-        const double offered[] = {0, 0, 1, 4.0 / 3, 16.0 / 9, 9.0 / 16, 0};
-        for (int choice = -1; choice < 6; ++choice)
-            QCOMPARE(RegionShape::proportionAt(choice), offered[choice + 1]);
         QCOMPARE(RegionShape::middle(frame, RegionShape::proportionAt(4)), QRect(86, 25, 28, 50));
         const QRectF sight(0, 0, 300, 200);
         const QSizeF name(50, 20); // above its region, inside it, in sight of it, gone with it
@@ -93,27 +86,23 @@ private slots:
         QCOMPARE(RegionMarks::nameBox({270, 10, 90, 90}, name, sight), QRectF({250, 10}, name));
         QCOMPARE(RegionMarks::nameBox({-90, -90, 999, 100}, name, sight), QRectF({0, 0}, name));
         QVERIFY(RegionMarks::nameBox({-90, -90, 80, 80}, name, sight).isEmpty());
-        QCOMPARE(RegionMarks::nameBox({10, 20, 9, 9}, name, sight), QRectF({10, 0}, name));
     }
 
     void grips()
     {
         const QRectF outline(100, 100, 80, 60);
-        QString seen; // no grip, the name, or by its place on a number pad
+        QString seen; // the name, or sides as on a number pad, where 5 is none
         for (const int y : {93, 94, 106, 107, 166, 167}) {
             for (const int x : {93, 94, 106, 107, 155, 174, 186, 187}) {
                 const RegionGrip grip =
                     RegionMarks::gripAt({1.0 * x, 1.0 * y}, outline, {100, 80, 50, 20});
-                seen += grip.kind == RegionGrip::Kind::None ? QStringLiteral(".")
-                        : grip.kind == RegionGrip::Kind::Name
+                seen += grip.kind == RegionGrip::Kind::Name
                             ? QStringLiteral("n")
                             : QString::number(5 + grip.sides.x - 3 * grip.sides.y);
             }
         }
-        QCOMPARE(seen, QStringLiteral("..nn.... .77n899. .778899. .44..66. .112233. ........")
+        QCOMPARE(seen, QStringLiteral("55nn5555 577n8995 57788995 54455665 51122335 55555555")
                            .remove(QLatin1Char(' ')));
-        const QVector<QRectF> handles = RegionMarks::handles(outline);
-        QCOMPARE(handles.at(4), QRectF(176, 126, 8, 8));
     }
 
     void placesOnTheSun()
@@ -147,13 +136,8 @@ private slots:
         QCOMPARE(size({8, 4}),
                  QStringLiteral("Region: 0.099 x 0.050 R\u2609   |   69.0 x 34.5 Mm"));
         QCOMPARE(size({}), QStringLiteral("Region: --"));
-        const SolarPosition::Disk narrow = SolarPosition::diskOn({512, 1024}, c2);
-        QCOMPARE(QPointF(narrow.radiusX, narrow.radiusY), QPointF(40.32, 80.64));
-        QCOMPARE(narrow.centre.value_or(QPointF()), QPointF(255.75, 518.5));
         poor.remove(QStringLiteral("height"));
         QCOMPARE(size({256, 128}), QStringLiteral("Region: 3.175 R\u2609   |   2209 Mm wide"));
-        poor.remove(QStringLiteral("rsun"));
-        QCOMPARE(size({256, 128}), QString());
         const QString warning =
             SameScale::warning({{QStringLiteral("AIA"), aia},
                                 {QStringLiteral("EIT"), eit},
@@ -242,18 +226,11 @@ private slots:
         QCOMPARE(kept(endingAt(own, timeless, 7, 0), timeless, 7), QVector<int>({0}));
         QCOMPARE(kept(endingAt(part, frames, 0, 1), frames, 0), QVector<int>({1}));
         QVERIFY(isAll({}) && !isAll(from) && !isAll(own) && !isAll(endingAt({}, frames, 0, 2)));
-        RoiSource source;
-        source.frames = frames + timeless.mid(0, 1);
-        QCOMPARE(cut(from, source, 0).frames.size(), 3); // but the one without a time
-        QCOMPARE(cut(part, source, 0).frames.first().actualUtc, frames.at(1).actualUtc);
         const QString first = QStringLiteral("2024-05-01 12:01:00 UTC");
         const QString last = QStringLiteral("2024-05-01 12:02:00 UTC");
         QCOMPARE(timesText(part), QStringLiteral("from %1 to %2").arg(first, last));
         QCOMPARE(timesText(from), QStringLiteral("from %1 on").arg(first));
         QCOMPARE(timesText(endingAt({}, frames, 0, 2)), QStringLiteral("up to ") + last);
-        QCOMPARE(keptText({}, 4), QStringLiteral("Film: no frame"));
-        QCOMPARE(keptText({2}, 4), QStringLiteral("Film: frame 3"));
-        QVERIFY(explanation(own, 7).startsWith(QLatin1String("Films are made of this part of ")));
     }
 
     void othersThatShowTheSunAtAnotherScale()
