@@ -94,6 +94,7 @@ private slots:
         const char *const corner = // of the frame: the centre of the Sun
             R"({"rsun": 96, "width": 256, "height": 192, "refPixelX": 1.5, "refPixelY": 192.5})";
         frames.first().metadata = QJsonDocument::fromJson(corner).object();
+        frames += QVector<RoiSourceFrame>(96, frames.constLast()); // for long enough to be played
         FramePanel panel;
         connect(&panel, &FramePanel::statusChanged, this, [&](auto &s) { m_seen += s; });
         const auto look = [&panel] {
@@ -115,7 +116,7 @@ private slots:
         panel.showFrames(frames, 0);
         QTRY_COMPARE(
             look(),
-            "11101|1 / 3|2024-05-01 12:00:00 UTC   |   256 x 192|Film: all frames|Cursor: --"_s);
+            "11101|1 / 99|2024-05-01 12:00:00 UTC   |   256 x 192|Film: all frames|Cursor: --"_s);
         QTest::mouseMove(view->viewport(), view->mapFromScene(97, 0));
         QTRY_VERIFY(look().contains("Cursor: x +"_s));
         QString values;
@@ -124,16 +125,16 @@ private slots:
             QTest::keyClick(values.size() % 2 ? view : static_cast<QWidget *>(&panel), key);
             values += QString::number(slider->value());
         }
-        QCOMPARE(values, "2010102"_s);
+        QCOMPARE(values, "980109098"_s);
         panel.setRate(1);
         QCOMPARE(press("playButton"), "Pause"_s); // from the beginning: all have been seen
-        QTRY_COMPARE(slider->value(), 1);
+        QTRY_VERIFY(slider->value() < 98);
         QCOMPARE(press("playButton"), "Play"_s);
         press("playButton");
-        QTest::keyClick(slider, Qt::Key_Left); // somebody looks
+        QTest::keyClick(slider, Qt::Key_Home); // somebody looks
         QTest::keyClick(slider, Qt::Key_Right);
         QCOMPARE(press("fromButton"), "Play"_s);
-        QVERIFY(look().startsWith("11111"_s) && look().contains("Film: frames 2 to 3"_s));
+        QVERIFY(look().startsWith("11111"_s) && look().contains("Film: frames 2 to 99"_s));
         frames[0] = {stored.filePath("session.json"), {}, {}};
         panel.showFrames(frames, 0);
         press("fromButton");
