@@ -131,7 +131,7 @@ QString FrameIntervals::explanation(const FrameInterval &interval, int row)
     if (interval.positions.contains(row))
         return tr("Films are made of this part of the datasource. Its frames have no times, so "
                   "that other datasources are not cut with it.");
-    return isAll(interval) ? tr("Films are made of all frames.")
-                           : tr("Films are made of the frames of every datasource %1.")
-                                 .arg(timesText(interval));
+    const QString times = timesText(interval); // none where only other datasources are cut
+    return times.isEmpty() ? tr("Films are made of all frames.")
+                           : tr("Films are made of the frames of every datasource %1.").arg(times);
 }

@@ -37,6 +37,11 @@ private slots:
         QCOMPARE(pixels({0, 0, 1, 1}, {101, 7}), QRect(0, 0, 100, 6));
         QCOMPARE(pixels({0.6, 0, 1, 1}, {1, 1}), QRect(0, 0, 2, 2));
         QCOMPARE(pixels({0, 0, 1, 1}, {0, 5}), QRect());
+        const QRectF odd(1.0 / 3, 0.5, 0.25, 1.5); // between pixels, and beyond the frame
+        QCOMPARE(RoiGeometry::coveringPixels(odd, {67, 50, 60, 50}, {200, 100}),
+                 QRectF(1.0 / 3, 0.5, 0.3, 1.5));
+        QCOMPARE(RoiGeometry::coveringPixels(odd, {70, 48, 50, 50}, {200, 100}),
+                 QRectF(0.35, 0.48, 0.25, 0.5));
         const QSize frame(1023, 769); // sizes that no fraction of two hits exactly
         for (int side = 2; side < 700; side += 2) {
             const QRect drawn(side / 3, side / 11, side, side);
@@ -58,6 +63,10 @@ private slots:
         QCOMPARE(resized(1, 1, {0, 999}, wide), QRect(50, 40, 106, 60));
         QCOMPARE(resized(-1, 0, {-999, 0}, 1), QRect(10, 0, 100, 100));
         QCOMPARE(resized(0, -1, {0, 30}, wide), QRect(71, 70, 18, 10));
+        QCOMPARE(resized(1, 0, {20, 0}, 1), QRect(50, 20, 80, 80));
+        QCOMPARE(resized(-1, -1, {-4, 0}, 1), QRect(46, 16, 64, 64));
+        QCOMPARE(resized(0, 1, {0, -10}, 1), QRect(65, 40, 30, 30));
+        QCOMPARE(RegionShape::moved(start, {999, -999}, frame), QRect(140, 0, 60, 40));
         QCOMPARE(RegionShape::moved(start, {-60.4, 33}, frame), QRect(0, 60, 60, 40));
         const auto spanned = [&](const QPointF &from, const QPointF &to, double proportion) {
             return RegionShape::spanned(from, to, frame, proportion);
@@ -66,6 +75,9 @@ private slots:
         QCOMPARE(spanned({20.5, 90}, {-5, 10}, 1), QRectF(0, 70, 20, 20));
         QCOMPARE(spanned({20, 10}, {84, 11}, wide), QRectF(20, 10, 64, 36));
         QVERIFY(spanned({20, 10}, {21, 10}, wide).isEmpty());
+        QCOMPARE(spanned({20, 10}, {21, 30}, 2), QRectF(20, 10, 40, 20));
+        QCOMPARE(spanned({20, 10}, {22, 12}, 1), QRectF(20, 10, 2, 2)); // the smallest
+        QCOMPARE(RegionShape::middle(frame, 0), QRect(50, 25, 100, 50));
         QCOMPARE(RegionShape::middle(frame, RegionShape::proportionAt(4)), QRect(86, 25, 28, 50));
         const QRectF sight(0, 0, 300, 200);
         const QSizeF name(50, 20); // above its region, inside it, in sight of it, gone with it
@@ -73,6 +85,23 @@ private slots:
         QCOMPARE(RegionMarks::nameBox({270, 10, 90, 90}, name, sight), QRectF({250, 10}, name));
         QCOMPARE(RegionMarks::nameBox({-90, -90, 999, 100}, name, sight), QRectF({0, 0}, name));
         QVERIFY(RegionMarks::nameBox({-90, -90, 80, 80}, name, sight).isEmpty());
+    }
+
+    void grips()
+    {
+        const QRectF outline(100, 100, 80, 60);
+        QString seen; // the name, or sides as on a number pad, where 5 is none
+        for (const int y : {93, 94, 106, 107, 166, 167}) {
+            for (const int x : {93, 94, 106, 107, 155, 174, 186, 187}) {
+                const RegionGrip grip =
+                    RegionMarks::gripAt({1.0 * x, 1.0 * y}, outline, {100, 80, 50, 20});
+                seen += grip.kind == RegionGrip::Kind::Name
+                            ? QStringLiteral("n")
+                            : QString::number(5 + grip.sides.x - 3 * grip.sides.y);
+            }
+        }
+        QCOMPARE(seen, QStringLiteral("55nn5555 577n8995 57788995 54455665 51122335 55555555")
+                           .remove(QLatin1Char(' ')));
     }
 
     void placesOnTheSun()
@@ -99,13 +128,26 @@ private slots:
                      QStringLiteral("Cursor: x %1 Mm").arg(QString::fromUtf8(text)));
         QCOMPARE(SolarPosition::sizeText({256, 128}, {1024, 1024}, c2),
                  QStringLiteral("Region: 3.175 x 1.587 R\u2609   |   2209 x 1104 Mm"));
+        QJsonObject poor = c2; // what older sessions know
+        const auto size = [&poor](const QSize &pixels) {
+            return SolarPosition::sizeText(pixels, {1024, 1024}, poor);
+        };
+        QCOMPARE(size({8, 4}),
+                 QStringLiteral("Region: 0.099 x 0.050 R\u2609   |   69.0 x 34.5 Mm"));
+        QCOMPARE(size({}), QStringLiteral("Region: --"));
+        poor.remove(QStringLiteral("height"));
+        QCOMPARE(size({256, 128}), QStringLiteral("Region: 3.175 R\u2609   |   2209 Mm wide"));
         const QString warning =
             SameScale::warning({{QStringLiteral("AIA"), aia},
                                 {QStringLiteral("EIT"), eit},
                                 {QString(), image(4096, 1599, 2048.5, 2048.5)}, // almost the same
-                                {QStringLiteral("moved"), image(4096, 1599, 2048.5, 1960)}});
-        QVERIFY(warning.endsWith(
-            QLatin1String("as in AIA: EIT (1.08 times as wide), moved (shifted).")));
+                                {QString(), {}},                                // nothing is known
+                                {QStringLiteral("moved"), image(4096, 1599, 2048.5, 1960)},
+                                {QStringLiteral("aside"), image(4096, 1599, 2110, 2110)},
+                                {QStringLiteral("half"), image(4096, 3200, 2048.5, 2048.5)}});
+        QCOMPARE(warning, QStringLiteral("A region is not the same place on the Sun as in AIA: EIT "
+                                         "(1.08 times as wide), moved (shifted), aside (shifted), "
+                                         "half (0.495 times as wide)."));
     }
 
     void rotations()
@@ -179,6 +221,15 @@ private slots:
         const FrameInterval own = endingAt(beginningAt({}, timeless, 7, 1), timeless, 7, 2);
         QCOMPARE(kept(own, timeless, 7), QVector<int>({1, 2}));
         QCOMPARE(kept(own, frames, 0).size(), 4);
+        QCOMPARE(kept(beginningAt(own, timeless, 7, 3), timeless, 7), QVector<int>({3}));
+        QCOMPARE(explanation(own, 0), QStringLiteral("Films are made of all frames."));
+        QCOMPARE(kept(endingAt(part, frames, 0, 1), frames, 0), QVector<int>({1}));
+        QVERIFY(isAll({}) && !isAll(from) && !isAll(own) && !isAll(endingAt({}, frames, 0, 2)));
+        const QString first = QStringLiteral("2024-05-01 12:01:00 UTC");
+        const QString last = QStringLiteral("2024-05-01 12:02:00 UTC");
+        QCOMPARE(timesText(part), QStringLiteral("from %1 to %2").arg(first, last));
+        QCOMPARE(timesText(from), QStringLiteral("from %1 on").arg(first));
+        QCOMPARE(timesText(endingAt({}, frames, 0, 2)), QStringLiteral("up to ") + last);
     }
 
     void othersThatShowTheSunAtAnotherScale()
