@@ -1,13 +1,18 @@
+#include "tests/support/literals.h"
 #include "ui/captionlabel.h"
 #include "ui/catalogtree.h"
 #include "ui/runprogress.h"
+#include "ui/statusline.h"
 #include "ui/utcedit.h"
+#include "ui/utctyping.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLineEdit>
+#include <QStatusBar>
+#include <QTimer>
 #include <QTreeWidget>
 #include <QtTest>
 
@@ -40,7 +45,7 @@ private slots:
     void typed_data()
     {
         QTest::addColumn<int>("clicked");
-        QTest::addColumn<QString>("keys"); // < is Backspace, ~ Delete, > Tab, ^ Up
+        QTest::addColumn<QString>("keys"); // < is Backspace, ~ Delete, > Tab, ^ Up, $ Shift
         QTest::addColumn<QString>("expected");
         QTest::addColumn<bool>("isRefused");
         const QString stamp = QStringLiteral("2023-08-09 01:02:03");
@@ -65,6 +70,13 @@ private slots:
         row(18, "2021", QStringLiteral("2024-01-31 12:34:21"));
         row(12, "12^", QStringLiteral("2024-01-31 12:35:56"));
         row(-1, "2023>08>>7>", QStringLiteral("2023-08-31 07:34:56"));
+        row(14, "<5", QStringLiteral("2024-01-31 15:34:56")); // over the separator
+        row(12, "1$2", QStringLiteral("2024-01-31 12:34:56"));
+        row(12, "1x5", QStringLiteral("2024-01-31 15:34:56"));
+        row(-1, "~2021", QStringLiteral("2021-01-31 12:34:56"));
+        row(-1, "<2021", QStringLiteral("2021-01-31 12:34:56"));
+        for (const auto &[clicked, key] : {std::pair(0, "<"), {13, "~"}, {19, "~"}})
+            row(clicked, key, QStringLiteral("2024-01-31 12:34:56"));
         for (const char *keys : {"2023-13-01 00:00:00>", "2023-02-31 00:00:00", "23-08-09>",
                                  "1600-01-01>", "2023-08-0", "202"})
             row(-1, keys, QStringLiteral("2024-01-31 12:34:56"), true);
@@ -79,20 +91,114 @@ private slots:
         const QHash<QChar, Qt::Key> named = {{QLatin1Char('<'), Qt::Key_Backspace},
                                              {QLatin1Char('~'), Qt::Key_Delete},
                                              {QLatin1Char('>'), Qt::Key_Tab},
-                                             {QLatin1Char('^'), Qt::Key_Up}};
+                                             {QLatin1Char('^'), Qt::Key_Up},
+                                             {QLatin1Char('$'), Qt::Key_Shift}};
         for (const QChar key : keys) {
             if (named.contains(key))
                 QTest::keyClick(m_edit, named.value(key));
             else
                 QTest::keyClick(m_edit, key.toLatin1());
         }
-        if (keys == QLatin1String("<")) // a whole year is shown again once the field is left
+        if (clicked == 1 && keys == "<"_s) // a whole year is shown again once the field is left
             QCOMPARE(m_edit->text(), QStringLiteral("-01-31 12:34:56"));
         if (m_edit->showsTime())
             QTEST(m_edit->dateTime().toString(QLatin1String(format)), "expected");
         m_edit->clearFocus();
         QTEST(m_edit->text(), "expected");
         QTEST(!refused.isEmpty(), "isRefused");
+        for (const QVariantList &words : refused)
+            QVERIFY(words.first().toString().endsWith(" The field keeps the one it had."_s));
+    }
+
+    void otherKeysAndThePointer()
+    {
+        auto *line = m_edit->findChild<QLineEdit *>();
+        enter(-1);
+        QTest::keyClick(m_edit, Qt::Key_7, Qt::ControlModifier);
+        m_edit->setReadOnly(true);
+        for (const Qt::Key key : {Qt::Key_7, Qt::Key_Backspace})
+            QTest::keyClick(m_edit, key);
+        m_edit->setReadOnly(false);
+        QCOMPARE(line->text(), "2024-01-31 12:34:56"_s);
+        QCOMPARE(line->selectedText(), "2024"_s);
+        QTest::keyClicks(m_edit, "2023"_s);
+        QCOMPARE(line->selectedText(), "01"_s); // the next section is offered
+        QTest::keyClick(m_edit, '1');
+        QVERIFY(!line->hasSelectedText() && line->cursorPosition() == 6);
+        QTest::mouseClick(line, Qt::LeftButton, {}, {3, line->height() / 2});
+        QCOMPARE(line->text(), "2023-01-31 12:34:56"_s); // in full
+        QTest::keyClick(m_edit, 'x');
+        const int width = m_edit->minimumWidth();
+        QVERIFY(width > m_edit->fontMetrics().horizontalAdvance("8888-88-88 88:88:88 "_s));
+        QFont large = m_edit->font();
+        large.setPointSize(3 * large.pointSize());
+        m_edit->setFont(large);
+        QVERIFY(m_edit->minimumWidth() > 2 * width);
+        const QSignalSpy refused(m_edit, &UtcEdit::refused);
+        QGuiApplication::clipboard()->setText("soon"_s);
+        QTest::keySequence(m_edit, QKeySequence::Paste);
+        QCOMPARE(refused.value(0).value(0).toString(),
+                 "This is no time. Write it as 2024-05-01 12:00:07."_s);
+    }
+
+    void numbersOfEachSection()
+    {
+        QString ranges;
+        for (int section = UtcTyping::Year; section <= UtcTyping::Second; ++section) {
+            const int width = section == UtcTyping::Year ? 4 : 2;
+            QVector<int> finished;
+            for (int number = 0; number < (width == 4 ? 10'000 : 100); ++number) {
+                const QString keys =
+                    QString::number(number).rightJustified(width, QLatin1Char('0'));
+                const UtcTyping::Reading reading =
+                    UtcTyping::read({m_edit->dateTime(), UtcTyping::Section(section), keys});
+                if (reading.isFinished)
+                    finished.append(number);
+            }
+            ranges +=
+                "%1: %2 to %3, "_s.arg(finished.size()).arg(finished.first()).arg(finished.last());
+        }
+        QCOMPARE(ranges, "9999: 1 to 9999, 12: 1 to 12, 31: 1 to 31, 24: 0 to 23, 60: 0 to 59, "
+                         "60: 0 to 59, "_s);
+    }
+
+    void keysAsTheyAreRead()
+    {
+        QStringList found;
+        const QStringList expected = {
+            "0 >-01-31 12:34:56|0 0 0|2024-01-31 12:34:56"_s,
+            "2 >2024-01- 12:34:56|8 0 2|2024-01-31 12:34:56"_s,
+            "0 202>202-01-31 12:34:56|3 0 0|2024-01-31 12:34:56..."_s,
+            "1 1>2024-1-31 12:34:56|6 0 1|2024-01-31 12:34:56"_s,
+            "1 1->2024-01-31 12:34:56|8 2 2|="_s,
+            "1 02>2024-02-29 12:34:56|8 2 1|="_s,
+            "2 1  2>2024-01-01 2:34:56|12 0 3|2024-01-01 02:34:56"_s,
+            "3 1:2:3>2024-01-31 01:02:3|18 0 5|2024-01-31 01:02:03"_s,
+            "5 123>2024-01-31 12:34:3|18 0 5|2024-01-31 12:34:03"_s,
+            "5 5:>2024-01-31 05:34:56|14 2 4|="_s,
+            "0 202308090102034>2023-08-09 01:02:4|18 0 5|2023-08-09 01:02:04"_s,
+            "3 2023/08.09_1:2:3>2023-08-09 01:02:3|18 0 5|2023-08-09 01:02:03"_s,
+            "3 20230809010203z>2023-08-09 01:02:03|19 0 5|="_s,
+            "3 20231309010203>2024-01-31 20:23:03|19 0 5|="_s,
+            "4 12:05:06>2024-01-31 12:05:06|19 0 5|="_s,
+            "0 9:60>2024-01-31 09:60:56|17 2 4|..."_s,
+            "3 20>2024-01-31 20:34:56|14 2 3|="_s,
+            "3 201>2024-01-31 20:1:56|15 0 4|2024-01-31 20:01:56"_s,
+            "5 2024->2024-01-31 12:34:56|5 2 1|="_s,
+            "0 a>a|1 0 0|..."_s};
+        for (const QString &line : expected) { // section keys>text|cursor selected last|time
+            const QString typed = line.section(QLatin1Char('>'), 0, 0);
+            const UtcTyping::Reading reading = UtcTyping::read(
+                {m_edit->dateTime(), UtcTyping::Section(typed.left(1).toInt()), typed.mid(2)});
+            const QString time = reading.time.toString(QLatin1String(format));
+            found += "%1>%2|%3 %4 %5|%6%7"_s.arg(typed, reading.text)
+                         .arg(reading.cursor)
+                         .arg(reading.selected)
+                         .arg(reading.last)
+                         .arg(time == reading.text ? "="_s : time,
+                              reading.isFinished ? QString() : "..."_s);
+        }
+        QCOMPARE(found, expected);
     }
 
     void pasted_data()
@@ -109,7 +215,16 @@ private slots:
         row("2023-08-01", "2023-08-01 12:34:56");
         row("1:02", "2024-01-31 01:02:00");
         row("01:02", "2024-01-31 01:02:00");
-        for (const char *text : {"2023-02-31", "1600-01-01", "", "soon", "0x7"})
+        row("2023.08.01 0102", "2023-08-01 01:02:00");
+        row("2023/08/01_010203", "2023-08-01 01:02:03");
+        row("2023-08-01T03:02:03+0200", "2023-08-01 01:02:03");
+        row("2023-08-01T01:02:03-00", "2023-08-01 01:02:03");
+        row("23:59:59.5", "2024-01-31 23:59:59");
+        const QByteArray blanks(81, ' '); // up to the longest text that is read
+        row("2023-08-01 01:02:03" + blanks, "2023-08-01 01:02:03");
+        row("2023-08-01 01:02:03 " + blanks, "2024-01-31 12:34:56");
+        for (const char *text : {"2023-02-31", "1600-01-01", "", "soon", "0x7", "2023-08/01",
+                                 "2023-08-01 24:00", "2023-08-01 1", "01:60", "123:00"})
             row(text, "2024-01-31 12:34:56");
     }
 
@@ -164,6 +279,7 @@ private slots:
         };
         row(false, 1, 0, "Measuring cadences: 1 of 102 datasources");
         row(true, 2, 9'000, "2 of 100 requests");
+        row(true, 3, 3'000, "3 of 100 requests, about 2 min left");
         row(true, 10, 1'000, "10 of 100 requests, about 10 s left");
         row(true, 50, 50'001, "50 of 100 requests, about 1 min left");
         row(true, 20, 45'001, "20 of 100 requests, about 4 min left");
@@ -181,6 +297,46 @@ private slots:
                  QLatin1String(QTest::currentDataTag()));
     }
 
+    void durationsInWords()
+    {
+        QString words;
+        for (const int ms : {0, 1, 10'000, 10'001, 50'000, 50'001, 60'000, 60'001, 3'540'000,
+                             3'540'001, 3'600'000, 3'600'001, 7'200'000, 9'000'001})
+            words += RunProgress::roundedDuration(ms) + QLatin1Char('|');
+        QCOMPARE(words, "10 s|10 s|10 s|20 s|50 s|1 min|1 min|2 min|59 min|1 h|1 h|1 h 10 min|2 h|"
+                        "2 h 40 min|"_s);
+        QCOMPARE(RunProgress::text({true, 7, 7, 0, 1}), "7 of 7 requests"_s);
+        QCOMPARE(RunProgress::text({true, 0, 7, 0, 1}), "0 of 7 requests"_s);
+    }
+
+    void statusTellsTheRun()
+    {
+        QStatusBar bar;
+        StatusLine status(&bar);
+        QCOMPARE(bar.currentMessage(), "Ready"_s);
+        status.reset(2);
+        status.count(0, 3);
+        status.begin();
+        QCOMPARE(bar.currentMessage(), "Measuring cadences: 0 of 3 datasources"_s);
+        status.count(0, 102);
+        QTRY_COMPARE(bar.currentMessage(), "0 of 100 requests"_s); // a second later
+        status.count(3, 102);
+        status.begin();
+        QVERIFY(bar.currentMessage().startsWith("3 of 100 requests, about "_s));
+        QVERIFY(!bar.currentMessage().contains("about 10 s"_s));
+        status.announce("passing"_s);
+        QCOMPARE(bar.currentMessage(), "passing"_s);
+        QCOMPARE(bar.findChild<QTimer *>()->interval(), 10'000);
+        bar.clearMessage();
+        QVERIFY(bar.currentMessage().startsWith("3 of 100 requests, about "_s));
+        status.end();
+        QCOMPARE(bar.currentMessage(), "Ready"_s);
+        status.reset(1); // nothing is left of the run before
+        status.count(0, 4);
+        status.begin();
+        QCOMPARE(bar.currentMessage(), "Measuring cadences: 0 of 4 datasources"_s);
+    }
+
     void captionBreaksAtItsBars()
     {
         const CaptionLabel caption(
@@ -193,6 +349,18 @@ private slots:
         QCOMPARE(lines("one two   |   three   |   four"), 2);
         QCOMPARE(lines("one two   |   three   |"), 3);
         QCOMPARE(lines("one two   |"), 5);
+        CaptionLabel framed("a   |   b"_s); // is measured and painted as any label
+        QLabel plain("a\nb"_s);
+        const QRect text = metrics.boundingRect({0, 0, 99, 99}, Qt::TextWordWrap, plain.text());
+        for (const bool hasFrame : {true, false}) {
+            for (QLabel *label : {static_cast<QLabel *>(&framed), &plain}) {
+                label->setMargin(hasFrame ? 0 : 3);
+                label->setFrameStyle(hasFrame ? QFrame::Box : QFrame::NoFrame);
+                label->resize(metrics.horizontalAdvance("a  "_s) + 10, 80);
+            }
+            QCOMPARE(framed.heightForWidth(framed.width()), text.height() + (hasFrame ? 2 : 6));
+            QCOMPARE(framed.grab().toImage(), plain.grab().toImage());
+        }
     }
 
 private:
