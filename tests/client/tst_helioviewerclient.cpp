@@ -115,45 +115,27 @@ private slots:
         QCOMPARE(FakeProgram::runs(m_curl).size(), 1);
     }
 
-    void refusedAnswersAreWords_data()
+    void failedDownloadsInWords()
     {
-        QTest::addColumn<FakeProgram::Reply>("reply");
-        const auto row = [](const char *words, const FakeProgram::Reply &reply) {
-            QTest::newRow(words) << reply;
-        };
-        row("curl failed with exit code 22", {22, {}, {}, {}});
-        row("curl: (22) x", {22, {}, " curl: (22) x\n", {}});
-        row("Downloaded file is missing or empty.", {});
-        row("Downloaded file is missing or empty. ", {0, {}, {}, {{"$-o"_s, {}}}});
         FakeProgram::Reply crash;
         crash.crash = true;
         crash.files.insert("$-o"_s, "half");
-        row("Process crashed", crash);
-    }
-
-    void refusedAnswersAreWords()
-    {
-        QFETCH(FakeProgram::Reply, reply);
-        FakeProgram::setScript(m_curl, {reply});
-        HelioviewerClient client;
-        QVERIFY(!client.isBusy());
-        QSignalSpy errors(&client, &HelioviewerClient::requestError);
-        QSignalSpy log(&client, &HelioviewerClient::logMessage);
-        client.downloadImage(1, 10, m_noon, m_noon, m_png, 64);
-        QVERIFY(client.isBusy() && log.size() == 1);
-        QVERIFY(errors.wait());
-        const QString words = QString::fromLatin1(QTest::currentDataTag()).trimmed();
-        QCOMPARE(errors.takeFirst(), (QList<QVariant>{"downloadImage"_s, words}));
-        QVERIFY(errors.isEmpty() && !QFile::exists(m_png) && !client.isBusy());
-        client.downloadImage(1, 10, m_noon, m_noon, m_png, 64);
-        client.cancel();
-        QCOMPARE(errors.takeFirst().last().toString(), "Process crashed"_s);
-        QVERIFY(errors.isEmpty() && !client.isBusy() && !QFile::exists(m_png));
-        TestFolder::setKey("paths/curl"_s, "bin/none"_s);
-        client.getDataSources();
-        QCOMPARE(errors.takeFirst(),
-                 (QList<QVariant>{"getDataSources"_s,
-                                  "curl.exe not found: "_s + TestFolder::path("bin/none"_s)}));
+        for (const auto &[words, reply] :
+             {std::pair("curl failed with exit code 22", FakeProgram::Reply{22, {}, {}, {}}),
+              std::pair("curl: (22) x", FakeProgram::Reply{22, {}, " curl: (22) x\n", {}}),
+              std::pair("Downloaded file is missing or empty.", FakeProgram::Reply()),
+              std::pair("Downloaded file is missing or empty.",
+                        FakeProgram::Reply{0, {}, {}, {{"$-o"_s, {}}}}),
+              std::pair("Process crashed", crash)}) {
+            m_curl = FakeProgram::install("bin/fake-curl"_s);
+            FakeProgram::setScript(m_curl, {reply});
+            HelioviewerClient client;
+            QSignalSpy errors(&client, &HelioviewerClient::requestError);
+            client.downloadImage(1, 10, m_noon, m_noon, m_png, 64);
+            QVERIFY(client.isBusy() && errors.wait());
+            QCOMPARE(errors, QList<QVariantList>({{"downloadImage"_s, QLatin1String(words)}}));
+            QVERIFY(!QFile::exists(m_png) && !client.isBusy());
+        }
     }
 
     void endlessAnswerIsEnded()

@@ -10,7 +10,6 @@
 #include <QLabel>
 #include <QPainter>
 #include <QTextBlock>
-#include <QTextDocumentFragment>
 #include <QTextEdit>
 #include <QToolTip>
 #include <QTreeWidget>
@@ -56,9 +55,12 @@ QImage stripes(const QSize &size)
     return image;
 }
 
-} // namespace
+QJsonObject leaf5()
+{
+    return {{"sourceId"_s, 5}};
+}
 
-Q_DECLARE_METATYPE(CadenceStatistics)
+} // namespace
 
 /// What the main window is made of, each part on its own.
 class TestWindowParts final : public QObject
@@ -131,85 +133,58 @@ private slots:
 
     void whatALeafTells()
     {
-        CatalogTree::Selection none;
-        const CatalogTree::Leaves leaves =
-            CatalogTree::fill(m_tree.get(),
-                              QJsonDocument::fromJson(R"({"A": {"B": {"C": {
-                "<i>": {"sourceId": 5, "start": "s", "end": "e",
-                        "uiLabels": [{"label": "<L>", "name": "<N>"}]},
-                "x": {"sourceId": -2, "nickname": "AIA 193"},
-                "y": {"sourceId": 5, "nickname": "AIA 211"}}}}})")
-                                  .object(),
-                              &none);
+        fill(R"({"A": {"B": {"C": {"x": {"sourceId": -2, "nickname": "AIA 193"},
+            "<i>": {"sourceId": 5, "start": "s", "end": "e",
+                    "uiLabels": [{"label": "<L>", "name": "<N>"}]}}}}})");
         QVERIFY(item("B")->isExpanded() && !item("C")->isExpanded());
         QTreeWidgetItem *leaf = item("<i>   [sourceId 5]");
-        QCOMPARE(leaves.value(5), leaf); // the first of two
-        QCOMPARE(leaves.size(), 2);
-        QCOMPARE(CatalogTree::tickAiaBands(m_tree.get()), 2);
-        QCOMPARE(tickedIds(), QVector<int>({5})); // what is below 0 cannot be asked for
+        QCOMPARE(CatalogTree::tickAiaBands(m_tree.get()), 1);
+        QVERIFY(tickedIds().isEmpty()); // what is below 0 cannot be asked for
         QVERIFY(item("C")->isExpanded());
-        const QString fresh = "A/B/C/<i>\nAvailable: s -> e\nCadence: "_s;
-        const QString words =
-            "analyzed automatically for the selected UTC interval at acquisition start."_s;
-        QCOMPARE(leaf->toolTip(0), fresh + words);
+        const QString first = leaf->toolTip(0);
         CatalogTree::setAnalysis(leaf, {1, 0, 0, 0});
         CatalogTree::setAnalysis(leaf, {4, 3600, 60, 90}); // takes the first one's place
-        QCOMPARE(leaf->toolTip(0),
-                 fresh + "4 unique frames, effective median 1 h (min 1 min, max 1 min 30 s)."_s);
+        QCOMPARE(leaf->toolTip(0), "A/B/C/<i>\nAvailable: s -> e\nCadence: 4 unique frames, "
+                                   "effective median 1 h (min 1 min, max 1 min 30 s)."_s);
         const CatalogSource source = CatalogTree::source(leaf);
-        QCOMPARE(source.analysis->maxSeconds, 90);
-        QCOMPARE(source.source.path, "A/B/C/<i>"_s);
+        QVERIFY(source.analysis->maxSeconds == 90 && source.source.path == "A/B/C/<i>"_s);
         const QString page = SourceDetails::page(source, {{}, {}, 60});
         QVERIFY(page.contains("<h2>&lt;i&gt;</h2>"_s));
         QVERIFY(page.contains("<tr><td><b>&lt;L&gt;</b></td><td>&lt;N&gt;</td></tr></table>"_s));
         CatalogTree::clearAnalyses(m_tree.get());
-        QVERIFY(!CatalogTree::source(leaf).analysis);
-        QCOMPARE(leaf->toolTip(0), fresh + words);
-
+        QVERIFY(!CatalogTree::source(leaf).analysis && leaf->toolTip(0) == first);
         m_tree->show();
-        const QPoint on = m_tree->visualItemRect(leaf).center();
         leaf->setToolTip(0, "<b>x</b>"_s);
-        QHelpEvent help(QEvent::ToolTip, on, m_tree->viewport()->mapToGlobal(on));
+        QHelpEvent help(QEvent::ToolTip, m_tree->visualItemRect(leaf).center(), {});
         QCoreApplication::sendEvent(m_tree->viewport(), &help);
         QCOMPARE(QToolTip::text(), Qt::convertFromPlainText("<b>x</b>"_s));
         QVERIFY(CatalogTree::holdsSource({{"a"_s, QJsonObject{{"sourceId"_s, 1}}}}));
-        QVERIFY(!CatalogTree::holdsSource({{"sourceId"_s, 1}}));
         m_tree->clear();
         m_selection = {{}, 5};
-        fill(R"({"a": {"sourceId": 5}, "b": {"sourceId": 5}, "c": {"sourceId": 0}})");
-        QCOMPARE(m_tree->currentItem(), item("b   [sourceId 5]"));
-    }
-
-    void cadencesInWords_data()
-    {
-        using Statistics = CadenceStatistics;
-        QTest::addColumn<Statistics>("found");
-        QTest::addColumn<QString>("toolTip");
-        const auto row = [](const char *page, const Statistics &found, const char *toolTip) {
-            QTest::newRow(page) << found << QString::fromLatin1(toolTip);
-        };
-        row("Cadence strategy: quick probe unavailable", {0, 60, 60, 60},
-            "quick probe unavailable or no frames returned.");
-        row("Frames: 1 unique frame in the selected interval.", {1, 0, 0, 0},
-            "1 unique frame in the selected interval.");
-        row("about 1 s\n2 probe frames; observed range 1 s - 2 s.", {2, 1, 1, 2},
-            "2 unique frames, effective median 1 s (min 1 s, max 2 s).");
-        row("about 1 min 30 s\n3 probe frames; observed range 1 min - 2 min.", {3, 90, 60, 120},
-            "3 unique frames, effective median 1 min 30 s (min 1 min, max 2 min).");
-        row("Orvik optimization: requested sampling is 1 min,", {3, 91, 60, 120},
-            "3 unique frames, effective median 1 min 31 s (min 1 min, max 2 min).");
+        const auto leaves = CatalogTree::fill(
+            m_tree.get(), {{"a"_s, leaf5()}, {"b"_s, leaf5()}, {"c"_s, leaf5()}}, &m_selection);
+        QCOMPARE(leaves.value(5), item("a   [sourceId 5]")); // of several the first
+        QCOMPARE(m_tree->currentItem(), item("c   [sourceId 5]"));
     }
 
     void cadencesInWords()
     {
-        QFETCH(CadenceStatistics, found);
-        const QString page =
-            QTextDocumentFragment::fromHtml(SourceDetails::page({{}, {}, found}, {{}, {}, 60}))
-                .toPlainText()
-                .replace(QChar::LineSeparator, QLatin1Char('\n'));
-        QVERIFY2(page.contains(QLatin1String(QTest::currentDataTag())), qPrintable(page));
-        QCOMPARE(page.contains("Orvik optimization"_s), found.medianSeconds > 90);
-        QTEST(SourceDetails::toolTipWithCadence("x\nCadence: y"_s, found).mid(11), "toolTip");
+        using Row = std::tuple<CadenceStatistics, const char *, const char *>;
+        for (const auto &[found, words, toolTip] :
+             {Row{{0, 60, 60, 60}, "quick probe unavailable;", "quick probe unavailable or"},
+              Row{{1, 0, 0, 0}, "1 unique frame in", "1 unique frame in the selected interval."},
+              Row{{2, 1, 1, 2}, "observed range 1 s - 2 s.", "2 unique frames, effective median"},
+              Row{{3, 90, 60, 120}, "about 1 min 30 s", "3 unique frames, effective median"},
+              Row{{3, 91, 60, 120}, "sampling is 1 min,", "3 unique frames, effective median"}}) {
+            const QString page = SourceDetails::page({{}, {}, found}, {{}, {}, 60});
+            QVERIFY2(QString(page)
+                         .remove(QRegularExpression("<[^>]*>"_s))
+                         .contains(QLatin1String(words)),
+                     words);
+            QCOMPARE(page.contains("Orvik optimization"_s), found.medianSeconds > 90);
+            QVERIFY(SourceDetails::toolTipWithCadence("x\nCadence: y"_s, found)
+                        .startsWith("x\nCadence: "_s + QLatin1String(toolTip)));
+        }
     }
 
     void titleCountsUntilCleared()
@@ -252,22 +227,19 @@ private slots:
 
     void linesOfTheLog()
     {
-        const QTime before = QTime::currentTime();
-        for (const int length : {5'000, 10'000, 10'001}) {
+        for (const int length : {9'999, 10'000, 10'001}) {
             m_log.append("word "_s + QString(length, QLatin1Char('x')));
             QCOMPARE(m_edit.wordWrapMode() == QTextOption::WrapAnywhere, length > 10'000);
         }
         m_log.clear();
         QCOMPARE(m_edit.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
-        m_log.append(QString(4, QLatin1Char('\n'))); // the view follows
+        m_log.append({});
         const QTime stamp = QTime::fromString(m_edit.toPlainText().left(10), "[HH:mm:ss]"_s);
-        QVERIFY(before.secsTo(stamp) <= 2 && before.secsTo(stamp) >= -1);
+        QVERIFY(qAbs(stamp.secsTo(QTime::currentTime())) < 5);
         QTextCursor first(m_edit.document());
         first.movePosition(QTextCursor::Right);
         QCOMPARE(first.charFormat().foreground().color().name(), "#878c96"_s);
         QVERIFY(m_edit.font().fixedPitch() && m_edit.font().styleHint() == QFont::TypeWriter);
-        QCOMPARE(m_edit.textInteractionFlags(),
-                 Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     }
 
     void durations()
@@ -317,9 +289,6 @@ private slots:
         QCOMPARE(m_label.pixmap(Qt::ReturnByValue).size(), QSize(600, 300));
         m_label.resize(804, 404);
         QCOMPARE(m_label.pixmap(Qt::ReturnByValue).size(), QSize(1200, 600));
-        const qint64 shown = m_label.pixmap(Qt::ReturnByValue).cacheKey();
-        m_pane.rescale(); // already is as large
-        QCOMPARE(m_label.pixmap(Qt::ReturnByValue).cacheKey(), shown);
         QImage next({800, 400}, QImage::Format_RGB32);
         next.fill(Qt::red); // another frame of the same size
         QVERIFY(m_pane.showFrame(next));
