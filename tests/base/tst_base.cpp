@@ -123,12 +123,6 @@ private slots:
                 QCOMPARE(errorText == "too many values"_s, more > 0);
             }
         }
-        QFile large(m_path);
-        for (const qint64 bytes : {64 << 20, (64 << 20) + 1}) {
-            QVERIFY(large.resize(bytes));
-            QVERIFY(!JsonFile::load(m_path, &errorText));
-            QCOMPARE(errorText == "larger than 64 MB"_s, bytes > 64 << 20);
-        }
         const QString nowhere = m_folder.filePath("no folder/x.json"_s);
         QCOMPARE(JsonFile::save(nowhere, {}), JsonFile::SaveResult::CannotOpen);
         QVERIFY(!JsonFile::load(nowhere, &errorText) && !JsonFile::load(nowhere));

@@ -156,15 +156,14 @@ private slots:
     void storedValuesAndPresets()
     {
         const QDateTime now = QDateTime::currentDateTimeUtc();
-        for (const auto &[key, value] : {std::pair("acquisition/maxTimeErrorSeconds", 101),
-                                         {"acquisition/imageWidth", 202},
-                                         {"video/fps", 30},
-                                         {"video/crf", 40},
-                                         {"acquisition/keepFrames", 0},
-                                         {"video/create", 0},
-                                         {"acquisition/useSourceTimingProfiles", 0},
-                                         {"video/scaleOverlay", 1}}) // the last is no preset
-            TestFolder::setKey(QLatin1String(key), value);
+        const QString presets = // the last is none
+            "acquisition/maxTimeErrorSeconds=101 acquisition/imageWidth=202 video/fps=30 "
+            "video/crf=40 acquisition/keepFrames=0 video/create=0 "
+            "acquisition/useSourceTimingProfiles=0 video/scaleOverlay=1"_s;
+        const QStringList all = presets.split(QLatin1Char(' '));
+        for (const QString &one : all)
+            TestFolder::setKey(one.section(QLatin1Char('='), 0, 0),
+                               one.section(QLatin1Char('='), 1));
         WindowFixture::writeCatalog(R"({"zero": {"sourceId": 0}, "group": {}})");
         userSettings().setValue("sources/selectedIds"_s, QStringList({"x"_s, "7"_s}));
         userSettings().setValue("acquisition/cadenceSeconds"_s, "soon"_s);
@@ -193,15 +192,9 @@ private slots:
         part<QPushButton>(window, "clearButton")->click();
         QCOMPARE(WindowFixture::findLeaf(window, "AIA 171"_s)->checkState(0), Qt::Unchecked);
         const auto *estimate = part<QLabel>(window, "estimateLabel");
-        QStringList estimates(estimate->text());
+        const QString before = estimate->text();
         part<QSpinBox>(window, "fpsSpin")->setValue(7);
-        for (const auto &[name, hours] : {std::pair("endEdit", 2), std::pair("startEdit", -2)}) {
-            estimates += estimate->text();
-            auto *edit = part<QDateTimeEdit>(window, name);
-            edit->setDateTime(edit->dateTime().addSecs(3600 * hours));
-        }
-        estimates += estimate->text();
-        QCOMPARE(estimates.removeDuplicates(), 0);
+        QVERIFY(estimate->text() != before);
         window.resize(1400, 1000);
         window.show();
         userSettings().setValue("sources/currentId"_s, 10); // a group is current now
