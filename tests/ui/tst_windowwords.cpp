@@ -144,7 +144,7 @@ private slots:
               "3 20231309010203>2024-01-31 20:23:03|19 0 5", "0 9:60>2024-01-31 09:60:56|17 2 4",
               "3 201>2024-01-31 20:1:56|15 0 4"}) {
             const QString typed = QString::fromLatin1(row).section(QLatin1Char('>'), 0, 0);
-            const UtcTyping::Reading reading = read(typed.left(1).toInt(), typed.mid(2));
+            const UtcTyping::Reading reading = read(typed.at(0).digitValue(), typed.mid(2));
             QCOMPARE(typed + QString::asprintf(">%s|%d %d %d", qPrintable(reading.text),
                                                reading.cursor, reading.selected, reading.last),
                      QLatin1String(row));
