@@ -1,4 +1,5 @@
 #include "acquisition/acquisitionplan.h"
+#include "acquisition/probequeue.h"
 #include "acquisition/sessionlayout.h"
 #include "acquisition/sessiontally.h"
 #include "acquisition/sourceplan.h"
@@ -84,6 +85,8 @@ private slots:
             "2 frame(s), observed median 720 s (min 720, max 720)");
         row("first frame at the very end", {3600, 7200}, 3600, 3600,
             "2 frame(s), observed median 3600 s (min 3600, max 3600)");
+        row("the longest spacing", {7, 2'147'483'654}, 2'147'483'647, 7,
+            "2 frame(s), observed median 2147483647 s (min 2147483647, max 2147483647)");
         row("a century between frames is no spacing", {0, 60, 3'000'000'060}, 60, 0,
             "3 frame(s), observed median 60 s (min 60, max 60)");
         row("a single frame tells no spacing", {30}, 60, 0, "1 frame(s)");
@@ -110,6 +113,22 @@ private slots:
         if (!found.endsWith(QLatin1Char('.')))
             found += "; acquisition step=%1 s."_s.arg(stepSeconds);
         QCOMPARE(plan.logLine, "Quick probe EIT 171: "_s + found);
+    }
+
+    void probesAreHandedOut()
+    {
+        const QDateTime end = startUtc().addSecs(60);
+        const ProbeWindow first{{1, {}, {}}, startUtc(), end};
+        ProbeQueue queue({first, {{2, {}, {}}, startUtc(), end}});
+        QVERIFY(queue.take(7).source.sourceId == 1 && queue.take(5).source.sourceId == 2);
+        QCOMPARE(queue.release(7)->source.sourceId, 1);
+        QVERIFY(!queue.isBusy(7) && !queue.release(7) && queue.isBusy(5));
+        QVERIFY(first.matches(1, startUtc(), end) && !first.matches(2, startUtc(), end) &&
+                !first.matches(1, end, end) && !first.matches(1, startUtc(), startUtc()));
+        queue.addFrames(1, {end, {}, startUtc(), end});
+        queue.addFrames(1, {startUtc().addSecs(-1), end});
+        const qint64 start = startUtc().toSecsSinceEpoch();
+        QCOMPARE(queue.frameSeconds(1), QVector<qint64>({start - 1, start, start + 60}));
     }
 
     void everyDatasourceHasItsOwnFolder()

@@ -116,6 +116,13 @@ private slots:
         QVERIFY(QFile::resize(m_path, 5)); // cut off
         QVERIFY(!JsonFile::load(m_path, &errorText));
         QCOMPARE(errorText, "unterminated object"_s);
+        for (const auto &[sign, limit] :
+             {std::pair('{', 100'000), std::pair('[', 100'000), std::pair(',', 10'000'000)}) {
+            for (const int more : {0, 1}) {
+                QVERIFY(!JsonFile::parse(' ' + QByteArray(limit + more, sign), &errorText));
+                QCOMPARE(errorText == "too many values"_s, more > 0);
+            }
+        }
         const QString nowhere = m_folder.filePath("no folder/x.json"_s);
         QCOMPARE(JsonFile::save(nowhere, {}), JsonFile::SaveResult::CannotOpen);
         QVERIFY(!JsonFile::load(nowhere, &errorText) && !JsonFile::load(nowhere));

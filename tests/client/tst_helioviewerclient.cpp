@@ -115,6 +115,29 @@ private slots:
         QCOMPARE(FakeProgram::runs(m_curl).size(), 1);
     }
 
+    void failedDownloadsInWords()
+    {
+        FakeProgram::Reply crash;
+        crash.crash = true;
+        crash.files.insert("$-o"_s, "half");
+        for (const auto &[words, reply] :
+             {std::pair("curl failed with exit code 22", FakeProgram::Reply{22, {}, {}, {}}),
+              std::pair("curl: (22) x", FakeProgram::Reply{22, {}, " curl: (22) x\n", {}}),
+              std::pair("Downloaded file is missing or empty.", FakeProgram::Reply()),
+              std::pair("Downloaded file is missing or empty.",
+                        FakeProgram::Reply{0, {}, {}, {{"$-o"_s, {}}}}),
+              std::pair("Process crashed", crash)}) {
+            FakeProgram::install("bin/fake-curl"_s);
+            FakeProgram::setScript(m_curl, {reply});
+            HelioviewerClient client;
+            QSignalSpy errors(&client, &HelioviewerClient::requestError);
+            client.downloadImage(1, 10, m_noon, m_noon, m_png, 64);
+            QVERIFY(client.isBusy() && errors.wait());
+            QCOMPARE(errors, QList<QVariantList>({{"downloadImage"_s, QLatin1String(words)}}));
+            QVERIFY(!QFile::exists(m_png) && !client.isBusy());
+        }
+    }
+
     void endlessAnswerIsEnded()
     {
         for (const bool picture : {false, true}) {

@@ -208,7 +208,16 @@ private slots:
         row("a table longer than its track",
             begun + box("moov", track("vide", 3).replace(0, 4, bytes(60))),
             "the film shows 0 of 3 pictures.");
-        row("more boxes than a film has", begun + box("free", "").repeated(20000), "");
+        row("of an empty long box",
+            begun + QByteArray("\0\0\0\1mdat\0\0\0\0\0\0\0\x10", 16) + movie, "");
+        row("of a box that ends in its head", begun + QByteArray("\0\0\0\7free", 8), cutOff);
+        row("with a box of no length as its last", begun + movie + QByteArray("\0\0\0\0free", 8),
+            "");
+        row("with less than a head at its end", begun + movie + QByteArray(7, '\0'), cutOff);
+        const QByteArray shortMovie = box("moov", track("vide", 2));
+        const QByteArray most = begun + box("free", "").repeated(9987); // and a dozen in the movie
+        row("as many boxes as are read", most + shortMovie, "the film shows 2 of 3 pictures.");
+        row("more boxes than a film has", most + box("free", "") + shortMovie, "");
         row("no MP4", "of some other encoder", "");
     }
 

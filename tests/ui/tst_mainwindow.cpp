@@ -152,6 +152,55 @@ private slots:
                  part<QSplitter>(window, "catalogSplitter")->saveState());
     }
 
+    void storedValuesAndPresets()
+    {
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        const QString presets = // the last is none
+            "acquisition/maxTimeErrorSeconds=101 acquisition/imageWidth=202 video/fps=30 "
+            "video/crf=40 acquisition/keepFrames=0 video/create=0 "
+            "acquisition/useSourceTimingProfiles=0 video/scaleOverlay=1"_s;
+        const QStringList all = presets.split(QLatin1Char(' '));
+        for (const QString &one : all)
+            TestFolder::setKey(one.section(QLatin1Char('='), 0, 0),
+                               one.section(QLatin1Char('='), 1));
+        WindowFixture::writeCatalog(R"({"zero": {"sourceId": 0}, "group": {}})");
+        userSettings().setValue("sources/selectedIds"_s, QStringList({"x"_s, "7"_s}));
+        userSettings().setValue("acquisition/cadenceSeconds"_s, "soon"_s);
+        const MainWindow window;
+        QString values;
+        for (const char *spin : {"timeErrorSpin", "widthSpin", "fpsSpin", "crfSpin", "cadenceSpin"})
+            values += part<QSpinBox>(window, spin)->text() + QLatin1Char(' ');
+        for (const char *box : {"keepFramesCheck", "createVideosCheck", "scaleOverlayCheck",
+                                "sourceTimingProfilesCheck"})
+            values += QString::number(part<QCheckBox>(window, box)->isChecked());
+        QCOMPARE(values, "101 s 202 30 40 1 s 0000"_s);
+        const QDateTime end = part<QDateTimeEdit>(window, "endEdit")->dateTime();
+        QVERIFY(end.secsTo(now) <= 600 && end.secsTo(now) > 590);
+        QCOMPARE(part<QDateTimeEdit>(window, "startEdit")->dateTime().secsTo(end), 3600);
+        const auto *tree = part<QTreeWidget>(window, "sourcesTree");
+        QVERIFY(!tree->currentItem() && tree->topLevelItem(1)->checkState(0) == Qt::Unchecked);
+    }
+
+    void layoutAndWordsOfTheWindow()
+    {
+        MainWindow window;
+        auto *tree = part<QTreeWidget>(window, "sourcesTree");
+        tree->setCurrentItem(tree->topLevelItem(0));
+        const auto *estimate = part<QLabel>(window, "estimateLabel");
+        const QString before = estimate->text();
+        part<QSpinBox>(window, "fpsSpin")->setValue(7);
+        QVERIFY(estimate->text() != before);
+        window.resize(1400, 1000);
+        window.show();
+        userSettings().setValue("sources/currentId"_s, 10); // a group is current now
+        part<QDockWidget>(window, "infoDockWidget")->hide();
+        window.close();
+        QVERIFY(!userSettings().contains("sources/currentId"_s));
+        const MainWindow next;
+        QCOMPARE(next.size(), QSize(1400, 1000));
+        QVERIFY(part<QDockWidget>(next, "infoDockWidget")->isHidden());
+    }
+
     void brokenCacheAsksTheService()
     {
         WindowFixture::writeCatalog(QByteArray(catalog).left(40));

@@ -124,6 +124,45 @@ private slots:
         QCOMPARE(tickedIds().size(), 1);
     }
 
+    void whatALeafTells()
+    {
+        fill(R"({"A": {"B": {"C": {"x": {"sourceId": -2, "nickname": "AIA 193"},
+            "<i>": {"sourceId": 5, "start": "s", "end": "e",
+                    "uiLabels": [{"label": "<L>", "name": "<N>"}]}}}}})");
+        QVERIFY(item("B")->isExpanded() && !item("C")->isExpanded());
+        QTreeWidgetItem *leaf = item("<i>   [sourceId 5]");
+        QCOMPARE(CatalogTree::tickAiaBands(m_tree.get()), 1);
+        QVERIFY(tickedIds().isEmpty()); // what is below 0 cannot be asked for
+        QVERIFY(item("C")->isExpanded());
+        const QString first = leaf->toolTip(0);
+        CatalogTree::setAnalysis(leaf, {1, 0, 0, 0});
+        CatalogTree::setAnalysis(leaf, {4, 3600, 60, 90}); // takes the first one's place
+        QCOMPARE(leaf->toolTip(0), "A/B/C/<i>\nAvailable: s -> e\nCadence: 4 unique frames, "
+                                   "effective median 1 h (min 1 min, max 1 min 30 s)."_s);
+        const CatalogSource source = CatalogTree::source(leaf);
+        QVERIFY(source.analysis->maxSeconds == 90 && source.source.path == "A/B/C/<i>"_s);
+        const QString page = SourceDetails::page(source, {{}, {}, 60});
+        QVERIFY(page.contains("<h2>&lt;i&gt;</h2>"_s));
+        QVERIFY(page.contains("<tr><td><b>&lt;L&gt;</b></td><td>&lt;N&gt;</td></tr></table>"_s));
+        CatalogTree::clearAnalyses(m_tree.get());
+        QVERIFY(!CatalogTree::source(leaf).analysis && leaf->toolTip(0) == first);
+    }
+
+    void cadencesInWords()
+    {
+        for (const auto &[words, found] :
+             {std::pair("quick probe unavailable;", CadenceStatistics{0, 60, 60, 60}),
+              {"1 unique frame in the", {1, 0, 0, 0}},
+              {"observed range 1 s - 2 s.", {2, 1, 1, 2}},
+              {"about <b>1 min 30 s", {3, 90, 60, 120}},
+              {"sampling is 1 min,", {3, 91, 60, 120}}}) {
+            const QString page = SourceDetails::page({{}, {}, found}, {{}, {}, 60});
+            QVERIFY2(page.contains(QLatin1String(words)), words);
+            QCOMPARE(page.contains("Orvik optimization"_s), found.medianSeconds > 90);
+        }
+        QCOMPARE(SourceDetails::toolTipWithCadence("x"_s, {2, 1, 1, 2}).count("median 1 s"_s), 1);
+    }
+
     void titleCountsUntilCleared()
     {
         for (const char *text : {"warning: x failed", "ERROR x", "plain", "ERROR y"})
@@ -160,6 +199,16 @@ private slots:
             QVERIFY(!m_edit.document()->isUndoAvailable());
             QCOMPARE(m_edit.wordWrapMode() == QTextOption::WrapAnywhere, text.size() > 9999);
         }
+    }
+
+    void linesOfTheLog()
+    {
+        for (const int length : {9'999, 10'000, 10'001}) {
+            m_log.append("word "_s + QString(length, QLatin1Char('x')));
+            QCOMPARE(m_edit.wordWrapMode() == QTextOption::WrapAnywhere, length > 10'000);
+        }
+        m_log.clear();
+        QCOMPARE(m_edit.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
     }
 
     void durations()
@@ -208,6 +257,9 @@ private slots:
         m_label.resize(404, 404);
         QCOMPARE(m_label.pixmap(Qt::ReturnByValue).size(), QSize(600, 300));
         m_label.resize(804, 404);
+        QCOMPARE(m_label.pixmap(Qt::ReturnByValue).size(), QSize(1200, 600));
+        QImage larger({8192, 4096}, QImage::Format_RGB32); // than is kept
+        QVERIFY(m_pane.showFrame(larger));
         QCOMPARE(m_label.pixmap(Qt::ReturnByValue).size(), QSize(1200, 600));
     }
 

@@ -1,13 +1,18 @@
+#include "tests/support/literals.h"
 #include "ui/captionlabel.h"
 #include "ui/catalogtree.h"
 #include "ui/runprogress.h"
+#include "ui/statusline.h"
 #include "ui/utcedit.h"
+#include "ui/utctyping.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLineEdit>
+#include <QStatusBar>
+#include <QTimer>
 #include <QTreeWidget>
 #include <QtTest>
 
@@ -40,7 +45,7 @@ private slots:
     void typed_data()
     {
         QTest::addColumn<int>("clicked");
-        QTest::addColumn<QString>("keys"); // < is Backspace, ~ Delete, > Tab, ^ Up
+        QTest::addColumn<QString>("keys"); // < is Backspace, ~ Delete, > Tab, ^ Up, $ Shift
         QTest::addColumn<QString>("expected");
         QTest::addColumn<bool>("isRefused");
         const QString stamp = QStringLiteral("2023-08-09 01:02:03");
@@ -65,6 +70,11 @@ private slots:
         row(18, "2021", QStringLiteral("2024-01-31 12:34:21"));
         row(12, "12^", QStringLiteral("2024-01-31 12:35:56"));
         row(-1, "2023>08>>7>", QStringLiteral("2023-08-31 07:34:56"));
+        row(14, "<5", QStringLiteral("2024-01-31 15:34:56")); // over the separator
+        row(12, "1$2", QStringLiteral("2024-01-31 12:34:56"));
+        row(12, "1x5", QStringLiteral("2024-01-31 15:34:56"));
+        for (const auto &[clicked, key] : {std::pair(0, "<"), {13, "~"}, {19, "~"}})
+            row(clicked, key, QStringLiteral("2024-01-31 12:34:56"));
         for (const char *keys : {"2023-13-01 00:00:00>", "2023-02-31 00:00:00", "23-08-09>",
                                  "1600-01-01>", "2023-08-0", "202"})
             row(-1, keys, QStringLiteral("2024-01-31 12:34:56"), true);
@@ -79,20 +89,66 @@ private slots:
         const QHash<QChar, Qt::Key> named = {{QLatin1Char('<'), Qt::Key_Backspace},
                                              {QLatin1Char('~'), Qt::Key_Delete},
                                              {QLatin1Char('>'), Qt::Key_Tab},
-                                             {QLatin1Char('^'), Qt::Key_Up}};
+                                             {QLatin1Char('^'), Qt::Key_Up},
+                                             {QLatin1Char('$'), Qt::Key_Shift}};
         for (const QChar key : keys) {
             if (named.contains(key))
                 QTest::keyClick(m_edit, named.value(key));
             else
                 QTest::keyClick(m_edit, key.toLatin1());
         }
-        if (keys == QLatin1String("<")) // a whole year is shown again once the field is left
+        if (clicked == 1 && keys == "<"_s) // a whole year is shown again once the field is left
             QCOMPARE(m_edit->text(), QStringLiteral("-01-31 12:34:56"));
         if (m_edit->showsTime())
             QTEST(m_edit->dateTime().toString(QLatin1String(format)), "expected");
         m_edit->clearFocus();
         QTEST(m_edit->text(), "expected");
         QTEST(!refused.isEmpty(), "isRefused");
+    }
+
+    void otherKeysAndThePointer()
+    {
+        auto *line = m_edit->findChild<QLineEdit *>();
+        enter(-1);
+        QTest::keyClick(m_edit, Qt::Key_7, Qt::ControlModifier);
+        m_edit->setReadOnly(true);
+        for (const Qt::Key key : {Qt::Key_7, Qt::Key_Backspace})
+            QTest::keyClick(m_edit, key);
+        m_edit->setReadOnly(false);
+        QCOMPARE(line->selectedText() + line->text(), "20242024-01-31 12:34:56"_s);
+        QTest::keyClicks(m_edit, "20231"_s);
+        QVERIFY(!line->hasSelectedText() && line->cursorPosition() == 6);
+        QTest::mouseClick(line, Qt::LeftButton, {}, {3, line->height() / 2});
+        QCOMPARE(line->text(), "2023-01-31 12:34:56"_s); // in full
+    }
+
+    void keysAsTheyAreRead()
+    {
+        QString counts;
+        for (int section = UtcTyping::Year; section <= UtcTyping::Second; ++section) {
+            const int width = section == UtcTyping::Year ? 4 : 2;
+            int finished = 0;
+            for (int number = 0; number < (width == 4 ? 10'000 : 100); ++number) {
+                const QString keys = QString::number(number);
+                finished += read(section, keys.rightJustified(width, QLatin1Char('0'))).isFinished;
+            }
+            counts += QString::number(finished) + QLatin1Char(' ');
+        }
+        QCOMPARE(counts, "9999 12 31 24 60 60 "_s);
+        for (const char *row : // section keys>text|cursor selected last
+             {"0 >-01-31 12:34:56|0 0 0", "2 >2024-01- 12:34:56|8 0 2",
+              "0 202>202-01-31 12:34:56|3 0 0", "1 1>2024-1-31 12:34:56|6 0 1",
+              "1 02>2024-02-29 12:34:56|8 2 1", "5 123>2024-01-31 12:34:3|18 0 5",
+              "5 5:>2024-01-31 05:34:56|14 2 4", "0 202308090102034>2023-08-09 01:02:4|18 0 5",
+              "3 20230809010203z>2023-08-09 01:02:03|19 0 5",
+              "3 20231309010203>2024-01-31 20:23:03|19 0 5", "0 9:60>2024-01-31 09:60:56|17 2 4",
+              "3 201>2024-01-31 20:1:56|15 0 4"}) {
+            const QString typed = QString::fromLatin1(row).section(QLatin1Char('>'), 0, 0);
+            const UtcTyping::Reading reading = read(typed.at(0).digitValue(), typed.mid(2));
+            QCOMPARE(typed + QString::asprintf(">%s|%d %d %d", qPrintable(reading.text),
+                                               reading.cursor, reading.selected, reading.last),
+                     QLatin1String(row));
+        }
     }
 
     void pasted_data()
@@ -103,13 +159,20 @@ private slots:
         };
         for (const char *text : {"2023-08-01T01:02:03Z", "2023-08-01 01:02:03", "20230801_010203",
                                  "2023-08-01t01:02:03.999z\n", " 2023-08-01 01:02:03 UTC",
-                                 "2023-08-01T03:02:03.9+02:00"})
+                                 "2023-08-01T03:02:03.9+02:00", "2023/08/01_010203",
+                                 "2023-08-01T03:02:03+0200", "2023-08-01T01:02:03-00"})
             row(text, "2023-08-01 01:02:03");
         row("2023-08-01T01:02Z", "2023-08-01 01:02:00");
         row("2023-08-01", "2023-08-01 12:34:56");
         row("1:02", "2024-01-31 01:02:00");
         row("01:02", "2024-01-31 01:02:00");
-        for (const char *text : {"2023-02-31", "1600-01-01", "", "soon", "0x7"})
+        row("2023.08.01 0102", "2023-08-01 01:02:00");
+        row("23:59:59.5", "2024-01-31 23:59:59");
+        const QByteArray blanks(81, ' '); // up to the longest text that is read
+        row("2023-08-01 01:02:03" + blanks, "2023-08-01 01:02:03");
+        row("2023-08-01 01:02:03 " + blanks, "2024-01-31 12:34:56");
+        for (const char *text : {"2023-02-31", "1600-01-01", "", "soon", "0x7", "2023-08/01",
+                                 "2023-08-01 24:00", "2023-08-01 1", "01:60", "123:00"})
             row(text, "2024-01-31 12:34:56");
     }
 
@@ -164,6 +227,11 @@ private slots:
         };
         row(false, 1, 0, "Measuring cadences: 1 of 102 datasources");
         row(true, 2, 9'000, "2 of 100 requests");
+        row(true, 3, 3'000, "3 of 100 requests, about 2 min left");
+        row(true, 50, 10'001, "50 of 100 requests, about 20 s left");
+        row(true, 50, 60'000, "50 of 100 requests, about 1 min left");
+        row(true, 50, 3'540'001, "50 of 100 requests, about 1 h left");
+        row(true, 50, 7'200'000, "50 of 100 requests, about 2 h left");
         row(true, 10, 1'000, "10 of 100 requests, about 10 s left");
         row(true, 50, 50'001, "50 of 100 requests, about 1 min left");
         row(true, 20, 45'001, "20 of 100 requests, about 4 min left");
@@ -181,6 +249,32 @@ private slots:
                  QLatin1String(QTest::currentDataTag()));
     }
 
+    void statusTellsTheRun()
+    {
+        QStatusBar bar;
+        StatusLine status(&bar);
+        status.reset(2);
+        status.count(0, 3);
+        status.begin();
+        QCOMPARE(bar.currentMessage(), "Measuring cadences: 0 of 3 datasources"_s);
+        status.count(0, 102);
+        QTRY_COMPARE(bar.currentMessage(), "0 of 100 requests"_s); // a second later
+        status.count(3, 102);
+        status.begin();
+        QVERIFY(!bar.currentMessage().contains("about 10 s"_s));
+        status.announce("passing"_s);
+        QCOMPARE(bar.findChild<QTimer *>()->interval(), 10'000);
+        bar.clearMessage();
+        QVERIFY(bar.currentMessage().startsWith("3 of 100 requests, about "_s));
+        status.end();
+        status.reset(1); // nothing is left of the run before
+        QCOMPARE(bar.currentMessage(), "Ready"_s);
+        status.count(0, 4);
+        status.count(0, 9);
+        status.begin();
+        QCOMPARE(bar.currentMessage(), "0 of 8 requests"_s);
+    }
+
     void captionBreaksAtItsBars()
     {
         const CaptionLabel caption(
@@ -196,6 +290,11 @@ private slots:
     }
 
 private:
+    UtcTyping::Reading read(int section, const QString &keys) const
+    {
+        return UtcTyping::read({m_edit->dateTime(), UtcTyping::Section(section), keys});
+    }
+
     /// Goes into the field: by a click at a position of its text, by Tab (-1), or by that and
     /// Ctrl+A
     /// (-2).
