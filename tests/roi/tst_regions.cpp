@@ -79,6 +79,10 @@ private slots:
         QCOMPARE(spanned({20, 10}, {22, 12}, 1), QRectF(20, 10, 2, 2)); // the smallest
         QCOMPARE(RegionShape::middle(frame, 0), QRect(50, 25, 100, 50));
         QCOMPARE(RegionShape::middle(frame, RegionShape::proportionAt(4)), QRect(86, 25, 28, 50));
+        QCOMPARE(RegionMarks::handles({0, 0, 40, 20}).size(), 8); // corners and sides
+        QCOMPARE(RegionMarks::handles({0, 0, 40, 20}).at(1).center(), QPointF(20, 0));
+        QCOMPARE(FrameIntervals::keptText({6}, 9), QStringLiteral("Film: frame 7"));
+        QCOMPARE(FrameIntervals::keptText({6, 7}, 9), QStringLiteral("Film: frames 7 to 8"));
         const QRectF sight(0, 0, 300, 200);
         const QSizeF name(50, 20); // above its region, inside it, in sight of it, gone with it
         QCOMPARE(RegionMarks::nameBox({10, 30, 9, 9}, name, sight), QRectF({10, 10}, name));

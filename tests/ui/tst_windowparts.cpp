@@ -161,6 +161,8 @@ private slots:
             QCOMPARE(page.contains("Orvik optimization"_s), found.medianSeconds > 90);
         }
         QCOMPARE(SourceDetails::toolTipWithCadence("x"_s, {2, 1, 1, 2}).count("median 1 s"_s), 1);
+        QVERIFY(
+            SourceDetails::toolTipWithCadence("x"_s, {1, 0, 0, 0}).contains(" 1 unique frame "_s));
     }
 
     void titleCountsUntilCleared()
