@@ -29,12 +29,6 @@ QSet<int> tickedIds(QTreeWidget &tree)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    Scratch::begin(argc, argv);
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
     const auto catalog = JsonFile::parse(Scratch::bytes(data, size));

@@ -3,12 +3,6 @@
 #include "fuzz/scratch.h"
 #include "output/filmfile.h"
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    Scratch::begin(argc, argv);
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
     const QString file = Scratch::write(QStringLiteral("film.mp4"), Scratch::bytes(data, size));

@@ -33,12 +33,6 @@ int countAcceptedRows(const QString &path, int lines)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    Scratch::begin(argc, argv);
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
     const QByteArray content = Scratch::bytes(data, size);

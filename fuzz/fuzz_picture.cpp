@@ -44,12 +44,6 @@ QJsonObject metadataOf(const QImage &image)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    Scratch::begin(argc, argv);
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
     constexpr int mostPixels = 1 << 20; // larger ones only cost time

@@ -7,12 +7,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    Scratch::begin(argc, argv);
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
     const auto object = JsonFile::parse(Scratch::bytes(data, size));

@@ -4,7 +4,6 @@
 #include "output/sessionfiles.h"
 #include "roi/roisession.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 namespace {
@@ -24,16 +23,11 @@ void check(const StoredSession &session)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    Scratch::begin(argc, argv);
-    QDir(Scratch::path(QStringLiteral("."))).mkdir(QStringLiteral("AIA"));
-    Scratch::write(QStringLiteral("AIA/") + SessionFiles::frame(0), "no picture");
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
+    static const bool hasFrame = QFileInfo::exists(
+        Scratch::write(QStringLiteral("AIA/") + SessionFiles::frame(0), "no picture"));
+    Scratch::require(hasFrame, "a frame to find");
     const QByteArray content = Scratch::bytes(data, size);
     const int split = content.indexOf('\f');
     const QString descriptor = Scratch::write(SessionFiles::descriptor(), content.left(split));

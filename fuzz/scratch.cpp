@@ -27,12 +27,14 @@ void printFatal(QtMsgType type, const QMessageLogContext & /*context*/, const QS
 
 } // namespace
 
-void Scratch::begin(int *argc, char ***argv)
+/// Called by libFuzzer before the first input.
+extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
     qInstallMessageHandler(&printFatal);
     qputenv("QT_QPA_PLATFORM", "offscreen");
     static const QApplication application(*argc, *argv);
-    require(folder().isValid(), "a folder to write to");
+    Scratch::require(folder().isValid(), "a folder to write to");
+    return 0;
 }
 
 QByteArray Scratch::bytes(const uint8_t *data, std::size_t size)
@@ -48,7 +50,8 @@ QString Scratch::path(const QString &name)
 QString Scratch::write(const QString &name, const QByteArray &content)
 {
     QFile file(path(name));
-    require(file.open(QIODevice::WriteOnly) && file.write(content) == content.size(),
+    require(QDir().mkpath(QFileInfo(file).path()) && file.open(QIODevice::WriteOnly) &&
+                file.write(content) == content.size(),
             "room for a file");
     return file.fileName();
 }

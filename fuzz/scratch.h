@@ -8,11 +8,8 @@
 
 class QJsonObject;
 
-/// What the programs of this folder share.
+/// What the programs of this folder share, an application object without a screen included.
 namespace Scratch {
-
-/// Creates the application object, without a screen; call it in LLVMFuzzerInitialize().
-void begin(int *argc, char ***argv);
 
 QByteArray bytes(const uint8_t *data, std::size_t size);
 
