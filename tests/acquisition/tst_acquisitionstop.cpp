@@ -1,5 +1,5 @@
 #include "client/helioviewerclient.h"
-#include "tests/acquisition/acquisitionroad.h"
+#include "tests/acquisition/acquisitionfixture.h"
 #include "tests/acquisition/sessioncheck.h"
 #include "tests/support/fakeprogram.h"
 #include "tests/support/literals.h"
@@ -23,7 +23,8 @@ void replaceEncoder(bool endless)
 /// AIA is sampled directly, SUVI after a probe; one image each.
 AcquisitionSettings smallSession()
 {
-    return AcquisitionRoad::settings(59, {AcquisitionRoad::aia(), AcquisitionRoad::suvi()});
+    return AcquisitionFixture::settings(59,
+                                        {AcquisitionFixture::aia(), AcquisitionFixture::suvi()});
 }
 
 } // namespace
@@ -58,39 +59,40 @@ private slots:
         QFETCH(QString, line);
         QFETCH(QString, statuses);
         for (const bool destroys : {true, false}) {
-            AcquisitionRoad road;
+            AcquisitionFixture fixture;
             const int operation = QStringList{"curl: getDataSources"_s, "curl: getJPX"_s,
                                               "curl: getClosestImage"_s, "curl: downloadImage"_s}
                                       .indexOf(waiting);
             if (operation > 0)
-                road.server.addFault({Operation(operation), FaultKind::Hang});
+                fixture.server.addFault({Operation(operation), FaultKind::Hang});
             replaceEncoder(true);
-            QVERIFY(road.controller->start(smallSession()));
-            QTRY_VERIFY(road.events.last() == waiting && !AcquisitionRoad::children().isEmpty());
-            const int before = road.logLines().size();
+            QVERIFY(fixture.controller->start(smallSession()));
+            QTRY_VERIFY(fixture.events.last() == waiting &&
+                        !AcquisitionFixture::children().isEmpty());
+            const int before = fixture.logLines().size();
             if (destroys)
-                road.controller.reset();
+                fixture.controller.reset();
             else
-                road.controller->stop();
-            QCOMPARE(AcquisitionRoad::children(), QString());
-            const QString session = road.output.path() + "/20240501_000000__20240501_000059"_s;
+                fixture.controller->stop();
+            QCOMPARE(AcquisitionFixture::children(), QString());
+            const QString session = fixture.output.path() + "/20240501_000000__20240501_000059"_s;
             const SessionCheck check = SessionCheck::of(session);
             QCOMPARE(check.faults + check.strays, QStringList());
             if (destroys) {
                 QVERIFY(check.descriptor.isEmpty());
-                QCOMPARE(road.logLines().size(), before); // not a word
+                QCOMPARE(fixture.logLines().size(), before); // not a word
                 continue;
             }
             QStringList lines = {"Stop requested by user."_s, line, "Session canceled."_s};
             lines.removeAll(QString());
-            QCOMPARE(QStringList(road.logLines().mid(before)), lines);
+            QCOMPARE(QStringList(fixture.logLines().mid(before)), lines);
             QCOMPARE(check.statuses, statuses);
             QCOMPARE(check.descriptor.value(QLatin1String("canceled")), true);
             QCOMPARE(check.descriptor.value(QLatin1String("sources")).toArray().size(), 2);
-            road.controller->stop(); // idle: nothing happens
+            fixture.controller->stop(); // idle: nothing happens
             QCoreApplication::processEvents();
-            QCOMPARE(road.events.last(), "[finished] canceled"_s);
-            QCOMPARE(road.count("[finished]"), 1);
+            QCOMPARE(fixture.events.last(), "[finished] canceled"_s);
+            QCOMPARE(fixture.count("[finished]"), 1);
         }
     }
 
@@ -98,25 +100,25 @@ private slots:
     {
         for (const auto &[annotated, destroys] :
              {std::pair(false, false), {false, true}, {true, false}, {true, true}}) {
-            AcquisitionRoad road;
-            const QString session = road.output.path() + "/20240501_000000__20240501_001000"_s;
+            AcquisitionFixture fixture;
+            const QString session = fixture.output.path() + "/20240501_000000__20240501_001000"_s;
             QString statusesBefore = "not ended"_s;
             const auto end = [&, destroying = destroys] {
                 statusesBefore = SessionCheck::of(session).statuses;
                 if (destroying)
-                    road.controller.reset();
+                    fixture.controller.reset();
                 else
-                    road.controller->stop();
+                    fixture.controller->stop();
             };
-            connect(road.controller->findChild<HelioviewerClient *>(),
+            connect(fixture.controller->findChild<HelioviewerClient *>(),
                     &HelioviewerClient::renderedImageDownloaded, this, [&, later = annotated] {
                         if (later) // timers of one length end in the order of their starts
                             QTimer::singleShot(0, this, end);
                         else
                             QMetaObject::invokeMethod(this, end, Qt::QueuedConnection);
                     });
-            QVERIFY(
-                road.controller->start(AcquisitionRoad::settings(600, {AcquisitionRoad::aia()})));
+            QVERIFY(fixture.controller->start(
+                AcquisitionFixture::settings(600, {AcquisitionFixture::aia()})));
             QTRY_COMPARE(statusesBefore, QString());
             const SessionCheck check = SessionCheck::of(session);
             QCOMPARE(check.faults + check.strays, QStringList());
@@ -129,7 +131,7 @@ private slots:
     /// Each session is the one after another that was stopped: nothing may be left of that.
     void stopFromInsideASlot()
     {
-        AcquisitionRoad road;
+        AcquisitionFixture fixture;
         replaceEncoder(false);
         AcquisitionSettings settings = smallSession();
         settings.keepFrames = false;
@@ -145,33 +147,34 @@ private slots:
             "[finished]"_s;
         const QStringList stages = events.split(QLatin1Char('|'));
         for (const QString &event : stages) {
-            road.server.clearFaults();
-            road.server.clearJournal(); // faults are numbered from here on
-            road.server.addFault({Operation::DownloadImage, FaultKind::TruncatedPng, 0, 1, 1});
-            road.server.addFault({Operation::GetClosestImage, FaultKind::StaleDate, 100000, 2, 1});
+            fixture.server.clearFaults();
+            fixture.server.clearJournal(); // faults are numbered from here on
+            fixture.server.addFault({Operation::DownloadImage, FaultKind::TruncatedPng, 0, 1, 1});
+            fixture.server.addFault(
+                {Operation::GetClosestImage, FaultKind::StaleDate, 100000, 2, 1});
             bool stopped = false;
-            road.onEvent = [&](const QString &noted) {
+            fixture.onEvent = [&](const QString &noted) {
                 if (!noted.startsWith(event) || std::exchange(stopped, true))
                     return;
-                tooLate = !road.controller->isRunning();
-                road.controller->stop();
-                road.controller->stop();
-                QVERIFY(!road.controller->isRunning());
+                tooLate = !fixture.controller->isRunning();
+                fixture.controller->stop();
+                fixture.controller->stop();
+                QVERIFY(!fixture.controller->isRunning());
             };
-            QVERIFY(road.run(settings));
+            QVERIFY(fixture.run(settings));
             QVERIFY2(stopped, qPrintable(event));
-            QCOMPARE(road.count("[finished]"), 1);
-            QCOMPARE(road.count("Stop requested by user."), tooLate ? 0 : 1);
-            QVERIFY2(road.events.last() == (tooLate ? QLatin1String("[finished] completed")
-                                                    : QLatin1String("[finished] canceled")),
+            QCOMPARE(fixture.count("[finished]"), 1);
+            QCOMPARE(fixture.count("Stop requested by user."), tooLate ? 0 : 1);
+            QVERIFY2(fixture.events.last() == (tooLate ? QLatin1String("[finished] completed")
+                                                       : QLatin1String("[finished] canceled")),
                      qPrintable(event));
-            const SessionCheck check = SessionCheck::of(road.sessionDirectory);
+            const SessionCheck check = SessionCheck::of(fixture.sessionDirectory);
             QCOMPARE(check.descriptor.value(QLatin1String("canceled")), !tooLate);
-            QCOMPARE(AcquisitionRoad::children(), QString());
+            QCOMPARE(AcquisitionFixture::children(), QString());
         }
-        road.onEvent = nullptr;
-        QVERIFY(road.run(settings));
-        QCOMPARE(SessionCheck::of(road.sessionDirectory).statuses, "OK OK"_s);
+        fixture.onEvent = nullptr;
+        QVERIFY(fixture.run(settings));
+        QCOMPARE(SessionCheck::of(fixture.sessionDirectory).statuses, "OK OK"_s);
     }
 };
 

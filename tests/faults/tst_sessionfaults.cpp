@@ -1,4 +1,4 @@
-#include "tests/acquisition/acquisitionroad.h"
+#include "tests/acquisition/acquisitionfixture.h"
 #include "tests/acquisition/sessioncheck.h"
 #include "tests/support/literals.h"
 
@@ -22,7 +22,7 @@ int runSession()
     QObject::connect(&controller, &AcquisitionController::finished, qApp, &QCoreApplication::quit,
                      Qt::QueuedConnection);
     const bool started = controller.start(
-        AcquisitionRoad::settings(180, {AcquisitionRoad::aia(), AcquisitionRoad::suvi()}));
+        AcquisitionFixture::settings(180, {AcquisitionFixture::aia(), AcquisitionFixture::suvi()}));
     return started ? QCoreApplication::exec() : 1;
 }
 
@@ -65,8 +65,8 @@ struct Scene
 
     QString folder() const { return session + "/SUVI_20240501_000000/"_s; }
 
-    AcquisitionRoad road;
-    AcquisitionSettings settings = AcquisitionRoad::settings(240, {AcquisitionRoad::suvi()});
+    AcquisitionFixture fixture;
+    AcquisitionSettings settings = AcquisitionFixture::settings(240, {AcquisitionFixture::suvi()});
     QString session;
 };
 
@@ -112,7 +112,7 @@ class TestSessionFaults final : public QObject
 
 private slots:
     void init() { TestFolder::clearKeys(); }
-    void cleanup() { QCOMPARE(AcquisitionRoad::children(), QString()); }
+    void cleanup() { QCOMPARE(AcquisitionFixture::children(), QString()); }
 
     void refusedStart()
     {
@@ -127,19 +127,19 @@ private slots:
               "1,0,60,full,,Cannot create manifest.csv."}) {
             const QStringList fields = QString::fromLatin1(row).split(QLatin1Char(','));
             TestFolder::clearKeys();
-            AcquisitionRoad road;
+            AcquisitionFixture fixture;
             TestFolder::setKey("paths/"_s + fields.at(3), fields.at(4));
-            AcquisitionSettings settings = AcquisitionRoad::settings(fields.at(1).toInt(), {});
-            settings.sources.fill(AcquisitionRoad::aia(), fields.at(0).toInt());
+            AcquisitionSettings settings = AcquisitionFixture::settings(fields.at(1).toInt(), {});
+            settings.sources.fill(AcquisitionFixture::aia(), fields.at(0).toInt());
             settings.cadenceSeconds = fields.at(2).toInt();
             TestFolder::leaveRoom(fields.at(3) == "full"_s ? 100 : -1);
             QString error;
-            const bool started = road.controller->start(settings, &error);
-            const bool again = road.controller->start(settings); // nobody asks why
+            const bool started = fixture.controller->start(settings, &error);
+            const bool again = fixture.controller->start(settings); // nobody asks why
             TestFolder::leaveRoom();
             QCOMPARE(error, fields.at(5));
-            QVERIFY(!started && !again && !road.controller->isRunning());
-            QCOMPARE(road.events, QStringList());
+            QVERIFY(!started && !again && !fixture.controller->isRunning());
+            QCOMPARE(fixture.events, QStringList());
         }
     }
 
@@ -169,7 +169,7 @@ private slots:
         const auto answer = [&](const char *name, Operation operation, FaultKind kind, int value,
                                 int count, const char *statuses, const char *line) {
             const Event happens = [=](Scene &scene) {
-                scene.road.server.addFault({operation, kind, value, 1, count});
+                scene.fixture.server.addFault({operation, kind, value, 1, count});
             };
             row(name, "Session: ", 1, happens, statuses, line, film);
         };
@@ -212,7 +212,7 @@ private slots:
             "FFMPEG ERROR for SUVI (exit code 0). Frames are preserved.",
             noFilm);
         // The machine.
-        const auto stopService = [](Scene &scene) { scene.road.server.stop(); };
+        const auto stopService = [](Scene &scene) { scene.fixture.server.stop(); };
         row("service down from the start", "Session: ", 1, stopService,
             "LOOKUP_ERROR LOOKUP_ERROR LOOKUP_ERROR", "curl: (7)", "No accepted frames for SUVI");
         const auto remove = [](Scene &scene) { QDir(scene.session).removeRecursively(); };
@@ -239,7 +239,7 @@ private slots:
         Scene scene;
         if (line == QLatin1String("curl: (28)"))
             TestFolder::setKey("network/maxTransferSeconds"_s, 1);
-        scene.road.onEvent = [&](const QString &event) {
+        scene.fixture.onEvent = [&](const QString &event) {
             if (event.startsWith(QLatin1String("Session: ")))
                 scene.session = event.mid(9);
             if (event.startsWith(when) && --occurrence == 0)
@@ -249,13 +249,13 @@ private slots:
                 scene.allIsWell();
         };
         scene.settings.keepFrames = film.startsWith(QLatin1Char('V')); // a failure keeps them
-        QVERIFY(scene.road.run(scene.settings));
+        QVERIFY(scene.fixture.run(scene.settings));
 
-        const QString log = scene.road.events.join(QLatin1Char('\n')); // "[mp4] ..." as well
+        const QString log = scene.fixture.events.join(QLatin1Char('\n')); // "[mp4] ..." as well
         QVERIFY2(log.contains(line) && log.contains(film), qPrintable(log));
-        QCOMPARE(scene.road.events.last(), "[finished] completed"_s);
-        QCOMPARE(scene.road.count("ERROR session.json"), 0); // also when its folder is gone
-        QCOMPARE(scene.road.count("Fast path"), 0);
+        QCOMPARE(scene.fixture.events.last(), "[finished] completed"_s);
+        QCOMPARE(scene.fixture.count("ERROR session.json"), 0); // also when its folder is gone
+        QCOMPARE(scene.fixture.count("Fast path"), 0);
         const SessionCheck check = SessionCheck::of(scene.session);
         QVERIFY(check.descriptor.isEmpty() != QFile::exists(scene.session));
         if (statuses.isEmpty())
@@ -268,23 +268,24 @@ private slots:
     {
         for (const int relief : {8, 0}) { // the request before which there is room again, if any
             Scene scene;
-            scene.road.server.addFault({Operation::GetClosestImage, FaultKind::Status, 400});
+            scene.fixture.server.addFault({Operation::GetClosestImage, FaultKind::Status, 400});
             scene.settings.cadenceSeconds = 20;
-            scene.settings.sources = {AcquisitionRoad::aia()};
+            scene.settings.sources = {AcquisitionFixture::aia()};
             int lookups = 0;
-            scene.road.onEvent = [&](const QString &event) {
+            scene.fixture.onEvent = [&](const QString &event) {
                 if (event == QLatin1String("curl: getClosestImage") &&
                     (++lookups == 2 || lookups == relief))
                     TestFolder::leaveRoom(lookups == 2 ? 400 : -1);
             };
-            QVERIFY(scene.road.run(scene.settings));
+            QVERIFY(scene.fixture.run(scene.settings));
             TestFolder::leaveRoom();
             const int whole = relief > 0 ? 1 : 0;
-            QCOMPARE(scene.road.count("ERROR manifest.csv cannot be written: File too large"), 1);
-            QCOMPARE(scene.road.count("manifest.csv is complete again;"), whole);
-            QCOMPARE(scene.road.count("ERROR manifest.csv: the last rows could"), 1 - whole);
-            QCOMPARE(scene.road.count("ERROR session.json"), 1 - whole);
-            const SessionCheck check = SessionCheck::of(scene.road.sessionDirectory);
+            QCOMPARE(scene.fixture.count("ERROR manifest.csv cannot be written: File too large"),
+                     1);
+            QCOMPARE(scene.fixture.count("manifest.csv is complete again;"), whole);
+            QCOMPARE(scene.fixture.count("ERROR manifest.csv: the last rows could"), 1 - whole);
+            QCOMPARE(scene.fixture.count("ERROR session.json"), 1 - whole);
+            const SessionCheck check = SessionCheck::of(scene.fixture.sessionDirectory);
             QCOMPARE(check.faults + check.strays, QStringList());
             QCOMPARE(check.rows, whole ? 13 : 2);
             QCOMPARE(check.descriptor.isEmpty(), whole == 0);
@@ -293,20 +294,20 @@ private slots:
 
     void oneFailedFilmKeepsAllFrames()
     {
-        AcquisitionRoad road;
+        AcquisitionFixture fixture;
         replaceProgram("ffmpeg"_s, {});
-        road.onEvent = [](const QString &event) {
+        fixture.onEvent = [](const QString &event) {
             if (event.startsWith("ffmpeg: "_s))
                 replaceProgram("ffmpeg"_s, event.contains("AIA"_s) ? "exit 3" : QByteArray());
         };
-        AcquisitionSettings settings =
-            AcquisitionRoad::settings(30, {AcquisitionRoad::aia(), AcquisitionRoad::suvi()});
+        AcquisitionSettings settings = AcquisitionFixture::settings(
+            30, {AcquisitionFixture::aia(), AcquisitionFixture::suvi()});
         settings.sources[1].nickname = "Aia 171"_s; // for some disks the same name
         settings.keepFrames = false;
-        QVERIFY(road.run(settings));
-        QCOMPARE(road.count("FFMPEG ERROR for AIA 171 (exit code 3). Frames are preserved."), 1);
-        QCOMPARE(road.count("Video completed: Aia 171"), 1);
-        const SessionCheck check = SessionCheck::of(road.sessionDirectory);
+        QVERIFY(fixture.run(settings));
+        QCOMPARE(fixture.count("FFMPEG ERROR for AIA 171 (exit code 3). Frames are preserved."), 1);
+        QCOMPARE(fixture.count("Video completed: Aia 171"), 1);
+        const SessionCheck check = SessionCheck::of(fixture.sessionDirectory);
         QCOMPARE(check.faults, QStringList());
         QCOMPARE(check.pictures, 4);
     }
@@ -330,7 +331,7 @@ private slots:
     {
         QFETCH(int, occurrence);
         const QByteArray beginning = QByteArray(QTest::currentDataTag()).split(',').first();
-        AcquisitionRoad road; // for its service and its output root
+        AcquisitionFixture fixture; // for its service and its output root
         QProcess session;
         session.start(QCoreApplication::applicationFilePath(), {"session"_s});
         int accepted = 0;
@@ -343,7 +344,7 @@ private slots:
         session.kill();
         QVERIFY(session.waitForFinished());
 
-        const QDir root(road.output.path());
+        const QDir root(fixture.output.path());
         const QStringList sessions = root.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
         QCOMPARE(sessions.size(), 1);
         const SessionCheck check = SessionCheck::of(root.filePath(sessions.first()));

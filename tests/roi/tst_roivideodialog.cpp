@@ -24,7 +24,7 @@
 
 #include <csignal>
 
-/// The road of a person: open, look, draw, adjust, save, reload, film.
+/// What a person does: open, look, draw, adjust, save, reload, film.
 class TestRoiVideoDialog final : public QObject
 {
     Q_OBJECT

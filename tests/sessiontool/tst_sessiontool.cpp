@@ -1,6 +1,6 @@
 #include "output/filmfile.h"
 #include "roi/roisession.h"
-#include "tests/acquisition/acquisitionroad.h"
+#include "tests/acquisition/acquisitionfixture.h"
 #include "tests/support/fakeprogram.h"
 
 #include <QDir>
@@ -14,7 +14,8 @@ namespace {
 
 AcquisitionSettings settings()
 {
-    return AcquisitionRoad::settings(180, {AcquisitionRoad::aia(), AcquisitionRoad::suvi()});
+    return AcquisitionFixture::settings(180,
+                                        {AcquisitionFixture::aia(), AcquisitionFixture::suvi()});
 }
 
 /// A run in this process, which is killed with its fifth frame.
@@ -68,7 +69,7 @@ private slots:
         QFile::remove(program);
         QVERIFY(QFile::copy(QStringLiteral(ORVIK_SESSION_PROGRAM), program));
         TestFolder::clearKeys();
-        m_road = std::make_unique<AcquisitionRoad>();
+        m_road = std::make_unique<AcquisitionFixture>();
         QVERIFY(m_road->run(settings()));
     }
     void cleanupTestCase() { m_road.reset(); }
@@ -151,7 +152,7 @@ private slots:
     }
 
 private:
-    std::unique_ptr<AcquisitionRoad> m_road; // holds a completed session
+    std::unique_ptr<AcquisitionFixture> m_road; // holds a completed session
 };
 
 int main(int argc, char *argv[])

@@ -1,7 +1,7 @@
 #include "imaging/frameannotation.h"
 #include "roi/roisession.h"
 #include "roi/roiset.h"
-#include "tests/acquisition/acquisitionroad.h"
+#include "tests/acquisition/acquisitionfixture.h"
 #include "tests/support/literals.h"
 #include "tests/ui/wholesession.h"
 #include "tests/ui/windowfixture.h"

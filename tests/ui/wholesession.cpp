@@ -1,7 +1,7 @@
 #include "tests/ui/wholesession.h"
 
 #include "imaging/frameannotation.h"
-#include "tests/acquisition/acquisitionroad.h"
+#include "tests/acquisition/acquisitionfixture.h"
 #include "tests/support/literals.h"
 
 #include <QImage>
@@ -15,7 +15,7 @@ namespace {
 ArchiveSource source(const DataSource &named, int spacingSeconds,
                      const char *start = "2010-06-02 00:00:00")
 {
-    ArchiveSource made = AcquisitionRoad::regular(named, start, spacingSeconds);
+    ArchiveSource made = AcquisitionFixture::regular(named, start, spacingSeconds);
     made.widthPx = 4096 - 32 * spacingSeconds / 10;
     made.heightPx = made.widthPx * 3 / 4;
     made.rsunPx = 600 + 3 * spacingSeconds;

@@ -1,4 +1,4 @@
-#include "tests/acquisition/acquisitionroad.h"
+#include "tests/acquisition/acquisitionfixture.h"
 
 #include "tests/support/literals.h"
 
@@ -11,8 +11,8 @@ using Controller = AcquisitionController;
 std::shared_ptr<const Simulator::Archive> archive()
 {
     return std::make_shared<const Simulator::Archive>(QVector<Simulator::ArchiveSource>{
-        AcquisitionRoad::regular(AcquisitionRoad::aia(), "2024-05-01 00:00:00", 60),
-        AcquisitionRoad::regular(AcquisitionRoad::suvi(), "2024-05-01 00:00:10", 120)});
+        AcquisitionFixture::regular(AcquisitionFixture::aia(), "2024-05-01 00:00:00", 60),
+        AcquisitionFixture::regular(AcquisitionFixture::suvi(), "2024-05-01 00:00:10", 120)});
 }
 
 QString withoutQuery(const QString &line)
@@ -71,7 +71,7 @@ void SessionEvents::note(const QString &event)
         onEvent(event);
 }
 
-AcquisitionRoad::AcquisitionRoad() : server(archive()), controller(new AcquisitionController)
+AcquisitionFixture::AcquisitionFixture() : server(archive()), controller(new AcquisitionController)
 {
     if (!server.start())
         qFatal("cannot start the service");
@@ -79,8 +79,8 @@ AcquisitionRoad::AcquisitionRoad() : server(archive()), controller(new Acquisiti
     listenTo(controller.get());
 }
 
-Simulator::ArchiveSource AcquisitionRoad::regular(const DataSource &source, const char *start,
-                                                  int spacingSeconds)
+Simulator::ArchiveSource AcquisitionFixture::regular(const DataSource &source, const char *start,
+                                                     int spacingSeconds)
 {
     Simulator::ArchiveSource made;
     made.path = source.path;
@@ -92,7 +92,7 @@ Simulator::ArchiveSource AcquisitionRoad::regular(const DataSource &source, cons
     return made;
 }
 
-AcquisitionSettings AcquisitionRoad::settings(int seconds, const QVector<DataSource> &sources)
+AcquisitionSettings AcquisitionFixture::settings(int seconds, const QVector<DataSource> &sources)
 {
     AcquisitionSettings settings;
     settings.startUtc = QDateTime(QDate(2024, 5, 1), QTime(0, 0), Qt::UTC);
@@ -102,7 +102,7 @@ AcquisitionSettings AcquisitionRoad::settings(int seconds, const QVector<DataSou
     return settings;
 }
 
-bool AcquisitionRoad::run(const AcquisitionSettings &settings)
+bool AcquisitionFixture::run(const AcquisitionSettings &settings)
 {
     constexpr int longestSessionMs = 60000;
     events.clear();
@@ -110,7 +110,7 @@ bool AcquisitionRoad::run(const AcquisitionSettings &settings)
     return controller->start(settings) && (!finished.isEmpty() || finished.wait(longestSessionMs));
 }
 
-QString AcquisitionRoad::children()
+QString AcquisitionFixture::children()
 {
     QFile file("/proc/self/task/%1/children"_s.arg(QCoreApplication::applicationPid()));
     return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll())

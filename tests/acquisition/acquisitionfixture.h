@@ -36,10 +36,10 @@ private:
 
 /// A service that has an image of aia() at every full minute and of suvi() every two minutes from
 /// second 10 on, and a controller that talks to it through the real curl.
-class AcquisitionRoad final : public SessionEvents
+class AcquisitionFixture final : public SessionEvents
 {
 public:
-    AcquisitionRoad();
+    AcquisitionFixture();
 
     static DataSource aia() { return {10, "AIA 171"_s, "SDO/AIA/171"_s}; }
     static DataSource suvi() { return {2003, "GOES-R SUVI 195"_s, "GOES/SUVI/195"_s}; }
