@@ -100,10 +100,10 @@ void AcquisitionController::stop()
     const int session = m_session;
     completeFrame();
     if (!isSession(session) || m_stage == Stage::Stopping)
-        return; // by a slot of the frame's signals
+        return; // a slot connected to the frame's signals stopped it
     enterStage(Stage::Stopping);
     if (report(AcquisitionLog::stopRequested()))
-        cancelChildren(); // the last signals of the killed arrive here and may end the session
+        cancelChildren(); // delivers the children's last signals, which may end the session
     if (isSession(session))
         finish(true);
 }
@@ -145,7 +145,7 @@ void AcquisitionController::takeNextStep()
 {
     switch (m_stage) {
     case Stage::Idle:
-    case Stage::Preflight: // goes by itself
+    case Stage::Preflight: // driven by the probes
         break;
     case Stage::Acquiring:
         takeFrameStep();
@@ -203,7 +203,7 @@ bool AcquisitionController::announceSession(int probes)
 void AcquisitionController::buildPlan()
 {
     if (m_stage != Stage::Preflight)
-        return; // a stop is on its way
+        return; // stop() is running
     enterStage(Stage::Acquiring);
     QVector<RequestSchedule> schedules;
     const QVector<DataSource> sources = m_settings.sources; // a slot may start another session
@@ -285,7 +285,7 @@ void AcquisitionController::onClientError(const QString &operation, const QStrin
     if (!isRunning() || !m_lookup)
         return;
     discardFrame();
-    if (!m_lookup->actualUtc.isValid()) // no verdict has read it
+    if (!m_lookup->actualUtc.isValid()) // the image was never judged
         m_lookup->toleranceSeconds = SourceTiming::toleranceSeconds(m_lookup->request, m_settings);
     m_lookup->answer = QJsonObject();
     closeRequest(operation == OperationNames::downloadImage() ? FrameStatus::DownloadError
@@ -311,7 +311,7 @@ void AcquisitionController::closeRequest(FrameStatus status, const QString &line
         advance();
 }
 
-/// Trouble with the ledger is told when it begins and when it is over, not for every row.
+/// Reports when the manifest can no longer be written and when it can again, not for every row.
 bool AcquisitionController::appendRow(const ManifestRow &row)
 {
     QString reason;
@@ -353,7 +353,7 @@ void AcquisitionController::onImageDownloaded(int sourceId, const QDateTime &req
     if (!isCurrent(sourceId, requestedUtc))
         return;
     m_pictureFile.clear();
-    m_picture = QImage(); // that of the frame before: two need not be held at once
+    m_picture = QImage(); // frees the previous frame before this one is decoded
     m_picture = FrameDecoder::decode(file);
     if (m_picture.isNull()) {
         downloadAgain();
@@ -426,7 +426,7 @@ bool AcquisitionController::replaceVideoFrame(const QString &reason, bool *hasVi
                                  : AcquisitionLog::videoFrameFailed(frame.request, reason));
 }
 
-/// Takes the steps that a decoded frame still has to go: what is downloaded is not to be lost.
+/// Takes the remaining steps of a decoded frame, so that its download is not lost.
 void AcquisitionController::completeFrame()
 {
     while (m_stage == Stage::Acquiring && m_frameStep != FrameStep::Lookup)
@@ -452,7 +452,7 @@ void AcquisitionController::acceptFrame(bool hasVideoFrame)
         advance();
 }
 
-/// Removes what there is of a frame that is not in the manifest: half a file must not look whole.
+/// Removes the files of a frame that is not in the manifest: half a file must not look complete.
 void AcquisitionController::discardFrame()
 {
     if (!m_lookup || m_lookup->frameFile.isEmpty())
@@ -475,7 +475,7 @@ void AcquisitionController::beginEncoding()
         encodeNext();
 }
 
-/// Sums a datasource up and queues its film; one with a gap in its frames would be cut short.
+/// Summarizes a datasource and queues its film, unless a missing frame would cut it short.
 bool AcquisitionController::concludeSource(const DataSource &source)
 {
     const SourceTally tally = m_tally.value(source.sourceId);
@@ -517,7 +517,7 @@ void AcquisitionController::onFfmpegFinished(const FilmOutcome &outcome)
         closeFilm();
 }
 
-/// The encoder could not be started, so that there is no exit code.
+/// The encoder could not be started, so there is no exit code.
 void AcquisitionController::onFfmpegError(const QString &reason)
 {
     m_films.noteFailure();
@@ -530,7 +530,7 @@ void AcquisitionController::onFfmpegReadyRead(const QString &text)
     emit logMessage(text);
 }
 
-/// Logs a failed film; with exit code 0 a line before says why it failed.
+/// Logs a failed film; if the exit code was 0, a line before it says why.
 void AcquisitionController::failFilm(const FilmOutcome &outcome)
 {
     const DataSource source = m_films.current();
@@ -549,7 +549,7 @@ void AcquisitionController::closeFilm()
         m_nextStep.start();
 }
 
-/// Frames go only when they are not to be kept and every film is whole.
+/// Removes the frames only if they are not to be kept and every film is complete.
 void AcquisitionController::finishEncoding()
 {
     if (!m_settings.keepFrames && m_films.allSucceeded()) {
@@ -570,8 +570,8 @@ void AcquisitionController::cancelChildren()
     m_ffmpeg.cancel();
 }
 
-/// False when the disk did not take the descriptor. When not even a save file can be opened, the
-/// user removed the folder; that is not reported.
+/// Returns false when the descriptor could not be written. When not even a save file can be
+/// opened, the user removed the folder; that is not reported.
 bool AcquisitionController::writeDescriptor(bool canceled) const
 {
     return JsonFile::save(QDir(m_sessionDirectory).filePath(SessionFiles::descriptor()),
@@ -580,7 +580,7 @@ bool AcquisitionController::writeDescriptor(bool canceled) const
            JsonFile::SaveResult::CannotCommit;
 }
 
-/// All that belongs to the session is settled before the first signal: a slot may start the next.
+/// Completes the session before it sends the first signal, because a slot may start the next one.
 void AcquisitionController::finish(bool canceled)
 {
     if (!isRunning())
@@ -614,10 +614,10 @@ qint64 AcquisitionController::totalSteps() const
 }
 
 /**
- * Emits @p signal in the midst of a step.
+ * Emits @p signal during a step.
  *
- * @return whether the step is to go on: false when a slot has stopped the session over it, and
- *         maybe started another
+ * @return false when a connected slot ended the session, and perhaps started another one; the
+ *         caller then returns
  */
 template<typename Signal, typename... Values>
 bool AcquisitionController::send(Signal signal, const Values &...values)

@@ -20,20 +20,18 @@ class HelioviewerClient;
 /**
  * Runs one acquisition at a time, from settings to finished films.
  *
- * A session goes through its stages by the signals of its child processes: curl for the cadence
- * probes, the lookups and the downloads, ffmpeg for the films. Each step that follows another is
- * taken from the event loop and never from inside the slot of the step before: a request that
- * fails at once must not call itself, a QProcess cannot be started again from its own
- * errorOccurred, and windows answer between the steps: to decode a frame, to search and annotate
- * it, and to write its copy take a step each. The one exception is a download, which starts in the
- * slot that brought its lookup, or a picture that does not decode: there the client is idle again
- * and may be asked, and one that fails at once only closes its request, from which the next is a
- * step of its own.
+ * The signals of the child processes drive a session through its stages: curl for the cadence
+ * probes, the lookups and the downloads, ffmpeg for the films. Each step starts from the event
+ * loop, never from the slot that ended the step before: a request that fails at once would recurse,
+ * a QProcess cannot be restarted from its own errorOccurred, and windows must stay responsive.
+ * Decoding a frame, annotating it and writing its copy are one step each. The one exception is a
+ * download: it starts in the slot that received its lookup, or a picture that did not decode. The
+ * client is idle by then, and a download that fails at once only closes its request.
  *
  * Slots connected to the signals may call stop() at any time, and start() as soon as isRunning()
- * tells false. A stop, and destruction, first complete a frame that is downloaded and decoded.
- * Destruction otherwise ends a session without a word: children are killed, the manifest stays, no
- * descriptor is written.
+ * returns false. stop() and the destructor first complete a frame that is downloaded and decoded.
+ * The destructor then ends the session without a signal: it kills the children, keeps the manifest
+ * and writes no descriptor.
  */
 class AcquisitionController final : public QObject
 {
@@ -54,19 +52,19 @@ public:
     /// Ends the running session as canceled before it returns; all files written so far stay.
     void stop();
 
-    /// The picture in @p imageFile, when it is that of the last previewReady and the next frame is
-    /// not decoded yet; else null, and the file is to be read.
+    /// The picture in @p imageFile if the last previewReady named that file and the next frame is
+    /// not decoded yet; otherwise null, and the caller reads the file.
     QImage pictureInHand(const QString &imageFile) const;
 
 signals:
     /// A line for the log.
     void logMessage(const QString &text);
-    /// After every probe, request and film; counts anew from 0 when the plan is ready.
+    /// After every probe, request and film; starts again at 0 when the plan is ready.
     void progressChanged(int value, int maximum);
     /// At each change of stage and for every probe and lookup.
     void stateChanged(const QString &text);
     /// Once per datasource when the plan is built; @p uniqueFrames is -1 for one that is sampled
-    /// without a probe, and all are 0 when the probe failed.
+    /// without a probe; all numbers are 0 when the probe failed.
     void sourceTimingAnalyzed(int sourceId, int uniqueFrames, int medianSeconds, int minSeconds,
                               int maxSeconds);
     /// After every accepted frame; @p imageFile is the annotated copy where there is one.
@@ -144,7 +142,7 @@ private:
     void finish(bool canceled);
     qint64 totalSteps() const;
 
-    /// Whether the session that a step began in is still the one that runs.
+    /// Whether @p session, in which a step began, is still the current one.
     bool isSession(int session) const { return m_session == session; }
     template<typename Signal, typename... Values>
     bool send(Signal signal, const Values &...values);
@@ -160,7 +158,7 @@ private:
     AcquisitionSettings m_settings;
     QString m_sessionDirectory;
     ManifestWriter m_manifest;
-    bool m_manifestWaits = false; // rows could not be written yet, and the user knows
+    bool m_manifestWaits = false; // rows wait to be written; the user has been told
     SessionTally m_tally;
 
     CadenceProbes m_probes;

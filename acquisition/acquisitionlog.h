@@ -13,9 +13,9 @@ struct ProbeWindow;
 struct SourceTally;
 
 /**
- * Every text that the engine writes for people.
+ * Every text of the engine that users read.
  *
- * The first word of a log line is its class in the log view.
+ * The log view colours a line by its first words.
  */
 namespace AcquisitionLog {
 
@@ -87,7 +87,7 @@ QString noAcceptedFrames(const DataSource &source);
 QString videoSkipped(const DataSource &source, int acceptedFrames, int videoFrames);
 QString encoding(const DataSource &source, const QString &film);
 QString encoderNotStarted(const DataSource &source, const QString &reason);
-/// @p reason is what is wrong with the film of an encoder that ended without an error.
+/// The encoder ended without an error, but its film is incomplete; @p reason says how.
 QString filmNotWhole(const DataSource &source, const QString &reason);
 QString encodingFailed(const DataSource &source, int exitCode);
 QString videoCompleted(const DataSource &source);

@@ -23,9 +23,9 @@ struct RequestSchedule
 /**
  * All requests of a session, interleaved by time; those of the same instant by ascending sourceId.
  *
- * A plan is walked, not stored: the next request is the earliest among the heads of the schedules.
- * Ten years at one second thus take no more memory than an hour does, and a small program starts
- * its curl children faster.
+ * Requests are computed one by one, not stored: the next one is the earliest among the heads of the
+ * schedules. Ten years at one second need no more memory than an hour, and a program that uses
+ * little memory starts its curl children faster.
  */
 class AcquisitionPlan final
 {

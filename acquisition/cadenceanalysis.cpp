@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Spacings between neighbours, ascending; those that an int cannot hold tell nothing.
+/// Spacings between neighbours, ascending; those that do not fit into an int are left out.
 QVector<int> sortedSpacings(const QVector<qint64> &frameSeconds)
 {
     QVector<int> spacings;

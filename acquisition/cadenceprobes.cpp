@@ -97,7 +97,7 @@ void CadenceProbes::onPreflightError(const QString &operation, const QString &me
         fail(window->source.sourceId, AcquisitionLog::probeFailed(window->source, message));
 }
 
-/// The window of the client whose signal is being handled; nothing when it is of no concern now.
+/// The window of the client whose signal is being handled; nothing when it no longer matters.
 std::optional<ProbeWindow> CadenceProbes::release()
 {
     if (!m_active)

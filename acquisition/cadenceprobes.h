@@ -10,10 +10,10 @@
 class HelioviewerClient;
 
 /**
- * The cadence probes of one session: short looks into the archive, several at a time.
+ * The cadence probes of one session: short frame indexes of the archive, several at a time.
  *
- * Slots connected to the signals may call cancel() and start() at any time. Destruction kills what
- * runs, without a word.
+ * Slots connected to the signals may call cancel() and start() at any time. The destructor kills
+ * running probes without sending a signal.
  */
 class CadenceProbes final : public QObject
 {
@@ -22,12 +22,12 @@ class CadenceProbes final : public QObject
 public:
     explicit CadenceProbes(QObject *parent = nullptr);
 
-    /// Begins anew with @p windows; without any, done() comes before this returns.
+    /// Starts over with @p windows; if there are none, done() is sent before this returns.
     void start(const QVector<ProbeWindow> &windows, int cadenceSeconds);
-    /// Kills what runs; no signal follows.
+    /// Kills the running probes; no signal follows.
     void cancel();
 
-    /// What came back for a datasource: ascending, unique seconds since the epoch.
+    /// The frame times received for a datasource: ascending, unique seconds since the epoch.
     QVector<qint64> frameSeconds(int sourceId) const { return m_queue.frameSeconds(sourceId); }
 
 signals:
@@ -35,7 +35,7 @@ signals:
     void logMessage(const QString &text);
     /// For every probe, as it is sent.
     void stateChanged(const QString &text);
-    /// The archive's frame times of a datasource are there.
+    /// The frame times of a datasource have arrived.
     void answered(int sourceId, int uniqueFrames);
     /// A datasource has no usable answer; its log line follows.
     void failed(int sourceId);

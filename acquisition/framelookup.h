@@ -7,15 +7,15 @@
 #include <QJsonObject>
 #include <QString>
 
-/// A request in flight and what came back of it so far.
+/// A request in flight and what is known of its image so far.
 struct FrameLookup
 {
     FrameRequest request;
     QDateTime actualUtc;      ///< invalid until the service has named an image
     qint64 imageId = -1;      ///< as above
     QJsonObject answer;       ///< as above
-    int toleranceSeconds = 0; ///< in force for this request: read once, for verdict and row
-    QString frameFile;        ///< where the image is downloaded to; empty until it is to be
+    int toleranceSeconds = 0; ///< that applies to this request; read once for verdict and row
+    QString frameFile;        ///< where the image is downloaded to; empty until accepted
     QString videoFrameFile;   ///< where its annotated copy is written; as above
     int decodeRetries = 0;
 

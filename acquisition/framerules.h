@@ -16,9 +16,9 @@ constexpr int maxDecodeRetries = 2;
 qint64 deltaSeconds(const QDateTime &requestedUtc, const QDateTime &actualUtc);
 
 /**
- * An image may be off by exactly the tolerance, and is taken once per datasource.
+ * An image may be off by exactly the tolerance, and is accepted only once per datasource.
  *
- * One that is too far off and was taken before counts as too far off only.
+ * An image that is too far off is RejectedTime, even if it was accepted before.
  */
 FrameVerdict judge(qint64 deltaSeconds, int toleranceSeconds, qint64 imageId,
                    const QSet<qint64> &acceptedIds);

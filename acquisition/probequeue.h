@@ -8,7 +8,7 @@
 
 #include <optional>
 
-/// The stretch of the archive by which one datasource's cadence is measured.
+/// The part of the archive in which the cadence of one datasource is measured.
 struct ProbeWindow
 {
     DataSource source;
@@ -20,7 +20,7 @@ struct ProbeWindow
 };
 
 /**
- * Which cadence probes are still to be sent, who works on which, and what came back.
+ * The cadence probes that are still to be sent, those in flight, and the frame times received.
  *
  * Workers are numbers; an answer is identified by its worker, never by the order of arrival.
  */
@@ -40,7 +40,7 @@ public:
 
     /// Hands the next window to an idle worker; there is one while hasNext().
     ProbeWindow take(int worker);
-    /// Frees a worker and gives its window back; nothing when the worker was idle.
+    /// Frees a worker and returns its window; nothing when the worker was idle.
     std::optional<ProbeWindow> release(int worker);
     /// Counts a window whose answer has been dealt with.
     void complete() { ++m_completed; }

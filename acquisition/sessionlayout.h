@@ -12,7 +12,7 @@ class QDateTime;
 struct AcquisitionSettings;
 struct DataSource;
 
-/// Where a session keeps what it has of one datasource.
+/// Where a session keeps the files of one datasource.
 struct SourceFolder
 {
     QString name;      ///< also the base name of its film
@@ -31,9 +31,9 @@ struct SessionFolders
 namespace SessionLayout {
 
 /**
- * Creates the directories of a session under @p outputRoot, and that one where it is missing.
+ * Creates the directories of a session under @p outputRoot, and that one if it is missing.
  *
- * Folders of datasources that cannot be created show when their first frame arrives.
+ * A datasource's folder that cannot be created is noticed when its first frame arrives.
  *
  * @return nothing when there can be no session; @p errorText, which may be null, then says why
  */
@@ -43,8 +43,8 @@ std::optional<SessionFolders> create(const QString &outputRoot, const Acquisitio
 /**
  * Creates a session's own directory, named after its interval, under @p outputRoot.
  *
- * A name that is taken gets "_2", "_3" and so on. The directory itself is the claim: of two
- * programs that start at the same moment only one can create it, the other goes on to the next.
+ * A name that is taken gets "_2", "_3" and so on. Creating the directory claims the name: of two
+ * programs that start at the same moment only one succeeds, and the other tries the next name.
  *
  * @return absolute path, or nothing when no directory can be created there
  */

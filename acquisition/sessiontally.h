@@ -12,7 +12,7 @@
 struct AcquisitionSettings;
 struct SessionRecord;
 
-/// What a session knows of one datasource.
+/// What a session has recorded about one datasource.
 struct SourceTally
 {
     SourceFolder folder;
@@ -22,11 +22,11 @@ struct SourceTally
     int timestampedVideoFrames = 0;
     int duplicateRequests = 0;
     int rejectedTimeRequests = 0;
-    QSet<qint64> acceptedIds; ///< images taken, so that none is taken twice
+    QSet<qint64> acceptedIds; ///< accepted images; none is accepted twice
 
     /// Counts a request that brought no frame.
     void count(FrameStatus status);
-    /// Counts a frame; its image is not taken again.
+    /// Counts a frame; its image is not accepted again.
     void countAccepted(qint64 imageId, bool hasVideoFrame);
 };
 

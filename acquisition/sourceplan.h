@@ -5,7 +5,7 @@
 
 enum class PreflightMode;
 
-/// How one datasource is sampled, and what is said about it.
+/// How one datasource is sampled, and the log line that says so.
 struct SourcePlan
 {
     RequestSchedule schedule;
@@ -18,8 +18,8 @@ namespace SourcePlanning {
 /**
  * The plan of one datasource.
  *
- * @param frameSeconds  what its probe found: ascending, unique seconds since the epoch; looked at
- *                      only where @p mode is a quick probe
+ * @param frameSeconds  what its probe found: ascending, unique seconds since the epoch; used only
+ *                      if @p mode is QuickProbe
  */
 SourcePlan plan(const DataSource &source, PreflightMode mode, const QVector<qint64> &frameSeconds,
                 const AcquisitionSettings &settings);

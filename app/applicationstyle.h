@@ -3,10 +3,10 @@
 #include <QProxyStyle>
 
 /**
- * Fusion, with what it draws too dark for a dark palette made visible: the outline of a tick box,
- * and the frame of a list, a text or a picture that has the focus.
+ * Fusion, corrected for a dark palette: it draws the outline of check boxes and the focus frame of
+ * lists, texts and pictures bright enough to be seen.
  *
- * It also leaves disabled entries of a menu grey, where Fusion prints them in white as well.
+ * It also keeps disabled menu entries grey; Fusion draws them white.
  */
 class ApplicationStyle final : public QProxyStyle
 {

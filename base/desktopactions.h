@@ -22,7 +22,7 @@ void openFolder(const QString &path);
 /// Opens the help page beside the program in the system's browser.
 void showHelp(QWidget *parent);
 
-/// A modal warning that shows @p text as it is, whatever a service put into it.
+/// A modal warning that shows @p text literally, even if a service put markup into it.
 void warn(QWidget *parent, const QString &title, const QString &text);
 
 } // namespace DesktopActions

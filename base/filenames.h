@@ -5,14 +5,14 @@
 class QDateTime;
 
 /**
- * Names of files and folders made from texts that people or the service wrote.
+ * Names of files and folders, made from texts of the user or the service.
  *
- * File systems refuse names of more than 255 bytes. What is longer with all that is appended to it
- * is shortened; other names stay as they are.
+ * File systems refuse names of more than 255 bytes. A name that would be longer, with everything
+ * that is appended to it, is shortened; other names are kept.
  */
 namespace FileNames {
 
-/// Bytes in the longest name that the usual file systems take.
+/// The longest name that common file systems accept, in bytes.
 constexpr int maxNameBytes = 255;
 
 /**

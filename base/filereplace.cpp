@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Only as wide text does a name reach Windows whole: its 8-bit one has the letters of one script.
+/// Windows' 8-bit code page cannot hold every name.
 std::filesystem::path systemPath(const QString &path)
 {
 #ifdef Q_OS_WIN

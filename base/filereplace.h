@@ -2,16 +2,16 @@
 
 class QString;
 
-/// Files that take the place of others.
+/// Replaces a file in one step.
 namespace FileReplace {
 
 /**
- * Gives the file @p by the name @p path, under which there may be another one.
+ * Renames the file @p by to @p path, replacing any file of that name.
  *
- * Both are in one folder. Whoever opens @p path meanwhile gets the old file or the new one, both
- * whole. A link there is replaced itself, wherever it leads; a folder is not.
+ * Both are in one folder. A program that opens @p path meanwhile gets the old file or the new one,
+ * never a part of one. A link is replaced itself, not its target; a folder is not replaced.
  *
- * @return false when the system refuses; then both are as before
+ * @return false when the system refuses; both are then unchanged
  */
 bool replace(const QString &path, const QString &by);
 

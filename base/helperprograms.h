@@ -1,13 +1,13 @@
 #pragma once
 
-/// The programs that transfer and that encode, where a folder was unpacked without them.
+/// Finds curl and ffmpeg for a folder that was unpacked without them.
 namespace HelperPrograms {
 
 /**
- * Links bin/curl and bin/ffmpeg to what the search path has, where they are missing.
+ * Creates bin/curl and bin/ffmpeg, if missing, as links to the programs found in PATH.
  *
- * Only a program that sys/orvik.ini looks for there is linked, and whatever already bears the name,
- * be it a link that leads nowhere, stays. On systems other than Linux it does nothing.
+ * Links a program only if sys/orvik.ini expects it there. Whatever already has the name stays, even
+ * a dangling link. Does nothing on systems other than Linux.
  */
 void linkMissing();
 

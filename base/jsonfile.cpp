@@ -15,7 +15,7 @@ constexpr qint64 maxBytes = 64 << 20;
 constexpr int maxValues = 10'000'000;  // of sixteen bytes
 constexpr int maxContainers = 100'000; // of some hundred bytes, and often each an item in a window
 
-/// Without a look at the signs, in texts for instance, while there cannot be too many.
+/// Counts signs inside texts, too, and not at all when @p json is too short to have too many.
 bool isTooMuch(const QByteArray &json, char sign, int limit)
 {
     return json.size() > limit && json.count(sign) > limit;

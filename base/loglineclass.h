@@ -5,7 +5,7 @@
 
 #include <optional>
 
-/// What kind of message a log line is, told from its words.
+/// The kind of message that a log line is, recognised by its words.
 namespace LogLineClass {
 
 enum class LineClass { Plain, Info, Success, Warning, Error };
@@ -18,10 +18,10 @@ enum class LineClass { Plain, Info, Success, Warning, Error };
  */
 LineClass classify(const QString &text);
 
-/// The colour of a class on a dark ground; none for a plain line, which has that of any text.
+/// The colour of a class on a dark background; none for a plain line, which has the text colour.
 std::optional<QRgb> colour(LineClass lineClass);
 
-/// Whether lines of a class are set in bold type: those that want attention.
+/// Whether lines of a class are bold: warnings and errors are.
 bool isBold(LineClass lineClass);
 
 } // namespace LogLineClass

@@ -5,7 +5,7 @@
 class QString;
 
 /**
- * Message boxes that show their text as it is: names and paths in it might look like HTML.
+ * Message boxes that show their text literally: names and paths in it might look like HTML.
  *
  * Text taller than half the screen scrolls, so that the buttons stay visible: the output of an
  * encoder runs to a hundred lines.

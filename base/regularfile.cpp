@@ -7,7 +7,7 @@
 
 bool RegularFile::open(QFile &file)
 {
-    // The other kinds are told before they are opened: to open a pipe is to wait for its writer.
+    // Other kinds are recognised without opening them: opening a pipe waits for its writer.
     return (QFileInfo(file).isFile() || !file.exists()) && file.open(QIODevice::ReadOnly);
 }
 

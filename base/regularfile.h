@@ -8,13 +8,13 @@
 class QFile;
 
 /**
- * Files that others may have put in place, read without trusting them.
+ * Reads files that may have been put there by others, without trusting them.
  *
- * A named pipe or a device would be waited for without end, or never end itself.
+ * Opening a named pipe could block for ever, and reading a device might never end.
  */
 namespace RegularFile {
 
-/// Opens @p file for reading unless it is anything but a regular file; links are followed.
+/// Opens @p file for reading if it is a regular file; links are followed.
 bool open(QFile &file);
 
 /**

@@ -77,7 +77,7 @@ QVariant read(Key key)
 
 QString readText(Key key)
 {
-    // A comma that nobody quoted makes a list of the value; its writer meant one text.
+    // An unquoted comma turns the value into a list, but one text was meant.
     return read(key).toStringList().join(QStringLiteral(", "));
 }
 

@@ -31,18 +31,18 @@ QString outputRoot();   ///< "paths/output", resolved
 QString catalogPath();  ///< "paths/catalog", resolved
 QString caBundlePath(); ///< "network/caBundle", resolved
 
-// Handed to curl as they stand; it refuses every request when one is negative.
-int connectTimeoutSeconds(); ///< until the connection stands; 0: curl's own 300
+// Passed to curl unchanged; it refuses every request when one is negative.
+int connectTimeoutSeconds(); ///< until connected; 0: curl's default of 300
 int maxTransferSeconds();    ///< of each attempt, connecting included; 0: no limit
 
-bool allowInsecureFallback();    ///< to go on unverified once a certificate has failed
+bool allowInsecureFallback();    ///< to continue unverified after a certificate failure
 int preflightParallelRequests(); ///< 1 to 6
 int preflightProbeSeconds();     ///< 300 to 86400
 int aiaMaxTimeErrorSeconds();    ///< at least 0
 int suviMaxTimeErrorSeconds();   ///< at least 0
 
 /**
- * A key that the user may have written by hand beside the thirteen of the program, such as
+ * A key that the user may have added to the thirteen of the program, such as
  * "acquisition/cadenceSeconds"; an invalid variant when it is absent.
  */
 QVariant preset(const QString &key);

@@ -6,7 +6,7 @@
 namespace TextTable {
 
 /**
- * Rows of cells as lines of equal columns, the first row underlined as their heading.
+ * Rows of cells as lines of aligned columns, with the first row underlined as the heading.
  *
  * The first column is aligned to the left, all others, which hold numbers, to the right.
  */

@@ -10,7 +10,7 @@ const QString &storedPattern()
     return pattern;
 }
 
-/// QDateTime itself would use the digits of the system's language, which no reader would know.
+/// QDateTime itself would use the digits of the system's language, which no parser expects.
 QString inPlainDigits(const QDateTime &time, const QString &pattern)
 {
     return QLocale::c().toString(time.toUTC(), pattern);

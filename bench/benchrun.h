@@ -7,7 +7,7 @@
 
 #include <optional>
 
-/// What both programs are asked for: --base URL --out DIR --frames N --width W.
+/// The arguments of two of the programs: --base URL --out DIR --frames N --width W.
 struct BenchRun
 {
     QString baseUrl;
@@ -16,7 +16,7 @@ struct BenchRun
     int widthPx = 0;
     QStringList switches; ///< any other argument, as it stands
 
-    /// Nothing, after a word on standard error, when one of the four is missing or no number.
+    /// Nothing, and a message on standard error, when one of the four is missing or not a number.
     static std::optional<BenchRun> fromArguments(const QStringList &arguments);
 
     /// One session of AIA 171 at a minute's cadence with all annotations and without a film.

@@ -9,10 +9,10 @@
 class AcquisitionController;
 
 /**
- * Tells from outside what an acquisition spends its time on.
+ * Measures from outside what an acquisition spends its time on.
  *
- * The engine is not changed for it: the starts and ends of its curl children and the times at
- * which it hands something to the window divide the run.
+ * The engine is not changed for it: the run is divided by the starts and ends of its curl children
+ * and by the times at which it passes something to the window.
  */
 class StageWatch final : public QObject
 {
@@ -21,13 +21,13 @@ class StageWatch final : public QObject
 public:
     explicit StageWatch(AcquisitionController &controller);
 
-    /// Everything between these two is the window's, not the engine's.
+    /// The time between these two calls counts for the window, not for the engine.
     void enterWindow();
     void leaveWindow();
 
     /// Milliseconds per frame by stage.
     QJsonObject stagesMs(int frames) const;
-    /// The longest time for which the event loop did not come round.
+    /// The longest time for which the event loop was blocked.
     double largestStallMs() const;
 
 private:

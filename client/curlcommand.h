@@ -5,8 +5,8 @@
 /**
  * What all curl command lines have in common, and the switch to unverified HTTPS.
  *
- * The switch belongs to the run, not to one client: once a certificate has failed, it will fail
- * for every further request, and asking again each time would double all of them.
+ * The switch applies to the whole run, not to one client: once a certificate has failed, it fails
+ * for every request, and trying each one with the check first would double their number.
  */
 namespace CurlCommand {
 

@@ -219,7 +219,7 @@ void HelioviewerClient::launch(const QString &program, const QStringList &argume
 /// True when the request was restarted without certificate check; it is then still in flight.
 bool HelioviewerClient::retryInsecurely(int exitCode)
 {
-    // While cancel() waits for a child that has ended already, nobody would stop its successor.
+    // While cancel() waits for a child that has already ended, nothing would stop its successor.
     if (exitCode != CurlCommand::certificateFailureExitCode || m_insecureRetried || m_canceling ||
         !RuntimeConfig::allowInsecureFallback())
         return false;
@@ -243,7 +243,7 @@ void HelioviewerClient::readOutput()
     m_stderrBuffer += m_process->readAllStandardError();
 }
 
-/// Takes what curl prints as it comes: QProcess would keep all of it until curl ends.
+/// Reads curl's output as it arrives: QProcess would buffer all of it until curl ends.
 void HelioviewerClient::endOversizedAnswer()
 {
     if (!m_endReason.isEmpty()) {
@@ -276,14 +276,14 @@ QString HelioviewerClient::errorOutput() const
     return QString::fromLocal8Bit(m_stderrBuffer).trimmed();
 }
 
-/// A half file must not be taken for a whole one by whoever lists the folder later.
+/// A partial file must not be mistaken for a complete one by whoever lists the folder later.
 void HelioviewerClient::removePartialDownload() const
 {
     if (m_operation == Operation::DownloadImage && !m_request.outputFile.isEmpty())
         QFile::remove(m_request.outputFile);
 }
 
-/// Tells what onProcessError noted; nothing when that is told or cancelled already.
+/// Reports what onProcessError noted; nothing if that was already reported or cancelled.
 void HelioviewerClient::reportProcessError()
 {
     if (m_operation != Operation::None && m_errorReported)

@@ -17,7 +17,7 @@
  * of the result or of the error the next request may be made at once, except during cancel().
  *
  * A download that does not end in renderedImageDownloaded leaves no file behind. An answer of more
- * than 64 MB, or a download of more than 1 GB, ends in requestError as soon as it has grown so far.
+ * than 64 MB, or a download of more than 1 GB, ends in requestError as soon as it exceeds that.
  * Destroying a busy client kills its request without any signal.
  */
 class HelioviewerClient final : public QObject
@@ -44,9 +44,9 @@ public:
     /**
      * Kills the request in flight and waits up to a second for its end; idle afterwards.
      *
-     * The request still ends in its one signal, emitted while this runs, unless its child had not
-     * been started yet or does not die in that second; a request made from a slot of it is
-     * refused as busy.
+     * The request still ends in its one signal, emitted before this returns, unless its child had
+     * not been started yet or survives that second. A request made from a slot connected to that
+     * signal is refused as busy.
      */
     void cancel();
 
@@ -55,7 +55,7 @@ signals:
     void logMessage(const QString &text);
     /// The catalog as the service nests it.
     void catalogReceived(const QJsonObject &catalog);
-    /// The frame times in the order given; @p message is a remark of the service, mostly empty.
+    /// The frame times in the order given; @p message is a remark of the service, usually empty.
     void frameIndexReceived(int sourceId, const QDateTime &startUtc, const QDateTime &endUtc,
                             const QVector<QDateTime> &framesUtc, const QString &message);
     /// An image was found, however far from the time asked for; @p metadata is the whole answer.
@@ -81,7 +81,7 @@ private:
         DownloadImage = 4,
     };
 
-    /// What the answer repeats, so that a caller can tell which request it belongs to.
+    /// Repeated in the result, so that a caller can tell which request it belongs to.
     struct Request
     {
         int sourceId = -1;
@@ -121,7 +121,7 @@ private:
     QStringList m_lastArguments;
     Request m_request;
     QString m_processError; // what m_errorReported noted, until it is reported
-    QString m_endReason;    // why this request was killed from here, until its child has ended
+    QString m_endReason;    // why this client killed the request; kept until its child has ended
     QTimer m_downloadWatch; // runs during a download
     bool m_canceling = false;
 };

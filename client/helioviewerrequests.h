@@ -7,8 +7,8 @@ class QDateTime;
 /**
  * The URLs of the four requests, fully percent-encoded.
  *
- * @p apiBase is without trailing slash. The service demands times in UTC with a final "Z" and
- * ignores parameters that it does not know.
+ * @p apiBase is without trailing slash. The service requires times in UTC with a final "Z" and
+ * ignores unknown parameters.
  */
 namespace HelioviewerRequests {
 

@@ -2,8 +2,8 @@
 
 option(ORVIK_WERROR "Treat compiler warnings as errors" OFF)
 option(ORVIK_BENCH "Build the benchmarks" OFF)
-option(ORVIK_FUZZ "Build the programs that search for inputs that readers stumble over (clang)" OFF)
-option(ORVIK_LINT "Let clazy and clang-tidy read every file that clang++ compiles" OFF)
+option(ORVIK_FUZZ "Build the fuzzers of the parsers (clang)" OFF)
+option(ORVIK_LINT "Run clazy and clang-tidy on every file that clang++ compiles" OFF)
 set(ORVIK_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
 
 set(CMAKE_CXX_STANDARD 17)

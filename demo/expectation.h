@@ -25,10 +25,10 @@ struct RequestCounts
 };
 
 /**
- * What a session must come to, told from the archive itself.
+ * The result that a session must have, computed from the archive itself.
  *
- * Works out from the times at which the archive has pictures, and shares no code with the engine:
- * it is there to find the engine wrong.
+ * Uses only the times at which the archive has pictures and shares no code with the engine, so that
+ * it can find errors of the engine.
  */
 namespace Expectation {
 

@@ -16,7 +16,7 @@ struct Film
 namespace FilmProbe {
 
 /**
- * Has ffprobe decode a whole film and tell what it found.
+ * Decodes a whole film with ffprobe and returns what it found.
  *
  * @return nothing when the film is missing or a single frame does not decode; @p errorText, which
  *         may be null, then says why

@@ -2,7 +2,7 @@
 
 #include "session/acquisitionsettings.h"
 
-/// The archive on the network, asked as a guest does: one thing at a time, with a pause.
+/// The public archive, used sparingly: one request at a time, with a pause.
 namespace PublicArchive {
 
 /// Three frames each of AIA 171 and SUVI 195.

@@ -22,14 +22,14 @@ struct SourceAudit
 };
 
 /**
- * Looks at a finished session's files as a stranger would, and says what is wrong with them.
+ * Checks the files of a finished session, independently of the engine, and reports what is wrong.
  */
 namespace SessionAudit {
 
-/// How the requests of each datasource ended, by sourceId, as manifest.csv tells it.
+/// How the requests of each datasource ended, by sourceId, according to manifest.csv.
 QHash<int, RequestCounts> ledgerCounts(const QString &manifestFile);
 
-/// One record for each datasource of the session; @p expected is what each must come to.
+/// One record for each datasource of the session; @p expected is the result that each must have.
 QVector<SourceAudit> audit(const QString &sessionDirectory, const AcquisitionSettings &settings,
                            const QVector<RequestCounts> &expected);
 

@@ -6,7 +6,7 @@
 /**
  * The log and, below it, one line of progress.
  *
- * Colours and the progress line are for people: into a file or a pipe go the plain log lines alone.
+ * Colours and the progress line are for people: a file or a pipe gets only the plain log lines.
  */
 class Terminal final
 {
@@ -15,12 +15,12 @@ public:
 
     /// A line of the session's log, coloured by its class.
     void logLine(const QString &text);
-    /// A line of our own.
+    /// A line that is not part of the log.
     void print(const QString &text);
 
     void setState(const QString &text);
     void setProgress(int value, int maximum);
-    /// Takes the progress line away.
+    /// Removes the progress line.
     void endProgress();
 
 private:

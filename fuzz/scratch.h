@@ -8,7 +8,7 @@
 
 class QJsonObject;
 
-/// What the programs of this folder share, an application object without a screen included.
+/// What the programs of this folder share, including an application object without a screen.
 namespace Scratch {
 
 QByteArray bytes(const uint8_t *data, std::size_t size);
@@ -19,7 +19,7 @@ QString path(const QString &name);
 /// Writes a file into that folder; its path.
 QString write(const QString &name, const QByteArray &content);
 
-/// Ends the program, and with it the search, when what always holds does not.
+/// Ends the program, and with it the search, unless @p holds.
 void require(bool holds, const char *what);
 
 } // namespace Scratch

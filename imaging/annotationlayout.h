@@ -6,7 +6,7 @@
 
 #include <functional>
 
-/// Where the annotations of a frame lie: whole pixels of the frame, from values alone.
+/// Positions of the annotations of a frame in whole pixels, computed from sizes alone.
 namespace AnnotationLayout {
 
 /// The sizes that follow from the width of the frame, in pixels.
@@ -21,7 +21,7 @@ struct Measures
     int linePx;
 };
 
-/// Fixed shares of @p frameWidth in pixels, but never less than can still be read.
+/// Fixed shares of @p frameWidth in pixels, but never too small to read.
 Measures measuresFor(int frameWidth);
 
 /**

@@ -27,8 +27,8 @@ constexpr int smallestCellPx = 64;
 constexpr int largestCellPx = 256;
 
 constexpr int samplesPerCellSide = 32; // bounds the work, however large the picture
-constexpr int blankPerMille = 998;     // of the samples: a stray bright pixel or two hide no block
-constexpr int filledPercent = 75;      // of a group's box: three cells of four are still a block
+constexpr int blankPerMille = 998;     // of the samples: a stray bright pixel does not hide a block
+constexpr int filledPercent = 75;      // of a group's bounding box: three of four cells suffice
 
 /// The solar disk in pixels of the rendered image.
 struct Disk
@@ -112,13 +112,13 @@ bool isSearched(const QRect &cell, const Grid &grid, const Disk &disk)
            isInside(disk, cell.bottomLeft()) && isInside(disk, cell.bottomRight());
 }
 
-/// Transparent, or black, each but for the last bit.
+/// Transparent or black, ignoring the last bit of each channel.
 bool isBlank(QRgb pixel)
 {
     return (pixel & 0xfe000000U) == 0 || (pixel & 0x00fefefeU) == 0;
 }
 
-/// True when all samples of @p cell are blank but for a few in a thousand.
+/// True when all samples of @p cell but a few in a thousand are blank.
 bool isBlankCell(const QImage &image, const QRect &cell)
 {
     const QRgb opaque = image.hasAlphaChannel() ? 0U : 0xff000000U; // RGB32 stores anything there

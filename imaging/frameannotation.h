@@ -27,12 +27,12 @@ namespace FrameAnnotation {
 /**
  * The annotated copy of a decoded frame, always with its time stamp; null for a null image.
  *
- * H.264 films have even sides: an odd one gets another column at the right or row at the bottom,
- * which repeats the edge. Annotations lie as in the frame itself.
+ * The copy has even sides, as H.264 requires: for an odd side the last column or row is repeated.
+ * Annotations keep their positions.
  *
- * Takes the image by value: a caller that moves its own in spares a copy of the whole frame.
+ * Takes the image by value: a caller that moves it in saves a copy of the whole frame.
  *
- * @param metadata  closest-image answer that tells the scale; without it there is no bar
+ * @param metadata  closest-image answer with the scale; without it there is no bar
  */
 QImage timestampedCopy(QImage image, const QDateTime &actualUtc, const QString &sourceLabel,
                        const QJsonObject &metadata, bool drawSource, bool drawScale);
@@ -44,7 +44,7 @@ QImage timestampedCopy(QImage image, const QDateTime &actualUtc, const QString &
  * @param errorText   may be null; set on failure only: "cannot decode downloaded PNG" for a null
  *                    image, "cannot create timestamped frame directory" or "cannot save
  *                    timestamped PNG"
- * @return            false when there is no new file; one that was there before is as it was
+ * @return            false when the file could not be written; an existing one is unchanged
  */
 bool save(const QImage &copy, const QString &outputPath, QString *errorText = nullptr);
 

@@ -14,7 +14,7 @@ constexpr qint64 maxPixels = 100'000'000;
 constexpr qint64 maxBytes = 500'000'000;
 constexpr int decodedBytesPerPixel = 4;
 
-/// Bytes for each pixel until it has its final form; another one is converted beside it.
+/// Bytes per pixel during decoding; formats other than the final one need a converted copy as well.
 int neededBytesPerPixel(QImage::Format stored)
 {
     const int storedBytes = (QImage::toPixelFormat(stored).bitsPerPixel() + 7) / 8;

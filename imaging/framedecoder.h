@@ -4,24 +4,24 @@ class QImage;
 class QSize;
 class QString;
 
-/// The one way in which stored and downloaded pictures are read.
+/// Decodes stored and downloaded pictures; nothing else does.
 namespace FrameDecoder {
 
 /**
  * The PNG in @p file in 8 bits per channel: ARGB32 when the file has an alpha channel, else RGB32.
  *
- * Only PNG, told by its content and not by its name: other formats name files to load or sizes to
- * allocate. Its size is asked before its pixels are read.
+ * Accepts only PNG, recognised by its content, not its name: other formats can name further files
+ * to load or huge sizes to allocate. The size is checked before the pixels are read.
  *
- * @return a null image when the file is none, or ends before the picture does (the service has been
- *         seen to send half a PNG, or a web page, as a whole answer), when a side exceeds 16384
- *         pixels or the picture 100 million, or when decoding it would take 500 MB, as one of 16
- *         bits per channel does from 40 million pixels on
+ * @return a null image when the file is not a PNG or is cut off (the service has been seen to send
+ *         half a PNG, or a web page, as a complete answer), when a side exceeds 16384 pixels or the
+ *         picture 100 million, or when decoding would take more than 500 MB, as it does for 16 bits
+ *         per channel from 42 million pixels on
  */
 QImage decode(const QString &file);
 
-/// The size that decode() would give in pixels, from the beginning of @p file; empty when it would
-/// refuse it.
+/// The size in pixels of what decode() would return, read from the header of @p file; empty if
+/// decode() would refuse it.
 QSize size(const QString &file);
 
 } // namespace FrameDecoder

@@ -14,10 +14,10 @@ class QImage;
 namespace PngRows {
 
 /**
- * What a row stores in place of its bytes; the values are those of the file format.
+ * The row filters in use; the values are those of the file format.
  *
- * The format's other two won on none of the Suns measured: what is smooth packs best as Up, what is
- * grainy as Average, and the few colours of a colour table as they are.
+ * The format's other two were never the smallest on the pictures measured: smooth pictures pack
+ * best with Up, grainy ones with Average, and those of a colour table unfiltered.
  */
 enum class Filter : uchar {
     None = 0,    ///< the bytes themselves

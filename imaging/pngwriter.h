@@ -3,17 +3,17 @@
 class QImage;
 class QString;
 
-/// A PNG writer for frames: as lossless as any other, many times faster.
+/// A PNG writer for frames, many times faster than Qt's.
 namespace PngWriter {
 
 /**
- * Saves @p image at @p path as an 8-bit, non-interlaced PNG that replaces the file only when whole.
+ * Saves @p image as an 8-bit, non-interlaced PNG; @p path is replaced only once it is complete.
  *
- * Stored as RGB, or as RGBA when any pixel is not opaque, each pixel of a 32-bit format exactly;
- * other formats are converted first, so that 16 bits per channel become 8. Texts and colour
- * profiles of the image are not stored.
+ * The image is stored as RGB, or as RGBA if any pixel is not opaque. Pixels of a 32-bit format are
+ * stored exactly; other formats are converted first, so that 16 bits per channel become 8. Texts
+ * and colour profiles of the image are not stored.
  *
- * @return false when the image is null or the file cannot be written; then @p path is as before
+ * @return false when the image is null or the file cannot be written; @p path is then unchanged
  */
 bool save(const QImage &image, const QString &path);
 

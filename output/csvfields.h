@@ -7,7 +7,7 @@
 /**
  * The fields of one line of comma-separated text, without their quotes.
  *
- * One object serves many lines: it keeps its memory, so that a line costs no allocation.
+ * Reuse one object for many lines: it keeps its memory, so a line costs no allocation.
  */
 class CsvFields final
 {

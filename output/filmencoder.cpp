@@ -39,7 +39,7 @@ void FilmEncoder::start(const FilmOrder &order)
     m_process = new QProcess(this);
     m_process->setWorkingDirectory(order.folder);
     m_process->setProcessChannelMode(QProcess::MergedChannels);
-    m_process->setStandardInputFile(QProcess::nullDevice()); // ffmpeg takes keys from its input
+    m_process->setStandardInputFile(QProcess::nullDevice()); // ffmpeg would read keys from it
     connect(m_process, &QProcess::started, &m_startLimit, &QTimer::stop);
     connect(m_process, &QProcess::readyRead, this, &FilmEncoder::onReadyRead);
     connect(m_process, &QProcess::errorOccurred, this, &FilmEncoder::onProcessError);

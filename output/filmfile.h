@@ -22,8 +22,8 @@ struct Content
  * An MP4 is a sequence of boxes, each with its length in front (ISO/IEC 14496-12, 4.2). The one
  * called "moov", which ffmpeg writes last, holds the tables that a player needs.
  *
- * @return nothing when the file is no MP4, has more than 10,000 boxes, is no regular file or cannot
- *         be opened
+ * @return nothing when the file is not an MP4, has more than 10,000 boxes, is not a regular file
+ *         or cannot be opened
  */
 std::optional<Content> read(const QString &path);
 

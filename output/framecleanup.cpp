@@ -25,7 +25,7 @@ void FrameCleanup::removeFrames(const QString &sourceDirectory)
     removeFramesIn(source);
     const QString videoFrames = source.filePath(SessionFiles::videoFramesFolder());
     if (QFileInfo(videoFrames).isSymLink())
-        return; // not the folder that the session made: what it points to is not ours
+        return; // a link is not the folder that the session made: its target is left alone
     removeFramesIn(QDir(videoFrames));
     source.rmdir(SessionFiles::videoFramesFolder()); // only when nothing else is left in it
 }

@@ -11,7 +11,7 @@ bool isWhole(const QString &path);
 /**
  * How many of the frames 0 to @p count - 1 in @p folder are PNG files with a beginning and an end.
  *
- * An encoder ends with 0 over the frames up to the first that is missing or cut off.
+ * An encoder stops before the first one that is missing or cut off, and still exits with 0.
  */
 int countWhole(const QString &folder, int count);
 

@@ -2,7 +2,7 @@
 
 #include <array>
 
-/// The columns of manifest.csv, written here once for those who write and those who read it.
+/// The columns of manifest.csv, defined once for writing and reading.
 namespace ManifestColumns {
 
 /// In the order in which they are written.
@@ -47,7 +47,7 @@ constexpr std::array<Geometry, 7> geometry = {{
     {SourceWidth, "width", true},
     {SourceHeight, "height", true},
     {RSun, "rsun", true},
-    {RefPixelX, "refPixelX", false}, // the centre of the disk may lie outside of the image
+    {RefPixelX, "refPixelX", false}, // the centre of the disk may lie outside the image
     {RefPixelY, "refPixelY", false},
 }};
 

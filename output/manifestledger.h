@@ -6,10 +6,10 @@
 #include <optional>
 
 /**
- * The outcomes of all requests, accepted or not, one row of a manifest at a time.
+ * Reads the outcomes of all requests, accepted or not, from a manifest, one row at a time.
  *
- * Rows that no session writes are left out and counted: those of a source id that is no number or
- * negative, or of none of the six statuses.
+ * Invalid rows are skipped and counted: those whose source id is negative or not a number, or whose
+ * status is none of the six.
  */
 class ManifestLedger final
 {
@@ -20,15 +20,15 @@ public:
     /**
      * The next outcome; nothing at the end.
      *
-     * A time that is missing or unreadable is invalid, a number 0, the image id of a row without
-     * one below 1. The metadata is left empty.
+     * Where the row has no readable value, a time is invalid, a number 0 and an image id below 1.
+     * The metadata is left empty.
      */
     std::optional<ManifestRow> next();
 
     qint64 lineNumber() const { return m_table.lineNumber(); } ///< of the row that next() gave
     qint64 damagedRows() const { return m_damagedRows; }       ///< left out so far
     qint64 firstDamagedLine() const { return m_firstDamagedLine; }
-    /// Sentences on what of the file could not be read, once next() has come to the end.
+    /// Sentences about what could not be read; complete once next() has reached the end.
     QStringList remarks() const;
 
 private:

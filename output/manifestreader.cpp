@@ -12,7 +12,7 @@ namespace {
 /// 0 for anything but a finite number, which JSON could not hold either.
 double toNumber(const QStringRef &text)
 {
-    const double number = text.toDouble(); // 0 for what is no number
+    const double number = text.toDouble(); // 0 for what is not a number
     return std::isfinite(number) ? number : 0.0;
 }
 
@@ -53,7 +53,8 @@ void FrameList::append(const ManifestTable &table)
                      m_metadata});
 }
 
-/// Replaces values in place. When keys come or go the object is rebuilt: it would never shrink.
+/// Replaces values in place. When keys change, rebuilds the object: QJsonObject never frees removed
+/// keys.
 void FrameList::updateMetadata(const ManifestTable &table)
 {
     bool sameKeys = true;

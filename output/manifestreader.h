@@ -32,11 +32,11 @@ namespace ManifestReader {
  * Columns are found by their names; a column that is missing reads as empty, and so does a field
  * that a damaged line lacks. The metadata holds those of "scale", "scaleCorrection", "width",
  * "height" and "rsun" that are greater than 0, and always "refPixelX" and "refPixelY", which are 0
- * when unknown. A source id that is no number reads as 0. Time is linear in the size of the file.
+ * when unknown. A source id that is not a number reads as 0. Takes time linear in the file size.
  * Reading stops at a line of more than 1 MB, which no manifest has.
  *
- * @return nothing when the file is empty, no regular file or cannot be opened; @p errorText, which
- *         may be null, then says why
+ * @return nothing when the file is empty, not a regular file or cannot be opened; @p errorText,
+ *         which may be null, then says why
  */
 std::optional<ManifestFrames> read(const QString &manifestPath, QString *errorText = nullptr);
 

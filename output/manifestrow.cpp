@@ -14,7 +14,7 @@ QString metadataText(const QJsonValue &value)
 {
     if (value.isDouble())
         return QString::number(value.toDouble(), 'g', metadataDigits);
-    return value.toString(); // empty for what is no text
+    return value.toString(); // empty for what is not a text
 }
 
 } // namespace

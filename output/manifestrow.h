@@ -38,7 +38,7 @@ QString toText(FrameStatus status);
 /// The status of a stored word; nothing for any other.
 std::optional<FrameStatus> frameStatus(const QStringRef &word);
 
-/// The row as it stands in manifest.csv, its line feed included.
+/// The row as written to manifest.csv, including its line feed.
 QString toLine(const ManifestRow &row);
 
 } // namespace ManifestRows

@@ -21,7 +21,7 @@ public:
     /**
      * Opens @p manifestPath and reads its header.
      *
-     * @return false when the file is empty, no regular file or cannot be opened; @p errorText,
+     * @return false when the file is empty, not a regular file or cannot be opened; @p errorText,
      *         which may be null, then says why
      */
     bool open(const QString &manifestPath, QString *errorText = nullptr);
@@ -35,7 +35,7 @@ public:
         return m_fields.at(m_positions[column]);
     }
     qint64 lineNumber() const { return m_lineNumber; } ///< in the file, from 1
-    /// Whether the file ends in the midst of it, as a full disk or a power failure leaves it.
+    /// Whether the file ends within it, as after a full disk or a power failure.
     bool isCutOff() const;
 
     /// A sentence about the line that is too long; empty when there was none.
@@ -49,7 +49,7 @@ private:
     QTextStream m_stream;
     QString m_line;
     qint64 m_lineNumber = 0;
-    bool m_endsWithLine = true; // the file's last line is a whole one
+    bool m_endsWithLine = true; // the file's last line is complete
     CsvFields m_fields;
     int m_headerFields = 0;
     std::array<int, ManifestColumns::Count> m_positions{}; // -1: the file has no such column

@@ -71,12 +71,12 @@ bool ManifestWriter::writeWaiting(QString *errorText)
     return true;
 }
 
-/// Writes @p line, or else cuts off again what the disk took of it.
+/// Writes @p line completely, or else truncates the file to what it was.
 bool ManifestWriter::writeWhole(const QByteArray &line, QString *errorText)
 {
     qint64 done = 0;
     while (done < line.size()) {
-        // Only a disk with no room takes a line in pieces; the next write then tells the reason.
+        // Only a full disk accepts part of a line; the next write then gives the reason.
         const qint64 taken = m_file.write(line.constData() + done, line.size() - done);
         if (taken <= 0) {
             if (errorText)

@@ -9,12 +9,12 @@
 struct ManifestRow;
 
 /**
- * The ledger of a session: one whole row on disk for each outcome, as soon as it is known.
+ * Writes the ledger of a session: one complete row for each outcome, as soon as it is known.
  *
- * A row reaches the system in one write, so that the file ends with a whole row when the program
- * dies; only a kill within that very call can cut one, where it crosses a memory page. On Windows,
- * where line ends are translated, it takes two: the row, then its CR LF; a kill between them costs
- * the last row its line end, without which it is read all the same. Text is stored in the encoding
+ * A row is passed to the system in one write, so that the file ends with a complete row when the
+ * program dies; only a kill during that call can cut one, where it crosses a memory page. On
+ * Windows, where line ends are translated, it takes two writes: the row, then its CR LF. A kill
+ * between them loses only the line end; the row can still be read. Text is stored in the encoding
  * of the locale.
  */
 class ManifestWriter final
@@ -24,13 +24,14 @@ public:
     bool create(const QString &sessionDirectory);
     bool isOpen() const { return m_file.isOpen(); }
     /**
-     * Appends a row and hands it to the system. A row that the disk has no room for is kept and
-     * written, whole and in its place, with a later one. Does nothing while the file is not open.
+     * Appends a row and passes it to the system. A row that does not fit on the disk is kept in
+     * memory and written, complete and in order, with a later one. Does nothing while the file is
+     * not open.
      *
      * @return false when rows are waiting; @p errorText, which may be null, then says why
      */
     bool append(const ManifestRow &row, QString *errorText = nullptr);
-    /// Tries waiting rows once more and closes the file; false when rows are lost.
+    /// Tries once more to write waiting rows and closes the file; false when rows are lost.
     bool close();
 
 private:

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int formatVersion = 1;
 
-/// What never differs from session to session, told for whoever finds the folder years later.
+/// What is the same in every session, recorded for whoever finds the folder years later.
 QJsonObject conventions()
 {
     return {

@@ -2,7 +2,7 @@
 
 #include <QLatin1String>
 
-/// The keys of session.json that are read back, written here once for those who write and read it.
+/// The keys of session.json that are read back, defined once for writing and reading.
 namespace SessionKeys {
 
 template<int Size>
@@ -20,7 +20,7 @@ constexpr QLatin1String createVideos = key("createVideos");
 constexpr QLatin1String sourceOverlay = key("sourceOverlay");
 constexpr QLatin1String scaleOverlay = key("scaleOverlay");
 constexpr QLatin1String canceled = key("canceled");
-constexpr QLatin1String recovered = key("recovered"); // only in one written from the manifest
+constexpr QLatin1String recovered = key("recovered"); // only if it was written from the manifest
 constexpr QLatin1String sources = key("sources");
 
 // Of each datasource.

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Follows the film's whole name. Nobody gives a file such a name by hand.
+/// Appended to the film's whole name; unlikely to be used by hand.
 const QString &asideSuffix()
 {
     static const QString suffix = QStringLiteral(".orvik-earlier");

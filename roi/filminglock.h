@@ -7,7 +7,7 @@
  * Keeps two windows from making films of one session at the same time.
  *
  * Both would write to the same temporary folders. The lock is released when this object is
- * destroyed; that of a program that was killed is void.
+ * destroyed; the lock of a killed program is ignored.
  */
 class FilmingLock final
 {

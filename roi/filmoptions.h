@@ -10,7 +10,7 @@ namespace Ui {
 class FilmOptions;
 }
 
-/// How films shall be encoded and annotated, and of which datasources they are made.
+/// How films are encoded and annotated, and of which datasources they are made.
 class FilmOptions final : public QGroupBox
 {
     Q_OBJECT
@@ -25,7 +25,7 @@ public:
     /// Puts all choices but the datasources into @p plan.
     void fill(RoiVideoPlan &plan) const;
 
-    /// Presets what a session has stored.
+    /// Sets the choices that a session has stored.
     void preset(const StoredSession &session);
     void showScaleLine(const QString &text);
     /// Shows a warning that the chosen datasources differ; hidden when empty.

@@ -8,9 +8,9 @@
 /**
  * The part of a session that films are made of.
  *
- * It is kept by the times of the frames, so that it is the same for all datasources. Frames without
- * a time are part of it while it is all; a datasource that has no times at all has a part of its
- * own, by position.
+ * It is stored as times, so that it is the same for all datasources. Frames without a time belong
+ * to it only while it leaves nothing out; a datasource whose frames have no times at all has an
+ * interval of its own, by position.
  */
 struct FrameInterval
 {
@@ -19,7 +19,7 @@ struct FrameInterval
     QHash<int, QPair<int, int>> positions; ///< first and last frame, by the row of the datasource
 };
 
-/// What an interval makes of the frames of one datasource, given by its row in the session.
+/// Applies an interval to the frames of one datasource, given by its row in the session.
 namespace FrameIntervals {
 
 /// Whether any of the frames has a time.
@@ -31,14 +31,14 @@ bool isAll(const FrameInterval &interval);
 /// The frames of the datasource that are in the interval, by their positions.
 QVector<int> kept(const FrameInterval &interval, const QVector<RoiSourceFrame> &frames, int row);
 
-/// The datasource with no other frames than these.
+/// The datasource with only these frames.
 RoiSource cut(const FrameInterval &interval, const RoiSource &source, int row);
 
-/// @p interval beginning with a frame; an end that lies before it is given up.
+/// @p interval changed to begin with a frame; an end before that is dropped.
 FrameInterval beginningAt(FrameInterval interval, const QVector<RoiSourceFrame> &frames, int row,
                           int index);
 
-/// @p interval ending with a frame; a beginning that lies after it is given up.
+/// @p interval changed to end with a frame; a beginning after that is dropped.
 FrameInterval endingAt(FrameInterval interval, const QVector<RoiSourceFrame> &frames, int row,
                        int index);
 

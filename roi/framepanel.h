@@ -18,8 +18,8 @@ class FramePanel;
 /**
  * The frames of one datasource, one at a time: the canvas and the slider that walks through them.
  *
- * Each frame is decoded in a turn of the event loop of its own; of several that are asked for
- * meanwhile, only the newest.
+ * Each frame is decoded in its own turn of the event loop; of several that are requested meanwhile,
+ * only the latest is decoded.
  */
 class FramePanel final : public QWidget
 {
@@ -48,7 +48,7 @@ public:
     void setRate(int fps) { m_player.setRate(fps); }
     /// Shows a text about the size of the current region; empty when nothing is known.
     void showRegionSize(const QString &text);
-    /// Lets the next drag draw a region; without a frame it only says so.
+    /// Makes the next drag draw a region; without a frame it only shows a message.
     void startDrawing();
     void focusSlider();
 
@@ -61,7 +61,7 @@ public slots:
 signals:
     /// Another frame is shown, or none.
     void frameChanged();
-    /// Films shall be made of other frames.
+    /// The frames that films are made of have changed.
     void intervalChanged();
     /// A sentence for the status line; empty when the last one no longer holds.
     void statusChanged(const QString &text);

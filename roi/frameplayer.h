@@ -15,7 +15,7 @@ public:
     bool isPlaying() const { return m_ticking.isActive(); }
     /// Plays the frames after @p first up to @p last.
     void play(int first, int last);
-    /// Takes over the rate of the film; also while playing.
+    /// Sets the rate of the film, also while playing.
     void setRate(int fps);
 
 public slots:

@@ -2,7 +2,7 @@
 
 #include <QStyledItemDelegate>
 
-/// The field in which a name is edited in its place in the list.
+/// The field that edits a name in the list.
 class NameEditor final : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -12,7 +12,7 @@ public:
 
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;
-    /// Takes over what was typed; a name that nobody touched stays as long as it is.
+    /// Stores a name that was edited; an unchanged one is kept, even if it exceeds the limit.
     void setModelData(QWidget *editor, QAbstractItemModel *model,
                       const QModelIndex &index) const override;
 };

@@ -21,17 +21,17 @@ struct RegionState
 class RegionHistory final
 {
 public:
-    /// @p show is called with the state that shall be seen, by each step, undo and redo.
+    /// @p show is called with the state to be shown, by each step, undo and redo.
     explicit RegionHistory(std::function<void(const RegionState &)> show);
 
     QUndoStack &stack() { return m_stack; }
 
-    /// Takes a step, named @p text, that leaves the list as @p after.
+    /// Adds a step, named @p text, that leaves the list as @p after.
     void take(const QString &text, const RegionState &before, const RegionState &after);
     /**
-     * Takes a step that is part of a longer one while the same @p field is typed or spun in.
+     * Adds a step that is merged with the one before while the same @p field is being changed.
      *
-     * A series of them that ends where it began is no step at all.
+     * A series that ends where it began leaves no step.
      */
     void takeTyped(const QString &text, const RegionState &before, const RegionState &after,
                    int field);

@@ -20,7 +20,7 @@ struct RegionGrip
     enum class Kind { None, Name, Side };
 
     Kind kind = Kind::None;
-    RegionShape::Sides sides; ///< that a drag takes along
+    RegionShape::Sides sides; ///< that a drag moves
 };
 
 /// Names and handles of regions, in pixels of the view, whatever the zoom.
@@ -33,10 +33,10 @@ QString nameOf(int number, const QString &name, bool enabled);
 QVector<QRectF> handles(const QRectF &outline);
 
 /**
- * Where a name of that size stands: above the top left corner, or within the outline where there is
+ * Where a name of that size is drawn: above the top left corner, or within the outline if there is
  * no room above.
  *
- * Stays in sight as long as any part of the outline is; empty otherwise.
+ * Stays in view as long as any part of the outline does; empty otherwise.
  */
 QRectF nameBox(const QRectF &outline, const QSizeF &size, const QRectF &sight);
 

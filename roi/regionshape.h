@@ -14,7 +14,7 @@
  */
 namespace RegionShape {
 
-/// The sides that a drag takes along, each as -1 (left, top), 0 (none) or 1 (right, bottom).
+/// The sides that a drag moves, each as -1 (left, top), 0 (none) or 1 (right, bottom).
 struct Sides
 {
     int x = 0;
@@ -27,16 +27,17 @@ double proportionAt(int choice);
 /**
  * The rectangle that a drag @p from one point @p to another draws inside the frame.
  *
- * A free one takes every fraction of a pixel; one with a proportion has even sides, unless it is
- * below two pixels and therefore none yet.
+ * A free one keeps fractions of a pixel; one with a proportion has even sides, unless it is smaller
+ * than two pixels and thus too small for a region.
  */
 QRectF spanned(const QPointF &from, const QPointF &to, const QSize &frame, double proportion);
 
 /**
  * @p start with some sides dragged @p by that many pixels; the others stay where they are.
  *
- * Even, at least 2 x 2 and inside the frame. With a proportion a corner takes the longer way of the
- * mouse, and one side grows the region to both sides across.
+ * The result has even sides, is at least 2 x 2 and lies inside the frame. With a proportion, a
+ * corner follows the longer movement of the mouse, and dragging one side also changes the two sides
+ * next to it, by equal amounts.
  */
 QRect resized(const QRect &start, Sides sides, const QPointF &by, const QSize &frame,
               double proportion);

@@ -9,12 +9,11 @@
 class QLabel;
 
 /**
- * The frame that is looked at as the film of the current region will show it.
+ * The current frame, as the film of the current region will show it.
  *
- * The picture is made by the function that makes the film's own, from the image that is decoded
- * already, once the present turn of the event loop is over. A large region is first cut from a
- * reduced frame, so that a drag does not wait for it, and in full when nothing has changed for a
- * moment.
+ * The picture is made by the function that makes those of the film, from the image that is already
+ * decoded, in the next turn of the event loop. A large region is first cut from a reduced frame, so
+ * that dragging stays smooth, and at full size once nothing has changed for a moment.
  */
 class ResultView final : public QGroupBox
 {
@@ -31,11 +30,11 @@ public:
         RoiSourceFrame frame;
         Roi roi;
         RoiLook look;
-        QString caption; ///< what else is to be known of the film
+        QString caption; ///< further facts about the film
     };
 
     void showSubject(const Subject &subject);
-    /// Shows @p text where there is nothing to be seen.
+    /// Shows @p text in place of a picture.
     void showMessage(const QString &text);
 
 private:

@@ -48,7 +48,7 @@ public:
     void cancelDrawing();
     /// Draws half of the frame, in its middle, as if by a drag.
     void drawMiddle();
-    /// Takes back what a drag has done to the current region; nothing happens without one.
+    /// Undoes the drag in progress; does nothing without one.
     void cancelDrag();
 
 public slots:
@@ -68,9 +68,9 @@ signals:
     void left();
     /// A click on the outline or the name of another region.
     void regionPicked(int row);
-    /// The current region shall cover @p pixels, while a drag goes on.
+    /// During a drag: the current region is to cover @p pixels.
     void regionDragged(const QRect &pixels);
-    /// The drag is over; unless it is @p kept the region shall be as it was before.
+    /// The drag is over; unless it is @p kept, the region is to be as before.
     void dragEnded(bool kept);
 
 protected:

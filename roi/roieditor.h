@@ -51,8 +51,7 @@ public:
     QString add(const QRectF &pixels);
     /// Selects a region.
     void pick(int row);
-    /// Moves the current region to @p pixels of the frame, until endDrag() keeps that or takes it
-    /// back.
+    /// Moves the current region to @p pixels of the frame; endDrag() then keeps or undoes that.
     void dragTo(const QRect &pixels);
     void endDrag(bool kept);
     /// Applies what is being typed, as leaving its field would do.
@@ -63,7 +62,7 @@ signals:
     void regionsChanged();
     /// The user wants to draw a region.
     void drawingRequested();
-    /// New regions, and those that are resized, shall have this proportion; 0 for any.
+    /// New and resized regions are to have this proportion; 0 for any.
     void proportionChanged(double proportion);
     /// A line for the log.
     void logMessage(const QString &text);

@@ -22,8 +22,8 @@ QRectF normalizedRect(const QRectF &pixels, const QSize &frame);
 /**
  * @p normalized, changed so that it covers @p pixels of a frame that is not empty.
  *
- * Sides that are there already stay as they are: what they hold beyond whole pixels, or beyond this
- * frame's edge, stays for frames of other sizes.
+ * Sides that already match are not changed: fractions of a pixel, and parts beyond this frame's
+ * edge, matter on frames of other sizes.
  */
 QRectF coveringPixels(const QRectF &normalized, const QRect &pixels, const QSize &frame);
 

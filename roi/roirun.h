@@ -9,15 +9,15 @@
 class QWidget;
 
 /**
- * Runs of the region tool: finds the scales that are missing, then makes the films, both with a box
- * that shows how far it is and cancels.
+ * Runs of the region tool: finds the scales that are missing, then makes the films, both with a
+ * dialog that shows the progress and can cancel.
  */
 class RoiRun final : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Its boxes stand above @p window, which owns it.
+    /// Its dialogs appear above @p window, which owns it.
     explicit RoiRun(QWidget *window);
 
     bool isActive() const { return m_activity != Activity::None; }
@@ -25,14 +25,14 @@ public:
     const RoiVideoGenerator &generator() const { return m_generator; }
 
     /**
-     * Works through @p plan, which it returns from only when all is done; windows stay alive.
+     * Carries out @p plan and returns when it is done; windows stay responsive meanwhile.
      *
      * @param sessionStartUtc  when to ask for the scale of frames that have no time
      */
     RoiVideoGenerator::Outcome make(RoiVideoPlan plan, const QDateTime &sessionStartUtc);
 
 public slots:
-    /// Lets a run end, within a second at the latest; nothing happens without one.
+    /// Ends a run within a second; does nothing without one.
     void cancel();
 
 signals:
@@ -44,7 +44,7 @@ signals:
     void statusChanged(const QString &text);
 
 private:
-    /// What a run is at; canceling ends when it is off the stack.
+    /// What a run is doing; it is Canceling until make() returns.
     enum class Activity { None, LookingUp, Filming, Canceling };
 
     bool findScales(RoiVideoPlan &plan, const QDateTime &sessionStartUtc);

@@ -41,8 +41,8 @@ QJsonObject toJson(const QVector<Roi> &rois, const QString &sessionName);
 QVector<Roi> load(const QString &sessionDirectory, QString *remark = nullptr);
 
 /**
- * Replaces the stored set of a session. A damaged file is kept beside it, as rois.json.bad or with
- * a number behind that.
+ * Replaces the stored set of a session. A damaged file is kept beside it, as rois.json.bad,
+ * with a number appended if that name is taken.
  *
  * @param sessionDirectory  empty when no session is loaded; saving then fails
  * @param errorText         may be null; set on failure only

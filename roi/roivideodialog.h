@@ -33,8 +33,8 @@ public slots:
     /// Cancels a running generation, if there is one. Otherwise closes the dialog, after asking
     /// about unsaved regions.
     void reject() override;
-    /// Closes without a question, for a program that has to end: a run is canceled, what it has not
-    /// finished is gone, and what is not saved is lost.
+    /// Closes without asking, because the program must end: a run is canceled, and unfinished films
+    /// and unsaved regions are lost.
     void abandon();
 
 signals:

@@ -18,9 +18,9 @@ struct Source
  * A warning that names the datasources that show the Sun at another scale than the first one, or at
  * another place of the frame; empty when there is none.
  *
- * A region is the same fraction of each frame. Its kilometres differ when they do so by more than
- * 2 % of its width, its place when the centres of the disks lie more than 2 % of the frame apart.
- * Datasources without metadata are not judged.
+ * A region is the same fraction of each frame. Scales differ if its width in kilometres does so by
+ * more than 2 %, places if the centres of the disks lie more than 2 % of the frame apart.
+ * Datasources without metadata are not compared.
  */
 QString warning(const QVector<Source> &sources);
 

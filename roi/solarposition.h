@@ -18,11 +18,11 @@ class QJsonObject;
  */
 namespace SolarPosition {
 
-/// The solar disk in pixels of a rendered frame, as far as the metadata tell.
+/// The solar disk in pixels of a rendered frame, as far as the metadata gives it.
 struct Disk
 {
     double radiusX = 0.0; ///< across; 0 when unknown
-    double radiusY = 0.0; ///< likewise; another one where the service has changed the proportion
+    double radiusY = 0.0; ///< likewise; differs if the service has changed the proportion
     std::optional<QPointF> centre;
 };
 
@@ -32,17 +32,17 @@ struct Disk
  * The reference pixel is the centre of the disk as FITS counts: the middle of the first pixel is 1,
  * and rows are counted upwards from the bottom edge, though the frame's own are counted downwards.
  * Native pixels become those of the frame by its width / "width" and height / "height". A reference
- * pixel of 0, 0 is what a manifest holds that knows of none.
+ * pixel of 0, 0 means that the manifest has none.
  */
 Disk diskOn(const QSize &frame, const QJsonObject &metadata);
 
-/// The way from the centre of the disk to @p pixel in solar radii; nothing when it is unknown.
+/// The vector from the centre of the disk to @p pixel in solar radii; nothing when unknown.
 std::optional<QPointF> offset(const QPointF &pixel, const Disk &disk);
 
-/// Position of @p pixel, for the user; empty when the metadata do not tell it.
+/// Position of @p pixel, for the user; empty when the metadata does not give it.
 QString pixelText(const QPointF &pixel, const QSize &frame, const QJsonObject &metadata);
 
-/// Width and height of a region of @p size pixels, which is empty without one; likewise.
+/// Likewise the width and height of a region of @p size pixels; empty if that is.
 QString sizeText(const QSize &size, const QSize &frame, const QJsonObject &metadata);
 
 } // namespace SolarPosition

@@ -4,17 +4,17 @@
 
 #include <functional>
 
-/// The folders that hold pictures on their way to the encoder.
+/// The folders of pictures for the encoder.
 namespace TemporaryFrames {
 
-/// The one below a datasource's own @p folder, which holds one for each film.
+/// The temporary folder in the @p folder of a datasource; it has a folder for each film.
 QString root(const QString &folder);
 
 /**
- * Removes @p path and all in it. A link is taken away itself; where it leads is not ours.
+ * Removes @p path and everything in it. A link is removed itself, not its target.
  *
- * @param pause  called every few milliseconds: thousands of files, or large ones, take longer than
- *               a window may be without answer
+ * @param pause  called every few milliseconds, so that windows stay responsive while thousands of
+ *               files, or large ones, are removed
  * @return       true when nothing is left there
  */
 bool remove(const QString &path, const std::function<void()> &pause);

@@ -2,18 +2,18 @@
 
 #include <QString>
 
-/// What is at the place of a datasource's film, measured by the frames that it has to show.
+/// The state of a datasource's film, judged by the number of frames that it must show.
 struct FilmVerdict
 {
     enum class Kind {
         Whole,
         Missing,
         Broken, ///< cut off, with too few pictures, or a link that leads nowhere
-        Other,  ///< no MP4, or with more pictures than there are frames: not to be replaced
+        Other,  ///< not an MP4, or more pictures than there are frames: not to be replaced
     };
 
     Kind kind = Kind::Missing;
-    QString flaw; ///< the end of a sentence that the film's name begins; empty when whole
+    QString flaw; ///< completes a sentence that begins with the film's name; empty when whole
 };
 
 namespace FilmVerdicts {

@@ -1,4 +1,4 @@
-// What a session of Orvik needs when the window is gone: a look, a check, a descriptor, films.
+// orvik-session: reports on, verifies, recovers and films stored sessions in a terminal.
 
 #include "sessiontool/toolcommands.h"
 #include "sessiontool/toolconsole.h"

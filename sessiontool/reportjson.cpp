@@ -13,7 +13,7 @@ QJsonValue timeJson(const QDateTime &time)
     return time.isValid() ? QJsonValue(UtcText::toText(time)) : QJsonValue();
 }
 
-/// A frame that there is not, or whose file has another name, is null.
+/// A missing frame, or one whose file has another name, is null.
 QJsonValue numberJson(int number)
 {
     return number >= 0 ? QJsonValue(number) : QJsonValue();

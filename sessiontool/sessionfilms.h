@@ -20,8 +20,8 @@ struct FilmWishes
 /**
  * Makes the films that a stored session lacks, one after the other, and says what becomes of each.
  *
- * A film that fails or is interrupted leaves no part of itself, and the one that it was to replace
- * is there again.
+ * A film that fails or is interrupted leaves no file, and the one that it was to replace is
+ * restored.
  */
 class SessionFilms final : public QObject
 {

@@ -5,13 +5,13 @@
 
 struct SourceLedger;
 
-/// A time in which a datasource has no frame.
+/// A period in which a datasource has no frame.
 struct SessionGap
 {
     QDateTime fromUtc;  ///< of the frame before, or of the first request
-    QDateTime toUtc;    ///< of the frame behind, or of the last request
+    QDateTime toUtc;    ///< of the frame after, or of the last request
     int lastFrame = -1; ///< number of the frame before; -1 when there is none
-    int nextFrame = -1; ///< number of the frame behind; -1 when there is none
+    int nextFrame = -1; ///< number of the frame after; -1 when there is none
 
     qint64 seconds() const { return fromUtc.secsTo(toUtc); }
 };

@@ -22,7 +22,7 @@ struct LedgerFrame
 };
 Q_DECLARE_TYPEINFO(LedgerFrame, Q_MOVABLE_TYPE);
 
-/// All that a manifest tells of one datasource.
+/// Everything a manifest says about one datasource.
 struct SourceLedger
 {
     int sourceId = -1;
@@ -38,20 +38,20 @@ struct SourceLedger
     qint64 acceptedFrames() const { return count(FrameStatus::Ok); }
     qint64 requests() const;
     QVector<int> frameNumbers() const; ///< of its frames
-    /// The usual spacing of its requests, of two middle ones the wider; 0 when there is none.
+    /// The median spacing of its requests, the wider of two middle ones; 0 when there is none.
     int stepSeconds() const;
 };
 
-/// All that a manifest tells.
+/// Everything a manifest says.
 struct SessionLedger
 {
     QVector<SourceLedger> sources; ///< in the order of their first rows
     QHash<int, int> positions;     ///< in sources, by sourceId
-    QStringList remarks;           ///< sentences on what could not be read
+    QStringList remarks;           ///< sentences about what could not be read
 
     qint64 requests() const;
     qint64 acceptedFrames() const;
-    /// One without requests when the manifest does not know it.
+    /// Has no requests if the manifest does not list it.
     SourceLedger source(int sourceId) const;
 };
 

@@ -8,7 +8,7 @@
 class QDir;
 struct SessionLedger;
 
-/// A descriptor made of what is left of a session, and where it took its values from.
+/// A descriptor made from what is left of a session, and where its values come from.
 struct RecoveredDescriptor
 {
     QJsonObject json;
@@ -18,12 +18,12 @@ struct RecoveredDescriptor
 namespace SessionRecovery {
 
 /**
- * The descriptor of a @p session that ended without one, told from its manifest and folders.
+ * The descriptor of a @p session that ended without one, derived from its manifest and folders.
  *
  * The interval is that of the folder's name, else that of the requests; the cadence is the shortest
- * step of any datasource, which no datasource is asked more often than; the width is that of the
- * widest original. All else that the manifest does not tell has the defaults of a new session. The
- * session counts as canceled, and "recovered" is true.
+ * step of any datasource; the width is that of the widest original. Whatever else the manifest does
+ * not contain has the defaults of a new session. The session counts as canceled, and "recovered" is
+ * true.
  *
  * @return nothing when the manifest names no datasource
  */

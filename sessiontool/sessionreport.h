@@ -14,12 +14,12 @@ struct ReportedSource
     QVector<SessionGap> gaps;
 };
 
-/// What there is to say of a session.
+/// The report on a session.
 struct SessionReport
 {
     enum class State {
         Completed,    ///< ran to its end
-        Canceled,     ///< stopped before
+        Canceled,     ///< stopped before its end
         Recovered,    ///< was closed or killed; its descriptor was written later
         NoDescriptor, ///< has none that could be used
     };

@@ -12,20 +12,20 @@
 /**
  * Compares a stored session's manifest, descriptor, pictures and films with each other.
  *
- * Only reads, and opens nothing but regular files, whatever the session's files name.
+ * Only reads, and opens only regular files, whatever the session's files refer to.
  */
 class SessionVerifier final
 {
 public:
-    /// Takes a finding: one line without a full stop.
+    /// Receives a finding: one line without a full stop.
     using Sink = std::function<void(const QString &finding)>;
-    /// Takes how many of the manifest's rows have been looked at.
+    /// Receives how many of the manifest's rows have been checked.
     using Progress = std::function<void(qint64 rows, qint64 ofRows)>;
 
-    /// Of each picture the beginning and the end are looked at; with @p decodes it is decoded, too.
+    /// Checks the beginning and the end of each picture; with @p decodes also decodes it.
     SessionVerifier(const QDir &session, bool decodes, Sink onFinding, Progress onProgress);
 
-    /// Does it all; false when the manifest cannot be read, of which @p errorText then tells.
+    /// Runs all checks; false when the manifest cannot be read, and @p errorText then says why.
     bool run(QString *errorText);
 
     qint64 findings() const { return m_findings; }
@@ -34,7 +34,7 @@ public:
     int films() const { return m_films; }          ///< that were found whole
 
 private:
-    /// What the rows of a datasource have told so far.
+    /// What the rows of a datasource have shown so far.
     struct Course
     {
         QString archiveName; ///< empty when it is not known

@@ -9,19 +9,19 @@
 
 class QDir;
 
-/// A datasource as session.json tells it, which anyone may have edited.
+/// A datasource as described in session.json, which anyone may have edited.
 struct DescribedSource
 {
     int sourceId = -1;
     QString nickname;
     QString archiveName; ///< its folder; see isFolderName()
-    QJsonObject record;  ///< all that is said of it
+    QJsonObject record;  ///< its whole object
 };
 
-/// What session.json tells of a session.
+/// What session.json says about a session.
 struct StoredDescriptor
 {
-    QDateTime startUtc; ///< invalid when it is not told
+    QDateTime startUtc; ///< invalid when it is missing
     QDateTime endUtc;
     int videoFps = 25;
     int videoCrf = 18;
@@ -34,7 +34,7 @@ struct StoredDescriptor
 
 namespace StoredDescriptors {
 
-/// Whether anything bears the name of @p session's descriptor, a link that leads nowhere included.
+/// Whether anything has the name of @p session's descriptor, even a dangling link.
 bool isThere(const QDir &session);
 
 /**

@@ -89,7 +89,7 @@ ToolEnd recover(const QDir &session, ToolConsole &console)
     return {};
 }
 
-/// What the films are to be like; nothing when the session asks for what no film can be.
+/// How to make the films; nothing when the values in the session are not allowed.
 std::optional<FilmWishes> wishesOf(const ToolOrder &order, const StoredDescriptor &descriptor)
 {
     FilmWishes wishes;

@@ -14,7 +14,7 @@ struct ToolEnd
 
 namespace ToolCommands {
 
-/// Does what is ordered and says what came of it.
+/// Carries out @p order and prints the result.
 ToolEnd run(const ToolOrder &order, ToolConsole &console);
 
 } // namespace ToolCommands

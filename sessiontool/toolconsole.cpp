@@ -17,7 +17,7 @@ bool isErrorOnTerminal()
 #endif
 }
 
-/// Also what reverses the direction of writing, and would make a name look like another one.
+/// Includes characters that reverse the writing direction and could disguise a name.
 bool steersTerminal(QChar character)
 {
     switch (character.category()) {

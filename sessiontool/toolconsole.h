@@ -4,10 +4,10 @@
 #include <QTextStream>
 
 /**
- * What the program says: results on standard output, complaints and progress on standard error.
+ * The output of the program: results on standard output, errors and progress on standard error.
  *
- * Names and texts come from files that anyone may have written, so no control character of theirs
- * reaches the terminal. Progress is for people: it is shown only on a terminal.
+ * Names and texts come from files that anyone may have written, so their control characters are
+ * never sent to the terminal. Progress is for people: it is shown only on a terminal.
  */
 class ToolConsole final
 {
@@ -17,15 +17,15 @@ public:
 
     /// A line of the result.
     void print(const QString &line);
-    /// The same, where the next line may be long in coming.
+    /// The same, shown at once: the next line may take a while.
     void printNow(const QString &line);
-    /// Text of our own making that has lines already, as it is.
+    /// Prints text of our own, which has its own line ends, unchanged.
     void printRaw(const QString &text);
-    /// The same, in an encoding of its own.
+    /// The same for text that is already encoded.
     void printBytes(const QByteArray &bytes);
-    /// Why nothing came of it.
+    /// Prints why the command failed.
     void complain(const QString &sentence);
-    /// Shown in place of the progress before, until the next line.
+    /// Replaces the progress shown before; disappears with the next line.
     void setProgress(const QString &text);
 
     /// @p text with a question mark for each character that could steer a terminal.

@@ -26,14 +26,14 @@ struct ToolOrder
 /// What the command line says.
 struct ToolRequest
 {
-    std::optional<ToolOrder> order; ///< nothing when only a text is asked for, or on a mistake
+    std::optional<ToolOrder> order; ///< nothing for help or version, or after a mistake
     QString text;                   ///< help or version
     QString mistake;                ///< a sentence; empty when there is none
 };
 
 namespace ToolOrders {
 
-/// Frames per second that a film may have, and its x264 constant rate factor; as in the windows.
+/// Whether frames per second, or an x264 rate factor, are allowed; limits as in the windows.
 bool isFps(int fps);
 bool isCrf(int crf);
 

@@ -24,7 +24,7 @@ constexpr double chance(quint64 seed, quint64 value)
     return static_cast<double>(hashOf(seed, value) >> 11) * (1.0 / 9007199254740992.0);
 }
 
-/// Numbers of 0 to 1 drawn for one thing, the k-th by the argument k.
+/// Random numbers from 0 to 1 that belong to one object; the argument selects one of them.
 class Draw final
 {
 public:

@@ -4,7 +4,7 @@
 
 class QDateTime;
 
-/// An upper limit of what a session yields, in words.
+/// Texts about the most that a session can yield.
 namespace AcquisitionEstimate {
 
 /**

@@ -7,16 +7,16 @@ namespace Ui {
 class MainWindow;
 }
 
-/// The widgets in which the user says what to acquire, taken together.
+/// The widgets of the acquisition settings, as a group.
 namespace AcquisitionForm {
 
-/// What the widgets say; an edit that shows no time gives an invalid one.
+/// The values of the widgets; a time field that does not show a time gives an invalid one.
 AcquisitionSettings settings(const Ui::MainWindow &form);
 
-/// Interval and cadence as they stand.
+/// The interval and the cadence shown.
 RequestedSampling sampling(const Ui::MainWindow &form);
 
-/// Lets the user change all of it, or nothing.
+/// Enables or disables all of them.
 void setEnabled(const Ui::MainWindow &form, bool enabled);
 
 } // namespace AcquisitionForm

@@ -37,11 +37,11 @@ using Leaves = QHash<int, QTreeWidgetItem *>;
 void prepare(QTreeWidget *tree);
 
 /**
- * Rebuilds the tree from the service's catalog, sorted with numbers in their order, and opened two
- * levels deep and down to each ticked leaf.
+ * Rebuilds the tree from the service's catalog, with numbers sorted as numbers, expanded two levels
+ * deep and down to each ticked leaf.
  *
- * @param selection  restored afterwards; a tree that already shows a catalog replaces it first
- *                   with what is ticked and current there
+ * @param selection  restored afterwards; if the tree already shows a catalog, first replaced by
+ *                   what is ticked and current there
  */
 Leaves fill(QTreeWidget *tree, const QJsonObject &catalog, Selection *selection);
 

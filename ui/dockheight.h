@@ -9,8 +9,8 @@ class QMainWindow;
 /**
  * Keeps a dock at least as high as its contents need.
  *
- * A dock that does not expand keeps the height of its first layout, though its contents may ask for
- * more since, with their final font for instance; the area would lay it out over its neighbours.
+ * A dock that does not expand keeps the height of its first layout, even if its contents need more
+ * later, for example with their final font; it would then overlap its neighbours.
  */
 class DockHeight final : public QObject
 {

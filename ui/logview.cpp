@@ -27,8 +27,8 @@ QTextCharFormat format(LineClass lineClass, const QPalette &palette)
                   LogLineClass::isBold(lineClass) ? QFont::Bold : QFont::Normal);
 }
 
-/// Whether @p text has a word so long that wrapping between words would be slow: the time grows
-/// with the square of its length, as Qt looks for the end of the word again for each line.
+/// Whether @p text has a word so long that it makes word wrap slow: Qt searches for the end of the
+/// word again for each line, which is quadratic in its length.
 bool hasEndlessWord(const QString &text)
 {
     constexpr int endlessChars = 10'000;
@@ -56,7 +56,7 @@ void keepColumnsAligned(QTextEdit *log)
 LogView::LogView(QTextEdit *log, QDockWidget *dock, QObject *parent)
     : QObject(parent), m_log(log), m_dock(dock)
 {
-    log->setUndoRedoEnabled(false); // else every line would be remembered twice
+    log->setUndoRedoEnabled(false); // else every line would be stored twice
     log->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     keepColumnsAligned(log);
 }

@@ -20,8 +20,8 @@ class MainWindow;
 /**
  * The main window: catalog, settings, start and stop, progress, preview and log.
  *
- * Connects its parts, enables them according to its state, and delegates the rest. Idle becomes
- * running with a successful start and idle again only when the controller has finished.
+ * Connects its parts, enables them according to its state, and delegates the rest. It is
+ * running from a successful start until the controller has finished.
  */
 class MainWindow final : public QMainWindow
 {
@@ -36,7 +36,7 @@ public slots:
     void shutDown();
 
 signals:
-    /// Windows that are open above this one have to close without a question.
+    /// Windows that are open above this one must close without asking.
     void shuttingDown();
 
 protected:
@@ -86,12 +86,12 @@ private:
     void renderDetails(const QTreeWidgetItem *item);
     void play(const QString &videoFile);
 
-    HelioviewerClient *m_catalogClient;  // a child, as the controller
+    HelioviewerClient *m_catalogClient;  // a child, like the controller
     AcquisitionController *m_controller; // a child, deleted before the widgets that it reports to
     std::unique_ptr<Ui::MainWindow> m_form;
     LogView *m_log = nullptr;           // a child
     PreviewPane *m_preview = nullptr;   // a child
     StatusLine *m_status = nullptr;     // a child
-    CatalogTree::Leaves m_leaves;       // of the present tree
+    CatalogTree::Leaves m_leaves;       // of the current tree
     CatalogTree::Selection m_selection; // to be restored by the next rebuild of the tree
 };

@@ -10,7 +10,7 @@ class QLabel;
  * The last frame, fitted into its label at the resolution of the screen.
  *
  * Keeps the frame at full size, or at 4096 pixels where it is larger, so that resizing neither
- * decodes it again nor scales a picture that is scaled already.
+ * decodes it again nor scales an already scaled picture.
  */
 class PreviewPane final : public QObject
 {

@@ -5,7 +5,7 @@
 /// How far a run has come, and how long it may still take, in words.
 namespace RunProgress {
 
-/// What is counted while a run goes on.
+/// The counts of a run in progress.
 struct Count
 {
     bool isPlanned = false; ///< false while the cadences are being measured
@@ -15,10 +15,10 @@ struct Count
     qint64 elapsedMs = 0; ///< from the plan to the end of the last request
 };
 
-/// "37 of 162 requests, about 4 min left"; the time only after some requests, from their mean.
+/// "37 of 162 requests, about 4 min left"; the time, from the mean, only after some requests.
 QString text(const Count &count);
 
-/// A time left in as few digits as it is known in: "40 s", "4 min", "2 h 10 min"; rounded up.
+/// A time left, rounded up to a sensible precision: "40 s", "4 min", "2 h 10 min".
 QString roundedDuration(qint64 ms);
 
 } // namespace RunProgress

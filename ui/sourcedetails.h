@@ -17,7 +17,7 @@ struct CatalogSource
     std::optional<CadenceStatistics> analysis; ///< what the planning of a session found, if any
 };
 
-/// The sampling that the user asks for at the moment.
+/// The sampling that the settings show at the moment.
 struct RequestedSampling
 {
     QDateTime startUtc;
@@ -35,7 +35,7 @@ QString noSourcePage();
 /// HTML describing one datasource.
 QString page(const CatalogSource &source, const RequestedSampling &sampling);
 
-/// Plain text: where a datasource lies and when it has images; cadence unknown.
+/// Plain text: place in the catalog and the period with images; cadence unknown.
 QString toolTip(const QString &path, const QJsonObject &entry);
 /// The same tool tip with what the analysis found in place of its cadence line.
 QString toolTipWithCadence(const QString &toolTip, const CadenceStatistics &analysis);

@@ -14,7 +14,7 @@ StatusLine::StatusLine(QStatusBar *bar, QObject *parent) : QObject(parent), m_ba
     m_tick.setInterval(tickMs);
     connect(&m_tick, &QTimer::timeout, this, [this] { show(RunProgress::text(m_count)); });
     connect(bar, &QStatusBar::messageChanged, this, [this](const QString &message) {
-        if (message.isEmpty()) // a menu was left, or a passing message is over
+        if (message.isEmpty()) // a menu was left, or a temporary message has ended
             m_bar->showMessage(m_text);
     });
     end();

@@ -11,7 +11,7 @@ class QStatusBar;
 /**
  * What the status bar says: "Ready", or how far a run has come.
  *
- * A menu or a passing message hides that only for a while.
+ * A menu or a temporary message hides it only for a while.
  */
 class StatusLine final : public QObject
 {
@@ -20,16 +20,15 @@ class StatusLine final : public QObject
 public:
     explicit StatusLine(QStatusBar *bar, QObject *parent = nullptr);
 
-    /// Counts anew for a run that ends with @p films; shows nothing of it before begin().
+    /// Resets the counts for a run with that number of @p films; shows nothing until begin().
     void reset(int films);
     /// Shows from now on, once a second, how far the run has come.
     void begin();
-    /// Takes over a progress signal of the engine, which counts from 0 for the second time when
-    /// its plan is ready.
+    /// Takes a progress signal of the engine, which starts again at 0 when its plan is ready.
     void count(int value, int maximum);
     /// The run is over.
     void end();
-    /// Says something in passing.
+    /// Shows a temporary message.
     void announce(const QString &text);
 
 private:
@@ -40,5 +39,5 @@ private:
     QTimer m_tick;
     QElapsedTimer m_sincePlan;
     RunProgress::Count m_count;
-    int m_beginnings = 0; // counts from 0 that were seen
+    int m_beginnings = 0; // how often the engine has started at 0
 };

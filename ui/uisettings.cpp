@@ -79,8 +79,8 @@ QVariant storedValue(const Store &store, const Field &field)
     return field.defaultValue;
 }
 
-/// @p value as @p type. What is no number becomes 0, what is no time an invalid one; any text but
-/// "", "0" and "false" is true.
+/// @p value as @p type. What is not a number becomes 0, what is not a time an invalid one; any text
+/// but "", "0" and "false" is true.
 QVariant converted(const QVariant &value, QVariant::Type type)
 {
     switch (static_cast<QMetaType::Type>(type)) {
@@ -111,7 +111,7 @@ QVariant valueOf(const Field &field)
 void saveSelection(Store &store, QTreeWidget *tree)
 {
     if (!CatalogTree::holdsLeaf(tree))
-        return; // without a catalog nobody has chosen anything: what is stored stays
+        return; // without a catalog nothing was chosen: keep what is stored
 
     QStringList ids;
     const QVector<DataSource> sources = CatalogTree::tickedSources(tree);

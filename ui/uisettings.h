@@ -13,8 +13,8 @@ class MainWindow;
 /**
  * What the user chose, kept in the platform's per-user store between runs.
  *
- * For some fields sys/orvik.ini may carry presets; they count until the user has saved a value. A
- * stored value of a wrong type is no error: as a number it reads as 0, which its field clamps; a
+ * For some fields sys/orvik.ini may hold presets; they apply until the user has saved a value. A
+ * stored value of the wrong type is not an error: a number reads as 0, which its field clamps; a
  * box is ticked; a time is ignored.
  */
 namespace UiSettings {
@@ -25,7 +25,7 @@ void loadFields(const Ui::MainWindow &form);
 /// Restores geometry, docks, splitter and tree header, as far as they were stored.
 void restoreLayout(QMainWindow *window, const Ui::MainWindow &form);
 
-/// The datasources that were ticked and current; texts that are no numbers are skipped.
+/// The datasources that were ticked and current; texts that are not numbers are skipped.
 CatalogTree::Selection loadSelection();
 
 /// Stores fields, layout, ticks and current datasource of the window.

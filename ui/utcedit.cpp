@@ -200,7 +200,7 @@ void UtcEdit::showRun()
 {
     const Reading reading = UtcTyping::read(*m_run);
     setDateTime(isAllowed(reading.time) ? reading.time : m_run->before);
-    const QSignalBlocker quiet(lineEdit()); // the base would read the text, and complete it
+    const QSignalBlocker quiet(lineEdit()); // the base class would parse the text and complete it
     lineEdit()->setText(reading.text);
     lineEdit()->setCursorPosition(reading.cursor);
     if (reading.selected > 0)

@@ -7,9 +7,9 @@
 /**
  * A date-time edit for UTC in which a stamp can be typed or pasted as it stands.
  *
- * Arrow keys, wheel and calendar work as in any such edit. What is typed counts at once, as far as
- * it is a time; what is none stays in view until the field is left, which then says so and keeps
- * the time that it had.
+ * Arrow keys, wheel and calendar work as in any such edit. Typed text takes effect at once if it is
+ * a time. Otherwise it stays visible until the field is left, which then reports it and keeps the
+ * previous time.
  */
 class UtcEdit final : public QDateTimeEdit
 {
@@ -18,15 +18,15 @@ class UtcEdit final : public QDateTimeEdit
 public:
     explicit UtcEdit(QWidget *parent = nullptr);
 
-    /// False while the field shows something that is no time; dateTime() is the last one then.
+    /// False while the field shows something that is not a time; dateTime() is then the last one.
     bool showsTime() const;
 
     void stepBy(int steps) override;
-    /// Takes over text that was pasted, dropped or otherwise put in as a whole.
+    /// Handles text that is pasted, dropped or otherwise inserted as a whole.
     QValidator::State validate(QString &text, int &position) const override;
 
 signals:
-    /// What was put in is no time; @p text says so to the user.
+    /// The input is not a time; @p text tells the user.
     void refused(const QString &text);
 
 protected:

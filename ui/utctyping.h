@@ -25,11 +25,11 @@ struct Run
     QString keys;         ///< characters for which isKey() is true; none: the section was emptied
 };
 
-/// What a run amounts to.
+/// What a run means.
 struct Reading
 {
-    QDateTime time;          ///< UTC; invalid when what was typed is no time
-    bool isFinished = false; ///< false while the section being typed is no number of its range yet
+    QDateTime time;          ///< UTC; invalid when what was typed is not a time
+    bool isFinished = false; ///< false while a section is not yet a number in its range
     QString text;            ///< to be shown: the digits of the section being typed as they are
     Section last = Year;     ///< the section that the last key went to
     int cursor = 0;          ///< position in the text

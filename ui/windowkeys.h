@@ -6,13 +6,13 @@ namespace Ui {
 class MainWindow;
 }
 
-/// The main window without a mouse.
+/// Keyboard control of the main window.
 namespace WindowKeys {
 
-/// Gives the actions their keys, and the buttons of the tool bar a place in the order of Tab.
+/// Sets the shortcuts of the actions and puts the buttons of the tool bar into the tab order.
 void set(QMainWindow *window, const Ui::MainWindow &form);
 
-/// The key of Exit lies beside that of closing a tab: it must not end an hours-long run unasked.
+/// Exit has its shortcut only while idle: Ctrl+Q is next to Ctrl+W and must not end a long run.
 void setExitKey(const Ui::MainWindow &form, bool idle);
 
 } // namespace WindowKeys

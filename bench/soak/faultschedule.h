@@ -3,7 +3,7 @@
 #include <QStringList>
 #include <QVector>
 
-/// What a spoilt answer, or one that never comes, makes of its request.
+/// What a faulty or missing answer does to its request.
 enum class Effect {
     LookupError,   ///< the request ends as LOOKUP_ERROR
     RejectedTime,  ///< the request ends as REJECTED_TIME
@@ -13,9 +13,9 @@ enum class Effect {
 };
 
 /**
- * Which requests of one run of the service go wrong, and what must become of each.
+ * Which requests of one run of the service fail, and the effect that each must have.
  *
- * One in fifty does, both of the lookups and of the downloads, in turn by each way that there is.
+ * One in fifty lookups and one in fifty downloads fail, taking the kinds of fault in turn.
  */
 class FaultSchedule final
 {
@@ -23,7 +23,7 @@ public:
     /// @p requests: up to which number of either kind.
     explicit FaultSchedule(int requests);
 
-    /// Never answers one more, on which the session is to be stopped; @p request is
+    /// Leaves one more unanswered, so that the session is stopped during it; @p request is
     /// "GetClosestImage" or "DownloadImage".
     void hang(const char *request, int number, Effect effect);
 

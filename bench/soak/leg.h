@@ -23,7 +23,7 @@ struct LegOrder
     int faultyUpTo = 0; ///< lookups and downloads
 };
 
-/// What became of it, told by each of those who took part.
+/// How it ended, according to the service, the log and the files.
 struct LegResult
 {
     RequestTally service;

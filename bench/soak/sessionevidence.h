@@ -15,7 +15,7 @@ struct StatusTally
     int downloadErrors = 0;
 };
 
-/// What the files of a session say, each for itself.
+/// What the files of a session say, each read independently.
 struct SessionEvidence
 {
     static SessionEvidence of(const QString &sessionDirectory);

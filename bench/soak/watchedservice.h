@@ -14,7 +14,7 @@ struct RequestTally
     void add(const QString &url);
 };
 
-/// The sample archive in a process of its own, which tells of each request as it comes.
+/// The sample archive in a process of its own, which reports each request as it arrives.
 class WatchedService final : public QObject
 {
     Q_OBJECT

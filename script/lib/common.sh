@@ -8,7 +8,7 @@ set -euo pipefail
 SCRIPT_NAME="script/$(basename "$0")"
 PROJECT_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd -P)"
 JOBS="$(nproc)"
-STEP="getting ready"   # what the script is at, for the sentence after a failure
+STEP="getting ready"   # what the script is doing, for the sentence after a failure
 CONCLUSION="done"      # the sentence after a success
 CLEANUP=:              # what is to be done on the way out
 
@@ -60,7 +60,7 @@ missing_packages() {
     printf '%s\n' "$@" | grep --line-regexp --fixed-strings --invert-match "$installed" || true
 }
 
-# Root needs no sudo; without a terminal nobody could type a password.
+# Root needs no sudo; without a terminal there is no way to type a password.
 ROOT_PREFIX=()
 ((EUID == 0)) || ROOT_PREFIX=(sudo)
 ((EUID == 0)) || [[ -t 0 ]] || ROOT_PREFIX+=(--non-interactive)

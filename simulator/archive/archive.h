@@ -63,7 +63,7 @@ public:
 
     /// About forty datasources, as the public archive had them on 2026-09-06 at 17:28 UTC.
     static std::shared_ptr<const Archive> sample();
-    /// The same, with what was still growing then grown on to @p presentUtc, as far behind as then.
+    /// The same, with what was still growing extended to @p presentUtc, less its delay then.
     static std::shared_ptr<const Archive> sampleAt(const QDateTime &presentUtc);
 
     const QVector<ArchiveSource> &sources() const { return m_sources; }

@@ -6,7 +6,7 @@
 
 namespace Simulator {
 
-/// "2010-06-02 00:05:36" (UTC) to seconds since 1970; none when it is no such text.
+/// "2010-06-02 00:05:36" (UTC) to seconds since 1970; none for any other text.
 std::optional<qint64> parseArchiveTime(const QString &text);
 QString archiveTimeText(qint64 unixTime);
 

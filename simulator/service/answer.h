@@ -26,7 +26,8 @@ Answer pageOfError(const QString &text, int status = 400);
 Answer errorObject(const QString &text, int number);
 /// 200: {"error":TEXT,"uri":null}, which getJPX sends for what goes wrong inside it.
 Answer jpxErrorObject(const QString &text);
-/// What is really sent with a status: the service's own object for 500, a front proxy's page else.
+/// What is really sent with a status: the service's own answer for 400 and 500, else a page of the
+/// proxy in front of it.
 Answer answerWithStatus(int status);
 
 } // namespace Simulator

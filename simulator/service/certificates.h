@@ -7,10 +7,10 @@ namespace Simulator {
 enum class Transport;
 
 /**
- * Has openssl make what an encrypted service needs, in files of @p folder: authority.pem, host.pem
- * and the host's key, host.key.
+ * Creates with openssl what an encrypted service needs, in @p folder: authority.pem, host.pem and
+ * the host's key, host.key.
  *
- * Certificates are valid for 90 days. False with the program's own words when there are none.
+ * Certificates are valid for 90 days. Returns false, with openssl's own words, on failure.
  */
 bool makeCertificates(Transport transport, const QString &folder, QString *errorText);
 

@@ -10,7 +10,7 @@
 namespace Simulator {
 
 /**
- * Counts requests and knows which faults befall which.
+ * Counts requests and decides which faults apply to which.
  *
  * May be used from several threads.
  */
@@ -20,7 +20,7 @@ public:
     void add(const Fault &fault);
     void clear();
 
-    /// Counts one more request of an operation; gives the faults that befall it, as added.
+    /// Counts one more request of an operation; returns the faults that apply to it, as added.
     QVector<Fault> next(Operation operation);
     int count(Operation operation) const;
     void clearCounts();

@@ -23,7 +23,7 @@ struct SceneView
     int heightPx = 0;
     Disk disk;
     qint64 unixTime = 0;
-    quint64 grainSeed = 0; ///< another one for each image
+    quint64 grainSeed = 0; ///< different for each image
     Look look;
 };
 

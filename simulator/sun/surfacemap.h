@@ -24,7 +24,7 @@ inline Texel mixed(const Texel &a, const Texel &b, float share)
 /**
  * Textures around the whole Sun, by longitude and by the sine of the latitude.
  *
- * Seen from the Earth, rows of equal sine are evenly spaced, so no part of the disk is starved.
+ * Seen from the Earth, rows of equal sine are evenly spaced, so detail is even over the disk.
  * Made from noise in space, hence without seam or pole.
  */
 class SurfaceMap final

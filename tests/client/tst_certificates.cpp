@@ -48,7 +48,7 @@ private slots:
         QSignalSpy errors(&client, &HelioviewerClient::requestError);
         client.getDataSources();
         QByteArray state; // without events: the client must not notice its end before
-        while (!state.contains(") Z ")) { // a zombie: nobody has waited for it
+        while (!state.contains(") Z ")) { // a zombie: not waited for yet
             QFile file("/proc/%1/stat"_s.arg(FakeProgram::runs(curl).value(0).processId));
             state = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         }

@@ -135,7 +135,7 @@ private slots:
             TestFolder::leaveRoom(fields.at(3) == "full"_s ? 100 : -1);
             QString error;
             const bool started = fixture.controller->start(settings, &error);
-            const bool again = fixture.controller->start(settings); // nobody asks why
+            const bool again = fixture.controller->start(settings); // without an error text
             TestFolder::leaveRoom();
             QCOMPARE(error, fields.at(5));
             QVERIFY(!started && !again && !fixture.controller->isRunning());

@@ -242,7 +242,7 @@ private slots:
         const QJsonObject usable{{QStringLiteral("rsun"), QStringLiteral("1600")},
                                  {QStringLiteral("width"), 4096}};
         source.frames = {{{}, {}, {{QStringLiteral("width"), 4096}}}, {{}, {}, usable}};
-        QCOMPARE(ScaleLookup().ensure(source, {}), usable); // and nobody is asked
+        QCOMPARE(ScaleLookup().ensure(source, {}), usable); // and the service is not asked
     }
 };
 

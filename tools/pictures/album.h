@@ -19,7 +19,7 @@ public:
     void addWidget(const QString &name, QWidget *widget);
     /// Drawn lines and letters, without loss, as "<name>.png".
     void addDrawing(const QString &name, const QImage &image);
-    /// A view of the Sun, packed as a photograph, as "<name>.jpg".
+    /// A view of the Sun, compressed as a photograph, as "<name>.jpg".
     void addPhotograph(const QString &name, const QImage &image);
     /// A copy of a text file, as "<name>.txt".
     void addText(const QString &name, const QString &file);
@@ -32,5 +32,5 @@ private:
     bool m_complete = true;
 };
 
-/// Lets events run until @p isTrue, or for @p limitMs at the most; what it said last.
+/// Processes events until @p isTrue, for @p limitMs at most; returns its last result.
 bool waitUntil(const std::function<bool()> &isTrue, int limitMs = 120000);

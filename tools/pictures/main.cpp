@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int limitMs = 15 * 60 * 1000; // a message box nobody closes must not last for ever
+constexpr int limitMs = 15 * 60 * 1000; // an unexpected message box must not block for ever
 
 int fail(const QString &sentence)
 {
