@@ -51,11 +51,11 @@ QStringList ManifestLedger::remarks() const
 {
     QStringList remarks;
     if (m_damagedRows == 1)
-        remarks += QStringLiteral("line %1 of manifest.csv is no row of a session. It is left out.")
+        remarks += QStringLiteral("line %1 of manifest.csv is not a valid row. It is skipped.")
                        .arg(m_firstDamagedLine);
     if (m_damagedRows > 1)
-        remarks += QStringLiteral("%1 lines of manifest.csv are no rows of a session, the first of "
-                                  "them line %2. They are left out.")
+        remarks += QStringLiteral("%1 lines of manifest.csv are not valid rows, the first of them "
+                                  "line %2. They are skipped.")
                        .arg(m_damagedRows)
                        .arg(m_firstDamagedLine);
     if (m_isCutOff)

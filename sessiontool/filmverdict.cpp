@@ -14,7 +14,7 @@ FilmVerdict FilmVerdicts::judge(const QString &path, qint64 pictures)
                    : FilmVerdict{Kind::Missing, QStringLiteral("is missing")};
     const std::optional<FilmFile::Content> content = FilmFile::read(path);
     if (!content)
-        return {Kind::Other, QStringLiteral("is no film that can be read")};
+        return {Kind::Other, QStringLiteral("is not a readable film")};
     if (content->isCutOff)
         return {Kind::Broken, QStringLiteral("is cut off")};
     const QString shown = QString::number(content->pictures);
@@ -23,6 +23,6 @@ FilmVerdict FilmVerdicts::judge(const QString &path, qint64 pictures)
         return {Kind::Broken, QStringLiteral("shows %1 of %2 pictures").arg(shown, told)};
     if (content->pictures > pictures) // a manifest that has lost rows must not cost the film
         return {Kind::Other,
-                QStringLiteral("shows %1 pictures; manifest.csv tells of %2").arg(shown, told)};
+                QStringLiteral("shows %1 pictures; manifest.csv lists %2").arg(shown, told)};
     return {Kind::Whole, {}};
 }

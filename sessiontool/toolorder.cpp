@@ -19,7 +19,7 @@ struct CommandText
 
 constexpr std::array<CommandText, 4> commands = {{
     {Command::Report, "report", "what was asked for, what came, and where the gaps are",
-     "Tells of each datasource how its requests ended, where its frames leave gaps\n"
+     "Shows for each datasource how its requests ended, where its frames leave gaps\n"
      "longer than twice the usual step between its requests, and which frame shows\n"
      "which time. All times are UTC."},
     {Command::Verify, "verify", "whether pictures, manifest, descriptor and films agree",
@@ -29,7 +29,7 @@ constexpr std::array<CommandText, 4> commands = {{
      "finding is one line."},
     {Command::Recover, "recover", "write the session.json that a closed or killed run lacks",
      "Writes session.json from manifest.csv and the folders, so that the region tool\n"
-     "and the command \"encode\" can use the session. What they do not tell gets\n"
+     "and the command \"encode\" can use the session. What they do not contain gets\n"
      "Orvik's defaults. A session.json that is there is never touched."},
     {Command::Encode, "encode", "make the films that are missing",
      "Makes the film of each datasource that has none from its video_frames, with the\n"

@@ -221,7 +221,7 @@ void MainWindow::onCatalogReceived(const QJsonObject &catalog)
         m_form->sourcesTree->topLevelItemCount() > 0 || catalog.contains(QStringLiteral("error"));
     if (mayBeError && !CatalogTree::holdsSource(catalog)) {
         onCatalogError(OperationNames::getDataSources(),
-                       tr("The answer holds no datasource. The catalog stays as it was; try again "
+                       tr("The answer has no datasource. The catalog stays as it was; try again "
                           "later."));
         return;
     }
@@ -243,7 +243,7 @@ void MainWindow::selectAiaBands()
 {
     const int ticked = CatalogTree::tickAiaBands(m_form->sourcesTree);
     m_status->announce(ticked > 0 ? tr("%1 SDO/AIA bands ticked.").arg(ticked)
-                                  : tr("The catalog holds no SDO/AIA band. Refresh it."));
+                                  : tr("The catalog has no SDO/AIA band. Refresh it."));
 }
 
 void MainWindow::clearSelection()

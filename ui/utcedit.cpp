@@ -37,7 +37,7 @@ UtcEdit::UtcEdit(QWidget *parent) : QDateTimeEdit(parent)
     reserveWidth();
     lineEdit()->installEventFilter(this); // it gets the mouse itself, and the keys through us
     connect(lineEdit(), &QLineEdit::inputRejected, this,
-            [this] { emit refused(tr("This is no time. Write it as 2024-05-01 12:00:07.")); });
+            [this] { emit refused(tr("This is not a time. Write it as 2024-05-01 12:00:07.")); });
 }
 
 bool UtcEdit::showsTime() const
@@ -218,7 +218,7 @@ void UtcEdit::endRun()
     setDateTime(isTime(reading) ? reading.time : before); // shows it in full
     setCurrentSectionIndex(UtcTyping::sectionAt(reading.cursor));
     if (!isTime(reading))
-        emit refused(tr("%1 is no time. The field keeps the one it had.").arg(reading.text));
+        emit refused(tr("%1 is not a time. The field keeps the previous one.").arg(reading.text));
 }
 
 bool UtcEdit::isTime(const UtcTyping::Reading &reading) const

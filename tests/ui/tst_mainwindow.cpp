@@ -234,7 +234,7 @@ private slots:
         TestFolder::setKey("paths/catalog"_s, "bin"_s); // a folder
         receive(window, {{"y"_s, QJsonObject{{"sourceId"_s, 1}}}});
         const QString log = logText(window);
-        QCOMPARE(log.count("The answer holds no datasource."_s), 2);
+        QCOMPARE(log.count("The answer has no datasource."_s), 2);
         QCOMPARE(log.count("] Helioviewer datasource catalog updated.\n"_s), 1);
         QCOMPARE(log.count("] WARNING: unable to save catalog cache in ./sys.\n"_s), 1);
     }
