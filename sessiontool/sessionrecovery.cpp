@@ -19,11 +19,11 @@
 namespace {
 
 /// The catalog path is not in the manifest; the words of the nickname stand for its steps.
-SourceTimingProfile profileOf(const SourceLedger &source)
+DataSource datasourceOf(const SourceLedger &source)
 {
     QString path = QLatin1Char('/') + source.nickname.trimmed();
     path.replace(QLatin1Char(' '), QLatin1Char('/'));
-    return SourceTiming::profileOf({source.sourceId, source.nickname, path});
+    return {source.sourceId, source.nickname, path};
 }
 
 /// The width of the first original that is there; 0 when none is.
@@ -42,11 +42,11 @@ int widthOf(const SourceLedger &source, const QDir &session)
 
 SessionSourceRecord recordOf(const SourceLedger &source, int stepSeconds, int cadenceSeconds)
 {
-    const SourceTimingProfile profile = profileOf(source);
+    const DataSource datasource = datasourceOf(source);
     SessionSourceRecord record;
     record.source = {source.sourceId, source.nickname, {}};
     record.archiveName = source.archiveName;
-    record.timingProfile = SourceTiming::toText(profile);
+    record.timingProfile = SourceTiming::toText(SourceTiming::profileOf(datasource));
     record.maxTimeErrorSeconds = source.toleranceSeconds;
     record.acceptedFrames = static_cast<int>(source.acceptedFrames());
     record.timestampedVideoFrames = static_cast<int>(source.annotatedFrames);
@@ -54,7 +54,7 @@ SessionSourceRecord recordOf(const SourceLedger &source, int stepSeconds, int ca
     record.rejectedTimeRequests = static_cast<int>(source.count(FrameStatus::RejectedTime));
     // A run asks the archive for the spacing of every datasource that is not dense. Where requests
     // are wider apart than the cadence, that is the spacing it was told.
-    const bool isDense = profile == SourceTimingProfile::Aia;
+    const bool isDense = SourceTiming::isDense(datasource);
     record.preflightMode = isDense ? PreflightMode::DirectDenseSource : PreflightMode::QuickProbe;
     if (isDense)
         record.medianSeconds = record.minSeconds = record.maxSeconds = cadenceSeconds;
@@ -112,10 +112,10 @@ void findWidth(const QDir &session, const SessionLedger &ledger, AcquisitionSett
 /// Datasources with a profile of their own have tolerances of their own.
 void findTolerance(const SessionLedger &ledger, AcquisitionSettings &settings, QStringList &origins)
 {
-    const auto found = std::find_if(ledger.sources.cbegin(), ledger.sources.cend(),
-                                    [](const SourceLedger &source) {
-                                        return profileOf(source) == SourceTimingProfile::Default;
-                                    });
+    const auto found = std::find_if(
+        ledger.sources.cbegin(), ledger.sources.cend(), [](const SourceLedger &source) {
+            return SourceTiming::profileOf(datasourceOf(source)) == SourceTimingProfile::Default;
+        });
     const bool isFound = found != ledger.sources.cend();
     if (isFound)
         settings.maxTimeErrorSeconds = found->toleranceSeconds;

@@ -5,6 +5,7 @@
 #include "simulator/hash.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Simulator {
 
@@ -49,7 +50,7 @@ qint64 Cadence::timeOf(qint64 slot) const
         return m_start; // the catalog's start is a picture's very time
     const double jitter =
         (2.0 * chance(m_seed, static_cast<quint64>(slot)) - 1.0) * m_jitterSeconds;
-    return m_start + slot * m_spacing + qRound(jitter);
+    return m_start + slot * m_spacing + std::lround(jitter);
 }
 
 bool Cadence::isPresent(qint64 slot) const

@@ -73,7 +73,8 @@ QImage develop(const LightField &field, const QVector<QRgb> &palette,
             // Nothing shines beyond the corona: what is dark there stays calm.
             const int noise = grain.next() * std::min(level, 2048) / 2048;
             const int least = x * x + y * y < 1.0F ? development.darkestOnDisk : 0;
-            *pixel++ = uchar(std::clamp((level + noise + 128) >> 8, least, int(brightest)));
+            *pixel++ = static_cast<uchar>(
+                std::clamp((level + noise + 128) >> 8, least, static_cast<int>(brightest)));
         }
     }
     return picture;

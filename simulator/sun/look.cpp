@@ -92,7 +92,7 @@ constexpr Look looks[] = {
 int level(const Curve &curve, double brightness)
 {
     const double share = std::clamp((brightness - curve.from) / (curve.to - curve.from), 0.0, 1.0);
-    return qRound(255.0 * std::pow(share, curve.power));
+    return static_cast<int>(std::lround(255.0 * std::pow(share, curve.power)));
 }
 
 } // namespace

@@ -137,66 +137,62 @@ class TestSimulator final : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void answersAreThePublicServices_data();
-    void answersAreThePublicServices();
-    void faultsAreReadFromText();
-    void wholePicturesRaiseNoAlarm();
-};
-
-void TestSimulator::initTestCase()
-{
-    // Where clocks go from 2 to 3 o'clock; Europe/Berlin, known without a time zone database.
-    qputenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
-}
-
-void TestSimulator::answersAreThePublicServices_data()
-{
-    QTest::addColumn<int>("index");
-    int index = 0;
-    for (const auto &row : rows)
-        QTest::newRow(row.situation) << index++;
-}
-
-void TestSimulator::answersAreThePublicServices()
-{
-    QFETCH(int, index);
-    const auto &row = rows[index];
-    const Answer answer = answerTo(row.operation, QString::fromLatin1(row.query));
-    QCOMPARE(answer.status, row.status);
-    QVERIFY2(answer.body.contains(row.part), answer.body);
-    QVERIFY(answer.contentType.startsWith(row.status == 400 ? "text/html" : "application/json"));
-}
-
-void TestSimulator::faultsAreReadFromText()
-{
-    const std::optional<Fault> fault = faultFromText(QStringLiteral("DownloadImage:Delay:30:2"));
-    QVERIFY(fault && fault->operation == download && fault->kind == FaultKind::Delay);
-    QCOMPARE((QVector<int>{fault->value, fault->first}), (QVector<int>{30, 2}));
-    QVERIFY(fault->count > 1000);
-    for (const char *text :
-         {"", "Delay", "GetJPX:Delays", "GetJPX:Delay:soon", "GetJPX:Hang:0:1:1:1"})
-        QVERIFY2(!faultFromText(QString::fromLatin1(text)), text);
-}
-
-/// Of the sample archive, one as odd as the public one's.
-void TestSimulator::wholePicturesRaiseNoAlarm()
-{
-    const auto archive = Archive::sample();
-    PictureStore pictures(archive);
-    for (const int sourceId : {10, 11, 13, 19, 0, 4, 83, 2000, 84, 86, 18}) {
-        const ArchiveImage image = *archive->nearest(sourceId, 1714525200); // 2024-05-01
-        const ArchiveSource &source = archive->sourceOf(image);
-        const QJsonObject metadata = {{QStringLiteral("width"), source.widthPx},
-                                      {QStringLiteral("height"), source.heightPx},
-                                      {QStringLiteral("rsun"), source.rsunPx},
-                                      {QStringLiteral("refPixelX"), source.refPixelX},
-                                      {QStringLiteral("refPixelY"), source.refPixelY}};
-        const QImage picture = QImage::fromData(pictures.png(image, 1024));
-        QCOMPARE(picture.size(), QSize(1024, sourceId == 84 ? 1035 : 1024));
-        QCOMPARE(detectBlankRendererBlock(picture, metadata), QString());
+    void initTestCase()
+    {
+        // Where clocks go from 2 to 3 o'clock; Europe/Berlin, known without a time zone database.
+        qputenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
     }
-}
+
+    void answersAreThePublicServices_data()
+    {
+        QTest::addColumn<int>("index");
+        int index = 0;
+        for (const auto &row : rows)
+            QTest::newRow(row.situation) << index++;
+    }
+
+    void answersAreThePublicServices()
+    {
+        QFETCH(int, index);
+        const auto &row = rows[index];
+        const Answer answer = answerTo(row.operation, QString::fromLatin1(row.query));
+        QCOMPARE(answer.status, row.status);
+        QVERIFY2(answer.body.contains(row.part), answer.body);
+        QVERIFY(
+            answer.contentType.startsWith(row.status == 400 ? "text/html" : "application/json"));
+    }
+
+    void faultsAreReadFromText()
+    {
+        const std::optional<Fault> fault =
+            faultFromText(QStringLiteral("DownloadImage:Delay:30:2"));
+        QVERIFY(fault && fault->operation == download && fault->kind == FaultKind::Delay);
+        QCOMPARE((QVector<int>{fault->value, fault->first}), (QVector<int>{30, 2}));
+        QVERIFY(fault->count > 1000);
+        for (const char *text :
+             {"", "Delay", "GetJPX:Delays", "GetJPX:Delay:soon", "GetJPX:Hang:0:1:1:1"})
+            QVERIFY2(!faultFromText(QString::fromLatin1(text)), text);
+    }
+
+    /// Of the sample archive, one as odd as the public one's.
+    void wholePicturesRaiseNoAlarm()
+    {
+        const auto archive = Archive::sample();
+        PictureStore pictures(archive);
+        for (const int sourceId : {10, 11, 13, 19, 0, 4, 83, 2000, 84, 86, 18}) {
+            const ArchiveImage image = *archive->nearest(sourceId, 1714525200); // 2024-05-01
+            const ArchiveSource &source = archive->sourceOf(image);
+            const QJsonObject metadata = {{QStringLiteral("width"), source.widthPx},
+                                          {QStringLiteral("height"), source.heightPx},
+                                          {QStringLiteral("rsun"), source.rsunPx},
+                                          {QStringLiteral("refPixelX"), source.refPixelX},
+                                          {QStringLiteral("refPixelY"), source.refPixelY}};
+            const QImage picture = QImage::fromData(pictures.png(image, 1024));
+            QCOMPARE(picture.size(), QSize(1024, sourceId == 84 ? 1035 : 1024));
+            QCOMPARE(detectBlankRendererBlock(picture, metadata), QString());
+        }
+    }
+};
 
 QTEST_GUILESS_MAIN(TestSimulator)
 #include "tst_simulator.moc"
