@@ -35,7 +35,7 @@ QString brokenLine(const QString &line, const QFontMetrics &metrics, int width)
 int CaptionLabel::heightForWidth(int width) const
 {
     const int besides = 2 * (frameWidth() + margin());
-    const QRect room(0, 0, width - besides - indentPx(), anyHeightPx);
+    const QRect room(QPoint(), QSize(width - besides - indentPx(), anyHeightPx));
     return fontMetrics().boundingRect(room, Qt::TextWordWrap, broken(room.width())).height() +
            besides;
 }

@@ -83,8 +83,7 @@ bool UtcEdit::eventFilter(QObject *watched, QEvent *event)
 void UtcEdit::changeEvent(QEvent *event)
 {
     QDateTimeEdit::changeEvent(event);
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
-        reserveWidth();
+    reserveWidth(); // for another font, or another style
 }
 
 void UtcEdit::keyPressEvent(QKeyEvent *event)
