@@ -5,6 +5,7 @@
 #include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 #include "tests/ui/windowfixture.h"
+#include "ui/licensedialog.h"
 
 #include <QAccessible>
 #include <QAction>
@@ -13,11 +14,13 @@
 #include <QDesktopServices>
 #include <QDockWidget>
 #include <QLabel>
+#include <QLayout>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTextEdit>
+#include <QToolBar>
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QtTest>
@@ -74,6 +77,7 @@ private slots:
     {
         WindowFixture::reset();
         WindowFixture::writeCatalog(catalog);
+        m_opened.clear();
     }
 
     /// A screen reader says it; Qt's own parts of parts have their whole's.
@@ -107,9 +111,10 @@ private slots:
         while (afterTheLog.size() < 3) {
             next = next->nextInFocusChain();
             if (const auto *button = qobject_cast<const QToolButton *>(next))
-                afterTheLog += button->text();
+                afterTheLog += button->text() + QString::number(button->focusPolicy());
         }
-        QCOMPARE(afterTheLog, QStringList({"Start acquisition"_s, "Stop"_s, "Open ./out"_s}));
+        QCOMPARE(afterTheLog, QStringList({"Start acquisition1"_s, "Stop1"_s, "Open ./out1"_s}));
+        QCOMPARE(window.focusWidget(), part<QWidget>(window, "sourcesTree"));
     }
 
     void refusedStartSavesSettingsAndKeepsTheLog()
@@ -190,8 +195,17 @@ private slots:
         const QString before = estimate->text();
         part<QSpinBox>(window, "fpsSpin")->setValue(7);
         QVERIFY(estimate->text() != before);
-        window.resize(1400, 1000);
+        const auto *meta = part<QLabel>(window, "previewMeta");
+        const QString line = "Requested: 8888-88-88 88:88:88 UTC   |   Delta: +888 s"_s;
+        QCOMPARE(meta->minimumSize(), QSize(meta->fontMetrics().horizontalAdvance(line),
+                                            3 * meta->fontMetrics().lineSpacing()));
+        const QMargins bar = part<QToolBar>(window, "mainToolBar")->layout()->contentsMargins();
+        QCOMPARE(QPoint(bar.top(), bar.bottom()), QPoint(1, 1));
         window.show();
+        const auto *splitter = part<QSplitter>(window, "catalogSplitter");
+        window.resize(3000, 1000);
+        QTRY_VERIFY(std::abs(splitter->sizes()[0] - 2 * splitter->sizes()[1]) < 3);
+        window.resize(1400, 1000);
         userSettings().setValue("sources/currentId"_s, 10); // a group is current now
         part<QDockWidget>(window, "infoDockWidget")->hide();
         window.close();
@@ -199,6 +213,7 @@ private slots:
         const MainWindow next;
         QCOMPARE(next.size(), QSize(1400, 1000));
         QVERIFY(part<QDockWidget>(next, "infoDockWidget")->isHidden());
+        QCOMPARE(next.corner(Qt::BottomRightCorner), Qt::RightDockWidgetArea);
     }
 
     void brokenCacheAsksTheService()
@@ -275,6 +290,45 @@ private slots:
         QCOMPARE(m_opened, QVector<QString>({film, root.path(), help}));
         QVERIFY(logText(window).contains("Playing video: "_s + film));
         QVERIFY(!window.isVisible());
+    }
+
+    /// Where the last one was, at first in the output folder.
+    void chosenVideosArePlayed()
+    {
+        const TestFolder::OutputRoot root;
+        const QTemporaryDir elsewhere;
+        BoxCloser boxes;
+        boxes.chosen = elsewhere.filePath("%1 film.mp4"_s);
+        QVERIFY(QFile(boxes.chosen).open(QIODevice::WriteOnly));
+        QDesktopServices::setUrlHandler("file"_s, this, "open");
+        const MainWindow window;
+        part<QAction>(window, "actionPlayLatestVideo")->trigger(); // finds none, and asks
+        const QString film = std::exchange(boxes.chosen, QString());
+        part<QAction>(window, "actionPlaySelectedVideo")->trigger(); // and nothing is chosen
+        QTimer::singleShot(0, this, [] {
+            auto *licence = qobject_cast<LicenseDialog *>(QApplication::activeModalWidget());
+            QVERIFY(licence != nullptr);
+            licence->reject();
+        });
+        part<QAction>(window, "actionLicense")->trigger();
+        QDesktopServices::unsetUrlHandler("file"_s);
+        QCOMPARE(m_opened, QVector<QString>({film}));
+        QCOMPARE(boxes.shown.mid(1), QStringList({"Select video: "_s + root.path(),
+                                                  "Select video: "_s + elsewhere.path()}));
+    }
+
+    void currentDatasourceIsInTheMiddle()
+    {
+        QJsonObject sources;
+        for (int id = 100; id < 300; ++id)
+            sources[QString::number(id)] = QJsonObject{{"sourceId"_s, id}};
+        const QJsonObject many{{"a"_s, sources}};
+        WindowFixture::writeCatalog(QJsonDocument(many).toJson());
+        userSettings().setValue("sources/currentId"_s, 180);
+        MainWindow window;
+        window.show();
+        const auto *tree = part<QTreeWidget>(window, "sourcesTree");
+        QTRY_COMPARE(tree->indexAt(tree->viewport()->rect().center()), tree->currentIndex());
     }
 
     void stoppedAndClosedAtEveryStage_data()

@@ -1,13 +1,17 @@
 #include "tests/support/literals.h"
 #include "ui/acquisitionestimate.h"
 #include "ui/catalogtree.h"
+#include "ui/licensedialog.h"
 #include "ui/logview.h"
 #include "ui/outputsearch.h"
 #include "ui/previewpane.h"
 
+#include <QDialogButtonBox>
 #include <QDockWidget>
 #include <QLabel>
 #include <QPainter>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTextBlock>
 #include <QTextEdit>
 #include <QTreeWidget>
@@ -236,6 +240,34 @@ private slots:
         QCOMPARE(OutputSearch::newestVideo(folder.path()), film);
         QCOMPARE(OutputSearch::newestSession(folder.path()), QFileInfo(session).path());
         QCOMPARE(OutputSearch::newestSession(folder.filePath("gone"_s)), QString());
+    }
+
+    void licenceIsReadInFull()
+    {
+        LicenseDialog dialog;
+        dialog.show();
+        QCOMPARE(dialog.windowTitle(), "Freeware license"_s);
+        QVERIFY(!(dialog.windowFlags() & Qt::WindowContextHelpButtonHint));
+        const auto *program = dialog.findChild<QLabel *>("programLabel"_s);
+        QVERIFY(program->text().startsWith("tst_windowparts 1."_s));
+        const auto *view = dialog.findChild<QPlainTextEdit *>("licenseText"_s);
+        QFile licence(":/Orvik/LICENSE"_s);
+        QVERIFY(licence.open(QIODevice::ReadOnly));
+        QCOMPARE(view->toPlainText(), QString::fromUtf8(licence.readAll()));
+        QCOMPARE(int(view->document()->size().height()), view->blockCount()); // no line is broken
+        QCOMPARE(view->accessibleName(), "Licence text"_s);
+        QCOMPARE(view->textInteractionFlags(),
+                 Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        QVERIFY(!view->testAttribute(Qt::WA_InputMethodEnabled)); // no keyboard on the screen
+        const auto *buttons = dialog.findChild<QDialogButtonBox *>();
+        QVERIFY(program->geometry().bottom() < view->y());
+        QVERIFY(view->geometry().bottom() < buttons->y());
+        const int tenLines = 10 * view->fontMetrics().lineSpacing();
+        QVERIFY(view->height() > 3 * tenLines);
+        dialog.resize(1, 1);
+        QCOMPARE(view->height(), tenLines);
+        QTest::mouseClick(buttons->button(QDialogButtonBox::Close), Qt::LeftButton);
+        QVERIFY(!dialog.isVisible());
     }
 
     void frameFillsTheLabelPixelByPixel()
