@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <QStyle>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -53,7 +54,8 @@ void CaptionLabel::paintEvent(QPaintEvent * /*event*/)
 /// As any label keeps its text off a frame.
 int CaptionLabel::indentPx() const
 {
-    return frameWidth() > 0 ? fontMetrics().horizontalAdvance(QLatin1Char('x')) / 2 : 0;
+    const int half = fontMetrics().horizontalAdvance(QLatin1Char('x')) / 2;
+    return frameWidth() > 0 ? std::max(half - margin(), 0) : 0;
 }
 
 QString CaptionLabel::broken(int width) const
