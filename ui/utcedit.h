@@ -22,7 +22,7 @@ public:
     bool showsTime() const;
 
     void stepBy(int steps) override;
-    /// Takes over text that was pasted, dropped or otherwise put in as a whole.
+    /// Takes over text that was pasted or otherwise put in as a whole.
     QValidator::State validate(QString &text, int &position) const override;
 
 signals:
