@@ -297,7 +297,7 @@ private slots:
         const int before = view->height();
         dialog.resize(1, 1);
         const int least = view->height();
-        QVERIFY(least == 10 * view->fontMetrics().lineSpacing() && before > 3 * least);
+        QVERIFY(least == 10 * view->fontMetrics().lineSpacing() && before > 2 * least);
     }
 
     void frameFillsTheLabelPixelByPixel()

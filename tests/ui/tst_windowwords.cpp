@@ -324,7 +324,7 @@ private slots:
             for (QLabel *each : {static_cast<QLabel *>(&caption), &label}) {
                 each->setFrameStyle(frame ? QFrame::Box | QFrame::Plain : QFrame::NoFrame);
                 each->setMargin(margin);
-                each->resize(150, 70);
+                each->resize(400, 70);
             }
             QCOMPARE(caption.grab().toImage(), label.grab().toImage());
             caption.setText("one two   |   three   |   four\nfive   |   six"_s);
