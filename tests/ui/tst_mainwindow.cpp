@@ -342,6 +342,7 @@ private slots:
             WindowFixture::clickToolButton(window, "actionStartAcquisition");
             QCOMPARE(part<QLabel>(window, "previewLabel")->text(),
                      "Waiting for the first accepted frame..."_s);
+            QVERIFY(window.statusBar()->currentMessage() != "Ready"_s);
             QTRY_VERIFY_WITH_TIMEOUT(hasActed, 20'000);
             if (end != stopping)
                 QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), 20'000);
