@@ -30,7 +30,7 @@ QString AcquisitionEstimate::formatDuration(qint64 seconds)
         return tr("%1 h").arg(number(seconds / 3600));
     if (seconds % 60 == 0)
         return tr("%1 min").arg(number(seconds / 60));
-    if (seconds < 3600)
+    if (seconds / 3600 == 0)
         return tr("%1 min %2 s").arg(number(seconds / 60), number(seconds % 60));
     return tr("%1 h %2 min").arg(number(seconds / 3600), number(seconds % 3600 / 60));
 }
