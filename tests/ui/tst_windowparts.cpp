@@ -316,6 +316,7 @@ private slots:
 
     void resizingStartsFromTheWholeFrame()
     {
+        m_label.show();
         QVERIFY(m_pane.showFrame(stripes({800, 400})));
         m_label.resize(1, 1);
         QCOMPARE(m_label.pixmap(Qt::ReturnByValue).size(), QSize(2, 1)); // of the screen's pixels
