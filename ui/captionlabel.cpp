@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <QStyle>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -35,7 +36,7 @@ QString brokenLine(const QString &line, const QFontMetrics &metrics, int width)
 int CaptionLabel::heightForWidth(int width) const
 {
     const int besides = 2 * (frameWidth() + margin());
-    const QRect room(0, 0, width - besides - indentPx(), anyHeightPx);
+    const QRect room(QPoint(), QSize(width - besides - indentPx(), anyHeightPx));
     return fontMetrics().boundingRect(room, Qt::TextWordWrap, broken(room.width())).height() +
            besides;
 }
@@ -53,7 +54,8 @@ void CaptionLabel::paintEvent(QPaintEvent * /*event*/)
 /// As any label keeps its text off a frame.
 int CaptionLabel::indentPx() const
 {
-    return frameWidth() > 0 ? fontMetrics().horizontalAdvance(QLatin1Char('x')) / 2 : 0;
+    const int half = fontMetrics().horizontalAdvance(QLatin1Char('x')) / 2;
+    return frameWidth() > 0 ? std::max(half - margin(), 0) : 0;
 }
 
 QString CaptionLabel::broken(int width) const

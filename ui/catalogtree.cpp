@@ -97,7 +97,6 @@ QTreeWidgetItem *newLeaf(const QString &key, const QJsonObject &entry, const QSt
     auto *leaf = new QTreeWidgetItem;
     leaf->setText(column,
                   QStringLiteral("%1   [sourceId %2]").arg(nickname, QString::number(sourceId)));
-    leaf->setFlags(leaf->flags() | Qt::ItemIsUserCheckable);
     leaf->setCheckState(column, Qt::Unchecked);
     leaf->setData(column, SourceIdRole, sourceId);
     leaf->setData(column, NicknameRole, nickname);

@@ -78,8 +78,7 @@ void LogView::append(const QString &text)
     cursor.insertText(text, format(lineClass, m_log->palette()));
     cursor.insertBlock();
     cursor.endEditBlock();
-    m_log->setTextCursor(cursor);
-    m_log->ensureCursorVisible();
+    m_log->setTextCursor(cursor); // and scrolls to it
     refreshTitle();
 }
 

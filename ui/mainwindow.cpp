@@ -50,14 +50,9 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
-    // Ends a run while the widgets still exist, and without a message box, which would keep the
-    // program alive after its window is closed.
-    for (QObject *worker :
-         {static_cast<QObject *>(m_controller), static_cast<QObject *>(m_catalogClient)}) {
-        worker->disconnect(this);
-        worker->disconnect(m_log);
-        delete worker;
-    }
+    // Both end what they are doing while the widgets that hear of it still exist.
+    delete m_controller;
+    delete m_catalogClient;
 }
 
 void MainWindow::buildWidgets()

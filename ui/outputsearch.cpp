@@ -35,7 +35,7 @@ QString OutputSearch::newestVideo(const QString &root)
 
 QString OutputSearch::videoStartFolder(const QString &root, const QString &lastFolder)
 {
-    if (!lastFolder.isEmpty() && QFileInfo(lastFolder).isDir())
+    if (QFileInfo(lastFolder).isDir())
         return lastFolder;
     const QString newest = newestVideo(root);
     return newest.isEmpty() ? root : QFileInfo(newest).absolutePath();

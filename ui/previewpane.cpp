@@ -22,7 +22,6 @@ bool PreviewPane::showFrame(const QImage &frame)
         return false;
     const bool fits = frame.size().boundedTo(largestPx) == frame.size();
     m_frame = QPixmap::fromImage(fits ? frame : frame.scaled(largestPx, Qt::KeepAspectRatio));
-    m_frame.setDevicePixelRatio(1.0);
     m_shown = QPixmap();
     rescale();
     return true;
@@ -32,8 +31,7 @@ void PreviewPane::clear(const QString &text)
 {
     m_frame = QPixmap();
     m_shown = QPixmap();
-    m_label->setPixmap(QPixmap());
-    m_label->setText(text);
+    m_label->setText(text); // replaces the picture
 }
 
 void PreviewPane::rescale()
@@ -54,7 +52,7 @@ void PreviewPane::rescale()
 bool PreviewPane::eventFilter(QObject *watched, QEvent *event)
 {
     // The splitter and the docks resize the label while the window keeps its size.
-    if (watched == m_label && event->type() == QEvent::Resize)
+    if (event->type() == QEvent::Resize)
         rescale();
     return QObject::eventFilter(watched, event);
 }

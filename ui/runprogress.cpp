@@ -51,7 +51,7 @@ QString RunProgress::roundedDuration(qint64 ms)
     constexpr qint64 secondMs = 1000;
     constexpr qint64 minuteMs = 60 * secondMs;
     constexpr qint64 hourMs = 60 * minuteMs;
-    const qint64 tensOfSeconds = unitsUp(std::max<qint64>(ms, 1), 10 * secondMs);
+    const qint64 tensOfSeconds = std::max<qint64>(unitsUp(ms, 10 * secondMs), 1);
     if (tensOfSeconds < 6)
         return tr("%1 s").arg(number(10 * tensOfSeconds));
     const qint64 minutes = unitsUp(ms, minuteMs);

@@ -41,7 +41,8 @@ void StatusLine::count(int value, int maximum)
     }
     m_count.done = value;
     m_count.total = maximum;
-    m_count.elapsedMs = m_count.isPlanned ? m_sincePlan.elapsed() : 0;
+    if (m_count.isPlanned)
+        m_count.elapsedMs = m_sincePlan.elapsed();
 }
 
 void StatusLine::end()

@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr int layoutVersion = 0;
 constexpr int archiveDelaySeconds = 600; // younger images are rarely archived yet
 constexpr int defaultIntervalSeconds = 3600;
 
@@ -144,7 +143,7 @@ void UiSettings::restoreLayout(QMainWindow *window, const Ui::MainWindow &form)
             apply(stored);
     };
     restore(geometryKey, [&](const QByteArray &geometry) { window->restoreGeometry(geometry); });
-    restore(stateKey, [&](const QByteArray &state) { window->restoreState(state, layoutVersion); });
+    restore(stateKey, [&](const QByteArray &state) { window->restoreState(state); });
     restore(splitterKey,
             [&](const QByteArray &state) { form.catalogSplitter->restoreState(state); });
     restore(headerKey,
@@ -170,14 +169,13 @@ void UiSettings::save(const QMainWindow &window, const Ui::MainWindow &form)
 {
     Store store;
     store.setValue(QLatin1String(geometryKey), window.saveGeometry());
-    store.setValue(QLatin1String(stateKey), window.saveState(layoutVersion));
+    store.setValue(QLatin1String(stateKey), window.saveState());
     store.setValue(QLatin1String(splitterKey), form.catalogSplitter->saveState());
     store.setValue(QLatin1String(headerKey), form.sourcesTree->header()->saveState());
     const QVector<Field> all = fields(form);
     for (const Field &field : all)
         store.setValue(QLatin1String(field.key), valueOf(field));
     saveSelection(store, form.sourcesTree);
-    store.sync();
 }
 
 QString UiSettings::lastVideoFolder()

@@ -70,12 +70,10 @@ QValidator::State UtcEdit::validate(QString &text, int &position) const
 bool UtcEdit::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == lineEdit()) {
-        if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::DragEnter)
+        if (event->type() == QEvent::MouseButtonPress)
             endRun();
         else if (event->type() == QEvent::MouseButtonRelease) // the middle one pastes
             m_cursor = insertPosition();
-        else if (event->type() == QEvent::Drop)
-            m_cursor = lineEdit()->cursorPositionAt(static_cast<QDropEvent *>(event)->pos());
     }
     return QDateTimeEdit::eventFilter(watched, event);
 }
@@ -83,8 +81,7 @@ bool UtcEdit::eventFilter(QObject *watched, QEvent *event)
 void UtcEdit::changeEvent(QEvent *event)
 {
     QDateTimeEdit::changeEvent(event);
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
-        reserveWidth();
+    reserveWidth(); // for another font, or another style
 }
 
 void UtcEdit::keyPressEvent(QKeyEvent *event)
@@ -174,7 +171,7 @@ void UtcEdit::erase(bool backwards)
     const bool isSelected = lineEdit()->hasSelectedText();
     int end = insertPosition();
     if (backwards && !isSelected)
-        end -= end > 1 && !text.at(end - 1).isDigit() ? 2 : 1;
+        end -= end == UtcTyping::positionOf(UtcTyping::sectionAt(end)) ? 2 : 1;
     if (end < 0 || (!backwards && !isSelected && (end >= text.size() || !text.at(end).isDigit())))
         return;
     Run run = newRun(end);
@@ -202,9 +199,7 @@ void UtcEdit::showRun()
     setDateTime(isAllowed(reading.time) ? reading.time : m_run->before);
     const QSignalBlocker quiet(lineEdit()); // the base class would parse the text and complete it
     lineEdit()->setText(reading.text);
-    lineEdit()->setCursorPosition(reading.cursor);
-    if (reading.selected > 0)
-        lineEdit()->setSelection(reading.cursor, reading.selected);
+    lineEdit()->setSelection(reading.cursor, reading.selected); // of none: puts the cursor there
 }
 
 /// What was typed is a time now, or it is not.

@@ -22,7 +22,7 @@ public:
     bool showsTime() const;
 
     void stepBy(int steps) override;
-    /// Handles text that is pasted, dropped or otherwise inserted as a whole.
+    /// Handles text that is pasted or otherwise inserted as a whole.
     QValidator::State validate(QString &text, int &position) const override;
 
 signals:

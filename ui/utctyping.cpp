@@ -215,7 +215,7 @@ bool UtcTyping::isKey(QChar character)
 Section UtcTyping::sectionAt(int position)
 {
     int section = Second;
-    while (section > Year && position < layouts[section].position)
+    while (position < layouts[section].position)
         --section;
     return static_cast<Section>(section);
 }

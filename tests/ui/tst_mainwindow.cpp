@@ -5,6 +5,7 @@
 #include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 #include "tests/ui/windowfixture.h"
+#include "ui/licensedialog.h"
 
 #include <QAccessible>
 #include <QAction>
@@ -74,6 +75,7 @@ private slots:
     {
         WindowFixture::reset();
         WindowFixture::writeCatalog(catalog);
+        m_opened.clear();
     }
 
     /// A screen reader says it; Qt's own parts of parts have their whole's.
@@ -107,9 +109,10 @@ private slots:
         while (afterTheLog.size() < 3) {
             next = next->nextInFocusChain();
             if (const auto *button = qobject_cast<const QToolButton *>(next))
-                afterTheLog += button->text();
+                afterTheLog += button->text() + QString::number(button->focusPolicy());
         }
-        QCOMPARE(afterTheLog, QStringList({"Start acquisition"_s, "Stop"_s, "Open ./out"_s}));
+        QCOMPARE(afterTheLog, QStringList({"Start acquisition1"_s, "Stop1"_s, "Open ./out1"_s}));
+        QCOMPARE(window.focusWidget(), part<QWidget>(window, "sourcesTree"));
     }
 
     void refusedStartSavesSettingsAndKeepsTheLog()
@@ -119,8 +122,9 @@ private slots:
         QVERIFY(QTest::qWaitForWindowActive(&window));
         const QString cadence = "acquisition/cadenceSeconds"_s;
         part<QSpinBox>(window, "cadenceSpin")->setValue(7);
-        QTRY_VERIFY(part<QDockWidget>(window, "dockWidget")->geometry().bottom() <
-                    window.statusBar()->y()); // they do not overlap
+        auto *dock = part<QDockWidget>(window, "dockWidget");
+        dock->setStyleSheet("font-size: 16pt"_s);
+        QTRY_VERIFY(dock->height() > dock->minimumSizeHint().height()); // not over its neighbours
         const BoxCloser boxes;
         QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
         QCOMPARE(userSettings().value(cadence).toInt(), 7);
@@ -133,23 +137,6 @@ private slots:
         QCOMPARE(boxes.shown, QStringList({"Orvik: Select at least one Helioviewer datasource."_s,
                                            "Orvik: Enable PNG frame storage or MP4 creation."_s}));
         QVERIFY(!part<QAction>(window, "actionStopAcquisition")->isEnabled());
-    }
-
-    void presetCountsUntilTheUserSaved()
-    {
-        TestFolder::setKey("acquisition/cadenceSeconds"_s, 120);
-        TestFolder::setKey("video/sourceOverlay"_s, false);
-        MainWindow window;
-        QCOMPARE(part<QSpinBox>(window, "cadenceSpin")->value(), 120);
-        QVERIFY(part<QCheckBox>(window, "sourceOverlayCheck")->isChecked());
-        part<QSplitter>(window, "catalogSplitter")->setSizes({200, 700});
-        window.close();
-        QCOMPARE(userSettings().allKeys().size(), 17);
-        TestFolder::setKey("acquisition/cadenceSeconds"_s, 240);
-        const MainWindow next;
-        QCOMPARE(part<QSpinBox>(next, "cadenceSpin")->value(), 120);
-        QCOMPARE(part<QSplitter>(next, "catalogSplitter")->saveState(),
-                 part<QSplitter>(window, "catalogSplitter")->saveState());
     }
 
     void storedValuesAndPresets()
@@ -186,19 +173,28 @@ private slots:
         MainWindow window;
         auto *tree = part<QTreeWidget>(window, "sourcesTree");
         tree->setCurrentItem(tree->topLevelItem(0));
-        const auto *estimate = part<QLabel>(window, "estimateLabel");
-        const QString before = estimate->text();
-        part<QSpinBox>(window, "fpsSpin")->setValue(7);
-        QVERIFY(estimate->text() != before);
-        window.resize(1400, 1000);
+        const auto *meta = part<QLabel>(window, "previewMeta");
+        const QString line = "Requested: 8888-88-88 88:88:88 UTC   |   Delta: +888 s"_s;
+        QCOMPARE(meta->minimumSize(), QSize(meta->fontMetrics().horizontalAdvance(line),
+                                            3 * meta->fontMetrics().lineSpacing()));
         window.show();
+        auto *splitter = part<QSplitter>(window, "catalogSplitter");
+        window.resize(3000, 1000);
+        QTRY_VERIFY(std::abs(splitter->sizes().at(0) - 2 * splitter->sizes().at(1)) < 3);
+        splitter->setChildrenCollapsible(false); // is stored with its sizes
+        window.resize(1400, 1000);
         userSettings().setValue("sources/currentId"_s, 10); // a group is current now
         part<QDockWidget>(window, "infoDockWidget")->hide();
         window.close();
         QVERIFY(!userSettings().contains("sources/currentId"_s));
+        QCOMPARE(userSettings().allKeys().size(), 17);
+        TestFolder::setKey("acquisition/cadenceSeconds"_s, 240); // too late
         const MainWindow next;
+        QCOMPARE(part<QSpinBox>(next, "cadenceSpin")->value(), 60);
+        QVERIFY(!part<QSplitter>(next, "catalogSplitter")->childrenCollapsible());
         QCOMPARE(next.size(), QSize(1400, 1000));
         QVERIFY(part<QDockWidget>(next, "infoDockWidget")->isHidden());
+        QCOMPARE(next.corner(Qt::BottomRightCorner), Qt::RightDockWidgetArea);
     }
 
     void brokenCacheAsksTheService()
@@ -209,6 +205,8 @@ private slots:
         const MainWindow window;
         const auto *refresh = part<QPushButton>(window, "refreshButton");
         QVERIFY(!refresh->isEnabled());
+        part<QAction>(window, "actionRefreshCatalog")->trigger(); // of no use
+        QCOMPARE(logText(window).count("] Refreshing Helioviewer datasource catalog...\n"_s), 1);
         QTRY_COMPARE_WITH_TIMEOUT(boxes.shown.size(), 1, 20'000);
         QVERIFY(refresh->isEnabled());
         QVERIFY(boxes.shown.first().startsWith("Helioviewer: getDataSources failed:\n"_s));
@@ -254,12 +252,6 @@ private slots:
     void actionsReachTheDesktop()
     {
         const TestFolder::OutputRoot root;
-        const BoxCloser boxes;
-        part<QAction>(MainWindow(), "actionPlayLatestVideo")->trigger();
-        QCOMPARE(
-            boxes.shown.join(QLatin1Char('|')),
-            "Play latest video: No MP4 video was found under:\n%1\n\nSelect a video manually?"_s
-                .arg(root.path()));
         const QString film = root.path() + "/%1 film.mp4"_s;
         const QString help = TestFolder::path("doc/help.html"_s);
         QDir().mkpath(TestFolder::path("doc"_s));
@@ -271,10 +263,34 @@ private slots:
         for (const char *action :
              {"actionPlayLatestVideo", "actionOpenOutputFolder", "actionHelpOrvik", "actionExit"})
             part<QAction>(window, action)->trigger();
+        QTimer::singleShot(0, this, [] {
+            qobject_cast<LicenseDialog *>(QApplication::activeModalWidget())->reject();
+        });
+        part<QAction>(window, "actionLicense")->trigger();
         QDesktopServices::unsetUrlHandler("file"_s);
         QCOMPARE(m_opened, QVector<QString>({film, root.path(), help}));
         QVERIFY(logText(window).contains("Playing video: "_s + film));
         QVERIFY(!window.isVisible());
+    }
+
+    /// Where the last one was, at first in the output folder.
+    void chosenVideosArePlayed()
+    {
+        const TestFolder::OutputRoot root;
+        const QTemporaryDir elsewhere;
+        BoxCloser boxes;
+        boxes.chosen = elsewhere.filePath("%1 film.mp4"_s);
+        QVERIFY(QFile(boxes.chosen).open(QIODevice::WriteOnly));
+        QDesktopServices::setUrlHandler("file"_s, this, "open");
+        const MainWindow window;
+        part<QAction>(window, "actionPlayLatestVideo")->trigger(); // finds none, and asks
+        const QString film = std::exchange(boxes.chosen, QString());
+        part<QAction>(window, "actionPlaySelectedVideo")->trigger(); // and nothing is chosen
+        QDesktopServices::unsetUrlHandler("file"_s);
+        QCOMPARE(m_opened, QVector<QString>({film}));
+        QCOMPARE(boxes.shown.join(QLatin1Char('|')),
+                 "Play latest video: No MP4 video was found under:\n%1\n\nSelect a video manually?|"
+                 "Select video: %1|Select video: %2"_s.arg(root.path(), elsewhere.path()));
     }
 
     void stoppedAndClosedAtEveryStage_data()
@@ -326,6 +342,7 @@ private slots:
             WindowFixture::clickToolButton(window, "actionStartAcquisition");
             QCOMPARE(part<QLabel>(window, "previewLabel")->text(),
                      "Waiting for the first accepted frame..."_s);
+            QVERIFY(window.statusBar()->currentMessage() != "Ready"_s);
             QTRY_VERIFY_WITH_TIMEOUT(hasActed, 20'000);
             if (end != stopping)
                 QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), 20'000);

@@ -5,6 +5,7 @@
 #include "tests/support/literals.h"
 #include "tests/ui/wholesession.h"
 #include "tests/ui/windowfixture.h"
+#include "ui/statusline.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -14,6 +15,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QStatusBar>
 #include <QTextBrowser>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
@@ -243,6 +245,9 @@ private slots:
                                 &AcquisitionController::finished);
             WindowFixture::clickToolButton(window, "actionStartAcquisition");
             QVERIFY(finished.wait(30'000));
+            window.findChild<StatusLine *>()->begin(); // says once more how far it came
+            QCOMPARE(window.statusBar()->currentMessage(),
+                     flags[3] == '1' ? "1 of 1 requests, 1 of 1 films"_s : "1 of 1 requests"_s);
             const QString session = finished.first().at(1).toString() + QLatin1Char('/');
             const QString stored = WholeSession::contentOf(session + "session.json"_s);
             QString described;
@@ -255,6 +260,51 @@ private slots:
             const QStringList found = source.entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
             QCOMPARE(found.join(QLatin1Char(' ')).remove(folder), QLatin1String(files));
         }
+    }
+
+    /// Of what is chosen, found out and not to be had.
+    void windowTellsAtOnce()
+    {
+        WindowFixture::reset();
+        WindowFixture::writeCatalog(R"({"SDO": {"171": {"sourceId": 10, "nickname": "AIA 171"},
+                                                "x": {"sourceId": 13}}})");
+        const QDateTime start(QDate(2000, 1, 1), QTime(0, 0), Qt::UTC); // as the form has it
+        for (const char *key : {"acquisition/startUtc", "acquisition/endUtc"})
+            WindowFixture::userSettings().setValue(QLatin1String(key), start);
+        MainWindow window;
+        QVERIFY(QFile::exists(TestFolder::path("sys/orvik.ini"_s)));
+        const auto shown = [&window] {
+            return part<QLabel>(window, "estimateLabel")->text() +
+                   part<QTextBrowser>(window, "catalogInfo")->toPlainText();
+        };
+        QVERIFY(shown().contains(" 1 frame(s) per datasource  |  video 00:00:00.040 @ 25 fps"_s));
+        QVERIFY(shown().contains("Select a datasource on the left."_s));
+        window.show();
+        QTreeWidgetItem *leaf = WindowFixture::findLeaf(window, "AIA 171"_s);
+        const QRect row = leaf->treeWidget()->visualItemRect(leaf);
+        QTest::mouseClick(leaf->treeWidget()->viewport(), Qt::LeftButton, {},
+                          {row.left() + row.height() / 2, row.center().y()}); // its box
+        choose(window, "endEdit", start.addSecs(240));
+        choose(window, "fpsSpin", 7);
+        QVERIFY(shown().contains(" 5 frame(s) per datasource  |  video 00:00:00.714 @ 7 fps"_s));
+        QVERIFY(shown().contains(" -> 2000-01-01 00:04:00 UTC."_s));
+        auto *controller = window.findChild<AcquisitionController *>();
+        for (const auto &[id, frames] : {std::pair(10, 22), {13, 33}, {99, 44}}) // none is 99
+            emit controller->sourceTimingAnalyzed(id, frames, 60, 50, 70);
+        QVERIFY(shown().contains("22 probe frames; observed range 50 s - 1 min 10 s."_s));
+        QString told;
+        for (const char *button : {"clearButton", "aiaButton"}) {
+            part<QPushButton>(window, button)->click();
+            told += window.statusBar()->currentMessage() + QString::number(leaf->checkState(0));
+        }
+        leaf->treeWidget()->clear();
+        part<QPushButton>(window, "aiaButton")->click();
+        QCOMPARE(told + window.statusBar()->currentMessage(),
+                 "Ready01 SDO/AIA bands ticked.2The catalog holds no SDO/AIA band. Refresh it."_s);
+        emit controller->progressChanged(0, 0);
+        emit controller->previewReady("x"_s, "/none.png"_s, start, start, 0);
+        QCOMPARE(part<QProgressBar>(window, "progress")->maximum(), 1);
+        QTRY_VERIFY(WindowFixture::logText(window).endsWith("preview image /none.png\n"_s));
     }
 
 private:

@@ -1,15 +1,25 @@
+#include "app/applicationlook.h"
+#include "app/applicationstyle.h"
 #include "tests/support/literals.h"
 #include "ui/acquisitionestimate.h"
 #include "ui/catalogtree.h"
+#include "ui/licensedialog.h"
 #include "ui/logview.h"
 #include "ui/outputsearch.h"
 #include "ui/previewpane.h"
 
+#include <QDialogButtonBox>
 #include <QDockWidget>
+#include <QHelpEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPainter>
+#include <QPlainTextEdit>
+#include <QStyleFactory>
+#include <QStyleOption>
 #include <QTextBlock>
 #include <QTextEdit>
+#include <QToolTip>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
 #include <QtTest>
@@ -114,6 +124,10 @@ private slots:
 
     void strangeCatalogs()
     {
+        m_selection = {{}, 0};
+        fill(strangeIds);
+        QCOMPARE(CatalogTree::currentId(m_tree.get()), 0);
+        m_tree->clear();
         m_selection = {{0}, -1};
         fill(strangeIds);
         QCOMPARE(tickedIds().size(), 3);
@@ -122,6 +136,7 @@ private slots:
         fill(QByteArray("{\"a\":").repeated(900) + "{\"sourceId\":1}" +
              QByteArray("}").repeated(900));
         QCOMPARE(tickedIds().size(), 1);
+        QVERIFY(m_tree->findItems("a"_s, Qt::MatchRecursive).at(99)->isExpanded());
     }
 
     void whatALeafTells()
@@ -144,6 +159,13 @@ private slots:
         const QString page = SourceDetails::page(source, {{}, {}, 60});
         QVERIFY(page.contains("<h2>&lt;i&gt;</h2>"_s));
         QVERIFY(page.contains("<tr><td><b>&lt;L&gt;</b></td><td>&lt;N&gt;</td></tr></table>"_s));
+        m_tree->show();
+        for (const QTreeWidgetItem *hovered : {leaf, item("AIA 193   [sourceId -2]")}) {
+            QHelpEvent help(QEvent::ToolTip, m_tree->visualItemRect(hovered).center(), {});
+            QVERIFY(QApplication::sendEvent(m_tree->viewport(), &help));
+            const QString text = hovered->toolTip(0); // never taken for HTML
+            QCOMPARE(QToolTip::text(), hovered == leaf ? Qt::convertFromPlainText(text) : text);
+        }
         CatalogTree::clearAnalyses(m_tree.get());
         QVERIFY(!CatalogTree::source(leaf).analysis && leaf->toolTip(0) == first);
     }
@@ -205,10 +227,19 @@ private slots:
 
     void linesOfTheLog()
     {
-        for (const int length : {9'999, 10'000, 10'001}) {
-            m_log.append("word "_s + QString(length, QLatin1Char('x')));
-            QCOMPARE(m_edit.wordWrapMode() == QTextOption::WrapAnywhere, length > 10'000);
+        QSignalSpy layouts(m_edit.document(), &QTextDocument::contentsChanged);
+        for (const char *start : {"", " ", "word "}) {
+            m_log.clear();
+            layouts.clear();
+            for (const int length : {9'999, 10'000, 10'001}) {
+                m_log.append(QLatin1String(start) + QString(length, QLatin1Char('x')));
+                QCOMPARE(m_edit.wordWrapMode() == QTextOption::WrapAnywhere, length > 10'000);
+            }
+            QCOMPARE(layouts.size(), 3); // one for each line
         }
+        QVERIFY(m_edit.viewport()->rect().contains(m_edit.cursorRect()));
+        QVERIFY(m_edit.font().fixedPitch() && m_edit.font().styleHint() == QFont::TypeWriter);
+        QCOMPARE(int(m_edit.textInteractionFlags()), 3); // to be selected in both ways
         m_log.clear();
         QCOMPARE(m_edit.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
     }
@@ -219,11 +250,20 @@ private slots:
         for (const int seconds : {0, 59, 60, 61, 3599, 3600, 3661, 5400})
             texts += AcquisitionEstimate::formatDuration(seconds) + QLatin1Char('|');
         QCOMPARE(texts, "n/a|59 s|1 min|1 min 1 s|59 min 59 s|1 h|1 h 1 min|90 min|"_s);
-        QCOMPARE(AcquisitionEstimate::formatVideoDuration(90'061'500, 1000), "25:01:01.500"_s);
+        texts.clear();
+        for (const auto &[frames, fps] : {std::pair(90'061'500, 1000), {0, 1}, {1, 0}, {1, 1}})
+            texts += AcquisitionEstimate::formatVideoDuration(frames, fps) + QLatin1Char('|');
+        QCOMPARE(texts, "25:01:01.500|--|--|00:00:01.000|"_s);
         const QDateTime start(QDate(2024, 5, 1), QTime(10, 0), Qt::UTC);
-        for (const auto &[seconds, cadence] : {std::pair(-1, 60), std::pair(60, 0)})
-            QCOMPARE(AcquisitionEstimate::text(start, start.addSecs(seconds), cadence, 25),
+        const QDateTime end = start.addSecs(-1);
+        for (const auto &[from, to, cadence, fps] : {std::tuple(start, end, 60, 25),
+                                                     {end, start, 0, 25},
+                                                     {end, start, 60, 0},
+                                                     {{}, start, 60, 25},
+                                                     {start, {}, 60, 25}})
+            QCOMPARE(AcquisitionEstimate::text(from, to, cadence, fps),
                      "Estimated acquisition: invalid interval or parameters"_s);
+        QVERIFY(AcquisitionEstimate::text(start, start, 1, 1).contains(" 00:00:01.000 @ 1 fps"_s));
     }
 
     void newestFilesAtAnyDepth()
@@ -235,7 +275,29 @@ private slots:
         const QString session = create(folder, "b/session.json", 10);
         QCOMPARE(OutputSearch::newestVideo(folder.path()), film);
         QCOMPARE(OutputSearch::newestSession(folder.path()), QFileInfo(session).path());
-        QCOMPARE(OutputSearch::newestSession(folder.filePath("gone"_s)), QString());
+        const QString gone = folder.filePath("gone"_s);
+        QCOMPARE(OutputSearch::newestSession(gone), QString());
+        QCOMPARE(OutputSearch::videoStartFolder(folder.path(), gone), QFileInfo(film).path());
+        QCOMPARE(OutputSearch::videoStartFolder(gone, folder.path()), folder.path());
+    }
+
+    void licenceIsReadInFull()
+    {
+        LicenseDialog dialog;
+        dialog.show();
+        const auto *view = dialog.findChild<QPlainTextEdit *>("licenseText"_s);
+        const int lines = view->blockCount();
+        QVERIFY(lines > 9 && view->document()->size().height() == lines); // none is broken
+        QCOMPARE(dialog.windowTitle() + view->accessibleName(), "Freeware licenseLicence text"_s);
+        QVERIFY(!(dialog.windowFlags() & Qt::WindowContextHelpButtonHint));
+        QCOMPARE(view->textInteractionFlags(), m_edit.textInteractionFlags());
+        QVERIFY(!view->testAttribute(Qt::WA_InputMethodEnabled)); // no keyboard on the screen
+        QVERIFY(dialog.findChild<QLabel *>("programLabel"_s)->geometry().bottom() < view->y());
+        QVERIFY(view->geometry().bottom() < dialog.findChild<QDialogButtonBox *>()->y());
+        const int before = view->height();
+        dialog.resize(1, 1);
+        const int least = view->height();
+        QVERIFY(least == 10 * view->fontMetrics().lineSpacing() && before > 2 * least);
     }
 
     void frameFillsTheLabelPixelByPixel()
@@ -254,8 +316,10 @@ private slots:
 
     void resizingStartsFromTheWholeFrame()
     {
+        m_label.show();
         QVERIFY(m_pane.showFrame(stripes({800, 400})));
         m_label.resize(1, 1);
+        QCOMPARE(m_label.pixmap(Qt::ReturnByValue).size(), QSize(2, 1)); // of the screen's pixels
         m_label.resize(404, 404);
         QCOMPARE(m_label.pixmap(Qt::ReturnByValue).size(), QSize(600, 300));
         m_label.resize(804, 404);
@@ -270,10 +334,63 @@ private slots:
         QVERIFY(m_pane.showFrame(stripes({40, 40})));
         const qint64 shown = m_label.pixmap(Qt::ReturnByValue).cacheKey();
         QVERIFY(!m_pane.showFrame(QImage()));
+        m_pane.rescale(); // to the size that it has
         QCOMPARE(m_label.pixmap(Qt::ReturnByValue).cacheKey(), shown);
         m_pane.clear("Waiting"_s);
         m_label.resize(500, 500);
         QCOMPARE(m_label.text(), "Waiting"_s);
+    }
+
+    /// The last, as it changes the application.
+    void lookOfTheProgram()
+    {
+        applyApplicationLook(*qApp);
+        QVERIFY(QApplication::testAttribute(Qt::AA_UseHighDpiPixmaps));
+        QStyleOptionButton option;
+        QPalette &palette = option.palette = QApplication::palette();
+        QCOMPARE(palette.color(QPalette::Active, QPalette::Window).name() +
+                     palette.color(QPalette::Disabled, QPalette::Text).name(),
+                 "#2d2d30#7d7d7d"_s);
+        const std::unique_ptr<QStyle> ours = std::make_unique<ApplicationStyle>();
+        const std::unique_ptr<QStyle> fusion(QStyleFactory::create("Fusion"_s));
+        QCOMPARE(ours->objectName(), "fusion"_s);
+        QCOMPARE(ours->styleHint(QStyle::SH_EtchDisabledText), 0);
+        const auto drawn = [&option](const auto &by, QStyle::PrimitiveElement element,
+                                     const QWidget *widget = nullptr) {
+            QImage image(40, 30, QImage::Format_RGB32);
+            image.fill(Qt::black);
+            QPainter painter(&image);
+            option.rect = image.rect();
+            by->drawPrimitive(element, &option, &painter, widget);
+            return painter.pen() == QPen() ? image : QImage(); // it leaves none behind
+        };
+        const auto button = QStyle::PE_PanelButtonCommand;
+        QCOMPARE(drawn(ours, button), drawn(fusion, button));
+        const QImage box = drawn(ours, QStyle::PE_IndicatorCheckBox);
+        palette.setColor(QPalette::Window, QColor(185, 185, 190)); // its outline's origin
+        QCOMPARE(box, drawn(fusion, QStyle::PE_IndicatorCheckBox));
+
+        const QImage plain = drawn(fusion, QStyle::PE_Frame);
+        QImage focused = plain;
+        QPainter painter(&focused);
+        painter.setPen(palette.color(QPalette::Highlight).lighter(125));
+        painter.drawRect(0, 0, 39, 29);
+        painter.end();
+        QWidget window;
+        QLineEdit edit(&window);
+        m_tree->setParent(&window);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QCOMPARE(drawn(ours, QStyle::PE_Frame, m_tree.get()), plain);
+        m_tree->setFocus();
+        QCOMPARE(drawn(ours, QStyle::PE_Frame, m_tree.get()), focused);
+        QCOMPARE(drawn(ours, QStyle::PE_Frame, &edit), plain);
+        m_tree->clearFocus();
+        QCOMPARE(drawn(ours, QStyle::PE_Frame, m_tree.get()), plain);
+        m_tree->setFocusProxy(&edit);
+        edit.setFocus();
+        QCOMPARE(drawn(ours, QStyle::PE_Frame, m_tree.get()), focused);
+        m_tree->setParent(nullptr);
     }
 
 private:

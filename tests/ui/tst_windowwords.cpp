@@ -1,19 +1,19 @@
 #include "tests/support/literals.h"
 #include "ui/captionlabel.h"
-#include "ui/catalogtree.h"
 #include "ui/runprogress.h"
 #include "ui/statusline.h"
 #include "ui/utcedit.h"
 #include "ui/utctyping.h"
 
+#include <QApplication>
+#include <QCalendarWidget>
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QStatusBar>
 #include <QTimer>
-#include <QTreeWidget>
 #include <QtTest>
 
 namespace {
@@ -45,7 +45,7 @@ private slots:
     void typed_data()
     {
         QTest::addColumn<int>("clicked");
-        QTest::addColumn<QString>("keys"); // < is Backspace, ~ Delete, > Tab, ^ Up, $ Shift
+        QTest::addColumn<QString>("keys"); // < is Backspace, ~ Delete, > Tab; see below
         QTest::addColumn<QString>("expected");
         QTest::addColumn<bool>("isRefused");
         const QString stamp = QStringLiteral("2023-08-09 01:02:03");
@@ -71,8 +71,14 @@ private slots:
         row(12, "12^", QStringLiteral("2024-01-31 12:35:56"));
         row(-1, "2023>08>>7>", QStringLiteral("2023-08-31 07:34:56"));
         row(14, "<5", QStringLiteral("2024-01-31 15:34:56")); // over the separator
-        row(12, "1$2", QStringLiteral("2024-01-31 12:34:56"));
-        row(12, "1x5", QStringLiteral("2024-01-31 15:34:56"));
+        for (const char *keys : {"1$2", "1%2", "1&2"})
+            row(12, keys, QStringLiteral("2024-01-31 12:34:56"));
+        row(12, "1!2", QStringLiteral("2024-01-31 02:34:56"));
+        row(12, "1>5>", QStringLiteral("2024-01-31 01:05:56"));
+        row(13, "~5", QStringLiteral("2024-01-31 05:34:56"));
+        row(0, "-5", QStringLiteral("2024-05-31 12:34:56"));
+        row(0, ":5", QStringLiteral("2024-01-31 12:34:56"), true);
+        row(-1, "1752-09-14 00:00:00", QStringLiteral("1752-09-14 00:00:00")); // the first
         for (const auto &[clicked, key] : {std::pair(0, "<"), {13, "~"}, {19, "~"}})
             row(clicked, key, QStringLiteral("2024-01-31 12:34:56"));
         for (const char *keys : {"2023-13-01 00:00:00>", "2023-02-31 00:00:00", "23-08-09>",
@@ -86,19 +92,17 @@ private slots:
         QFETCH(QString, keys);
         enter(clicked);
         const QSignalSpy refused(m_edit, &UtcEdit::refused);
-        const QHash<QChar, Qt::Key> named = {{QLatin1Char('<'), Qt::Key_Backspace},
-                                             {QLatin1Char('~'), Qt::Key_Delete},
-                                             {QLatin1Char('>'), Qt::Key_Tab},
-                                             {QLatin1Char('^'), Qt::Key_Up},
-                                             {QLatin1Char('$'), Qt::Key_Shift}};
+        const QHash<QChar, Qt::Key> named = {
+            {QLatin1Char('<'), Qt::Key_Backspace}, {QLatin1Char('~'), Qt::Key_Delete},
+            {QLatin1Char('>'), Qt::Key_Tab},       {QLatin1Char('^'), Qt::Key_Up},
+            {QLatin1Char('$'), Qt::Key_Shift},     {QLatin1Char('%'), Qt::Key_ScrollLock},
+            {QLatin1Char('&'), Qt::Key_AltGr},     {QLatin1Char('!'), Qt::Key_F5}};
         for (const QChar key : keys) {
             if (named.contains(key))
-                QTest::keyClick(m_edit, named.value(key));
+                QTest::sendKeyEvent(QTest::Click, m_edit, named.value(key), QString(), {});
             else
                 QTest::keyClick(m_edit, key.toLatin1());
         }
-        if (clicked == 1 && keys == "<"_s) // a whole year is shown again once the field is left
-            QCOMPARE(m_edit->text(), QStringLiteral("-01-31 12:34:56"));
         if (m_edit->showsTime())
             QTEST(m_edit->dateTime().toString(QLatin1String(format)), "expected");
         m_edit->clearFocus();
@@ -116,10 +120,59 @@ private slots:
             QTest::keyClick(m_edit, key);
         m_edit->setReadOnly(false);
         QCOMPARE(line->selectedText() + line->text(), "20242024-01-31 12:34:56"_s);
-        QTest::keyClicks(m_edit, "20231"_s);
+        enter(-1);
+        QTest::keyClicks(m_edit, "202312"_s);
+        QTest::keyClick(m_edit, Qt::Key_Backspace);
+        QCOMPARE(line->text(), "2023-1-31 12:34:56"_s);
         QVERIFY(!line->hasSelectedText() && line->cursorPosition() == 6);
-        QTest::mouseClick(line, Qt::LeftButton, {}, {3, line->height() / 2});
-        QCOMPARE(line->text(), "2023-01-31 12:34:56"_s); // in full
+    }
+
+    /// What is typed is over, and counts, when something else is done; and what then comes in.
+    void typingEnds()
+    {
+        auto *line = m_edit->findChild<QLineEdit *>();
+        const QPoint place(3, line->height() / 2);
+        QGuiApplication::clipboard()->setText("2023-08-09 07:08:09"_s);
+        QWheelEvent wheel(place, {}, {}, {0, 120}, {}, {}, Qt::NoScrollPhase, false);
+        QContextMenuEvent menu(QContextMenuEvent::Mouse, place);
+        m_edit->setCalendarPopup(true);
+        const QDateTime before = m_edit->dateTime();
+        QString texts;
+        for (int way = 0; way < 5; ++way) {
+            m_window->activateWindow(); // a menu has closed
+            QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+            m_edit->setDateTime(before);
+            enter(12);
+            QTest::keyClick(m_edit, Qt::Key_1);
+            if (way == 0) {
+                m_edit->grab(); // which ends nothing
+            } else if (way == 1) {
+                QApplication::sendEvent(m_edit, &wheel);
+            } else if (way == 2) {
+                QTest::mousePress(m_edit, Qt::LeftButton, {}, {m_edit->width() - 5, place.y()});
+                m_edit->calendarWidget()->window()->close();
+            } else if (way == 3) { // as the middle button does
+                QTest::mouseClick(line, Qt::LeftButton, {}, place);
+                line->insert(QGuiApplication::clipboard()->text());
+            } else {
+                QTimer::singleShot(0, this, [] {
+                    auto *shown = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+                    shown->actions().at(5)->trigger(); // Paste
+                    shown->close();
+                });
+                QApplication::sendEvent(m_edit, &menu);
+            }
+            texts += line->text().mid(11) + QLatin1Char(' ');
+            m_edit->clearFocus();
+            texts += m_edit->text() + QLatin1Char('|');
+        }
+        QCOMPARE(texts, "1:34:56 2024-01-31 01:34:56|02:34:56 2024-01-31 02:34:56|"
+                        "01:34:56 2024-01-31 01:34:56|07:08:09 2023-08-09 07:08:09|"
+                        "07:08:09 2023-08-09 07:08:09|"_s);
+        const int width = UtcEdit().minimumWidth();
+        QVERIFY(width > m_edit->fontMetrics().horizontalAdvance(m_edit->text()));
+        m_edit->setStyleSheet("font-size: 40pt"_s);
+        QVERIFY(m_edit->minimumWidth() > 2 * width);
     }
 
     void keysAsTheyAreRead()
@@ -135,18 +188,28 @@ private slots:
             counts += QString::number(finished) + QLatin1Char(' ');
         }
         QCOMPARE(counts, "9999 12 31 24 60 60 "_s);
-        for (const char *row : // section keys>text|cursor selected last
-             {"0 >-01-31 12:34:56|0 0 0", "2 >2024-01- 12:34:56|8 0 2",
-              "0 202>202-01-31 12:34:56|3 0 0", "1 1>2024-1-31 12:34:56|6 0 1",
-              "1 02>2024-02-29 12:34:56|8 2 1", "5 123>2024-01-31 12:34:3|18 0 5",
-              "5 5:>2024-01-31 05:34:56|14 2 4", "0 202308090102034>2023-08-09 01:02:4|18 0 5",
-              "3 20230809010203z>2023-08-09 01:02:03|19 0 5",
-              "3 20231309010203>2024-01-31 20:23:03|19 0 5", "0 9:60>2024-01-31 09:60:56|17 2 4",
-              "3 201>2024-01-31 20:1:56|15 0 4"}) {
+        for (const char *row : // section keys>text|cursor selected last time
+             {"0 >-01-31 12:34:56|0 0 0 240131123456", "2 >2024-01- 12:34:56|8 0 2 240131123456",
+              "0 202>202-01-31 12:34:56|3 0 0 240131123456",
+              "1 1>2024-1-31 12:34:56|6 0 1 240131123456",
+              "1 02>2024-02-29 12:34:56|8 2 1 240229123456",
+              "5 123>2024-01-31 12:34:3|18 0 5 240131123403",
+              "5 5:>2024-01-31 05:34:56|14 2 4 240131053456",
+              "0 202308090102034>2023-08-09 01:02:4|18 0 5 230809010204",
+              "3 20230809010203z>2023-08-09 01:02:03|19 0 5 230809010203",
+              "3 20231309010203>2024-01-31 20:23:03|19 0 5 240131202303",
+              "0 9:60>2024-01-31 09:60:56|17 2 4 ", "3 201>2024-01-31 20:1:56|15 0 4 240131200156",
+              "0 20230>2023-0-31 12:34:56|6 0 1 230131123456",
+              "0 2023-08-09 01:02:034>2023-08-09 01:02:034|20 0 0 ",
+              "0 2023-08-09  0102>2023-08-09 01:02:56|17 2 4 230809010256",
+              "0 2023-:5>2023-:5|7 0 0 ", "3 1 2>1 2|3 0 3 ", "2 0 1>2024-01-00 1:34:56|12 0 3 ",
+              "2 1>2024-01-1 12:34:56|9 0 2 240101123456"}) {
             const QString typed = QString::fromLatin1(row).section(QLatin1Char('>'), 0, 0);
             const UtcTyping::Reading reading = read(typed.at(0).digitValue(), typed.mid(2));
-            QCOMPARE(typed + QString::asprintf(">%s|%d %d %d", qPrintable(reading.text),
-                                               reading.cursor, reading.selected, reading.last),
+            QCOMPARE(typed +
+                         QString::asprintf(">%s|%d %d %d ", qPrintable(reading.text),
+                                           reading.cursor, reading.selected, reading.last) +
+                         reading.time.toString("yyMMddHHmmss"_s),
                      QLatin1String(row));
         }
     }
@@ -191,32 +254,6 @@ private slots:
         }
     }
 
-    void ticksAreInViewAndABoxMakesCurrent()
-    {
-        QTreeWidget tree;
-        CatalogTree::prepare(&tree);
-        CatalogTree::Selection selection{{7}, -1};
-        const auto item = [&tree](const char *text) {
-            return tree.findItems(QLatin1String(text), Qt::MatchStartsWith | Qt::MatchRecursive)
-                .at(0);
-        };
-        for (int round = 0; round < 2; ++round) {
-            tree.collapseAll();
-            CatalogTree::fill(&tree,
-                              QJsonDocument::fromJson(R"({"a": {"b": {"c": {"d": {
-                "x": {"sourceId": 7}, "y": {"sourceId": 8}}}}}})")
-                                  .object(),
-                              &selection);
-            QVERIFY(item("c")->isExpanded() && item("d")->isExpanded());
-        }
-        tree.show();
-        const QRect row = tree.visualItemRect(item("y"));
-        QTest::mouseClick(tree.viewport(), Qt::LeftButton, {},
-                          QPoint(row.left() + row.height() / 2, row.center().y()));
-        QCOMPARE(item("y")->checkState(0), Qt::Checked);
-        QCOMPARE(CatalogTree::currentId(&tree), 8);
-    }
-
     void runInWords_data()
     {
         QTest::addColumn<bool>("isPlanned");
@@ -247,6 +284,7 @@ private slots:
         QFETCH(qint64, elapsedMs);
         QCOMPARE(RunProgress::text({isPlanned, done, 102, 2, elapsedMs}),
                  QLatin1String(QTest::currentDataTag()));
+        QCOMPARE(RunProgress::text({true, 2, 2, 0, 9}), "2 of 2 requests"_s);
     }
 
     void statusTellsTheRun()
@@ -270,23 +308,34 @@ private slots:
         status.reset(1); // nothing is left of the run before
         QCOMPARE(bar.currentMessage(), "Ready"_s);
         status.count(0, 4);
+        status.begin();
+        QCOMPARE(bar.currentMessage(), "Measuring cadences: 0 of 4 datasources"_s);
         status.count(0, 9);
         status.begin();
         QCOMPARE(bar.currentMessage(), "0 of 8 requests"_s);
     }
 
-    void captionBreaksAtItsBars()
+    /// The text is where a label of Qt's own has it; a line breaks only where a bar does not fit.
+    void captionKeepsOffItsFrame()
     {
-        const CaptionLabel caption(
-            QStringLiteral("one two   |   three   |   four\nfive   |   six"));
-        const QFontMetrics metrics = caption.fontMetrics();
-        const auto lines = [&](const char *widest) {
-            const int width = metrics.horizontalAdvance(QLatin1String(widest)) + 1;
-            return caption.heightForWidth(width) / metrics.lineSpacing();
-        };
-        QCOMPARE(lines("one two   |   three   |   four"), 2);
-        QCOMPARE(lines("one two   |   three   |"), 3);
-        QCOMPARE(lines("one two   |"), 5);
+        for (const auto &[frame, margin] : {std::pair(0, 0), {0, 3}, {1, 0}, {1, 2}, {1, 9}}) {
+            CaptionLabel caption("one   |   two\nfive"_s);
+            QLabel label(caption.text());
+            for (QLabel *each : {static_cast<QLabel *>(&caption), &label}) {
+                each->setFrameStyle(frame ? QFrame::Box | QFrame::Plain : QFrame::NoFrame);
+                each->setMargin(margin);
+                each->resize(400, 70);
+            }
+            QCOMPARE(caption.grab().toImage(), label.grab().toImage());
+            caption.setText("one two   |   three   |   four\nfive   |   six"_s);
+            const QFontMetrics metrics = caption.fontMetrics();
+            const int besides = 2 * (frame + margin);
+            const int indent = metrics.horizontalAdvance(QLatin1Char('x')) / 2 - margin;
+            const int room = metrics.horizontalAdvance("one two   |   three   |   four"_s) +
+                             besides + frame * std::max(indent, 0);
+            QCOMPARE(caption.heightForWidth(room) - caption.heightForWidth(room + 1),
+                     metrics.lineSpacing());
+        }
     }
 
 private:

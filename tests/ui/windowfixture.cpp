@@ -5,6 +5,8 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QTextEdit>
 #include <QToolBar>
 #include <QTreeWidget>
@@ -69,12 +71,19 @@ WindowFixture::BoxCloser::BoxCloser()
 {
     auto *timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, [this] {
-        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        QWidget *modal = QApplication::activeModalWidget();
+        if (auto *chooser = qobject_cast<QFileDialog *>(modal)) {
+            shown.append(chooser->windowTitle() + ": "_s + chooser->directory().path());
+            chooser->findChild<QLineEdit *>()->setText(chosen);
+            static_cast<QDialog *>(chooser)->done(chosen.isEmpty() ? 0 : 1);
+        }
+        auto *box = qobject_cast<QMessageBox *>(modal);
         if (!box)
             return;
         QCOMPARE(box->textFormat(), Qt::PlainText); // a path or an answer may look like markup
         shown.append(box->windowTitle() + ": "_s + box->text());
-        QTest::mouseClick(box->buttons().constLast(), Qt::LeftButton);
+        const QList<QAbstractButton *> buttons = box->buttons();
+        QTest::mouseClick(chosen.isEmpty() ? buttons.last() : buttons.first(), Qt::LeftButton);
     });
     timer->start(0);
 }

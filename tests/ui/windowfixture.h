@@ -34,13 +34,14 @@ void clickLeaf(const MainWindow &window, const QString &text);
 QTreeWidgetItem *findLeaf(const MainWindow &window, const QString &text);
 QString logText(const MainWindow &window);
 
-/// Accepts message boxes as they come up and remembers what they said.
+/// Answers message boxes and file dialogs as they come up and remembers what they said.
 class BoxCloser final : public QObject
 {
 public:
     BoxCloser();
 
-    QStringList shown; ///< "title: text"
+    QStringList shown; ///< "title: text", of a file dialog "title: folder"
+    QString chosen;    ///< the file; without one the answers are Cancel and No
 };
 
 } // namespace WindowFixture
