@@ -76,6 +76,23 @@ QImage noise(QSize size, QImage::Format format = QImage::Format_ARGB32)
     return image;
 }
 
+/// A PNG up to the head of its pixels.
+QByteArray beginningOfPng(int width, int height, int bits, int colourType)
+{
+    QByteArray file("\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR.................\0\0\1\0IDAT", 41);
+    qToBigEndian(width, file.data() + 16);
+    qToBigEndian(height, file.data() + 20);
+    qToBigEndian((bits << 24) + (colourType << 16), file.data() + 24); // no more than deflated
+    file[28] = 0;                                                      // and not interlaced
+    quint32 checksum = ~0U;
+    for (int bit = 12 * 8; bit < 29 * 8; ++bit) { // from the type on
+        const bool odd = ((static_cast<uchar>(file[bit / 8]) >> bit % 8) ^ checksum) & 1U;
+        checksum = (checksum >> 1) ^ (odd ? 0xedb88320U : 0U);
+    }
+    qToBigEndian(~checksum, file.data() + 29);
+    return file;
+}
+
 QImage sun(QSize size)
 {
     QImage image(size, QImage::Format_ARGB32);
@@ -107,7 +124,12 @@ private slots:
         QTest::newRow("L of three") << Cells{{6, 5}, {5, 6}, {6, 6}} << warning(320, 320, 128, 128);
         QTest::newRow("diagonal") << Cells{{5, 5}, {6, 6}, {7, 7}} << warning(320, 320, 64, 64);
         QTest::newRow("hook: 4 of 6") << Cells{{5, 4}, {5, 5}, {5, 6}, {6, 6}} << QString();
-        QTest::newRow("outside the disk") << Cells{{0, 0}, {1, 8}} << QString();
+        QTest::newRow("other diagonal")
+            << Cells{{7, 5}, {6, 6}, {5, 7}} << warning(448, 320, 64, 64);
+        QTest::newRow("round two corners: 6 of 9")
+            << Cells{{8, 4}, {8, 5}, {8, 6}, {7, 6}, {6, 6}, {6, 5}} << QString();
+        QTest::newRow("a corner or more outside the disk")
+            << Cells{{0, 0}, {1, 8}, {8, 1}, {4, 3}, {11, 12}} << QString();
     }
     void shapes()
     {
@@ -136,18 +158,37 @@ private slots:
             const QString text = warning(black.x(), black.y(), black.width(), black.height());
             return detectBlankRendererBlock(image, metadata) == text;
         };
-        const QRect cell(64, 128, 64, 64);
-        QJsonObject noCentre = disk({256, 256}, 200);
-        noCentre.remove("refPixelX"_s);
-        QVERIFY(isFound({256, 256}, disk({256, 256}, 200), cell));
-        QVERIFY(!isFound({256, 255}, disk({256, 255}, 200), cell));
-        QVERIFY(isFound({256, 256}, noCentre, cell));
-        QVERIFY(!isFound({256, 256}, {{"width"_s, 256}}, cell));
-        QVERIFY(isFound({256, 256}, disk({4, 4}, 1e300), cell));
-        QVERIFY(isFound({4096, 4096}, disk({4096, 4096}, 1600), {1024, 1280, 256, 256}));
-        QJsonObject partOfTheSun = disk({256, 256}, 1e4); // whose centre is nearest to the corner
-        partOfTheSun["refPixelX"_s] = partOfTheSun["refPixelY"_s] = 999;
-        QVERIFY(!isFound({256, 256}, partOfTheSun, {192, 192, 64, 64}));
+        const auto diskAt = [](double x, double y, double radius) {
+            return QJsonObject{{"width"_s, 256},
+                               {"height"_s, 256},
+                               {"rsun"_s, radius},
+                               {"refPixelX"_s, x},
+                               {"refPixelY"_s, y}};
+        };
+        const QJsonObject middle = diskAt(128, 128, 200);
+        const QJsonObject all = diskAt(1, 1, 1e4);
+        const QJsonObject infinite{{"width"_s, 1e-300}, {"height"_s, 1e-300}, {"rsun"_s, 1e300}};
+        for (const auto &[size, metadata, black, expected] :
+             {std::tuple(QSize(256, 256), middle, QRect(64, 128, 64, 64), true),
+              {{256, 255}, middle, {64, 128, 64, 64}, false},
+              {{255, 256}, middle, {64, 128, 64, 64}, false},
+              {{256, 256}, diskAt(0, 128, 200), {128, 64, 64, 64}, true}, // no centre is known
+              {{256, 256}, diskAt(128, 0, 200), {64, 128, 64, 64}, true},
+              {{256, 256}, {{"width"_s, 256}}, {64, 128, 64, 64}, false},
+              {{256, 256}, infinite, {64, 128, 64, 64}, false},
+              {{256, 256}, disk({4, 4}, 1e300), {64, 128, 64, 64}, true},
+              {{4096, 4096}, disk({4096, 4096}, 1600), {1024, 1280, 256, 256}, true},
+              {{256, 256}, diskAt(119, 137, 100), {128, 128, 64, 64}, true}, // up to 0.9 radii
+              {{256, 256}, diskAt(118, 137, 100), {128, 128, 64, 64}, false},
+              {{256, 256}, all, {0, 64, 64, 128}, true},
+              {{256, 256}, all, {64, 0, 128, 64}, true},
+              {{288, 288}, all, {256, 128, 32, 64}, true}, // half a cell at the edge
+              {{287, 288}, all, {256, 128, 31, 64}, false},
+              {{288, 288}, all, {128, 256, 64, 32}, true},
+              {{288, 287}, all, {128, 256, 64, 31}, false},
+              // Part of the Sun, whose centre is nearest to the corner.
+              {{256, 256}, diskAt(999, 999, 1e4), {192, 192, 64, 64}, false}})
+            QCOMPARE(isFound(size, metadata, black), expected);
     }
 
     /// The last cell of this picture is 50 x 40 pixels and sampled whole: 1996 of 2000 are 99.8 %.
@@ -170,6 +211,8 @@ private slots:
         QCOMPARE(numbers(100), (QVector<int>{8, 6, 4, 8, 8, 5, 1}));
         QCOMPARE(numbers(1024), (QVector<int>{12, 8, 4, 18, 15, 5, 1}));
         QCOMPARE(numbers(2048), (QVector<int>{25, 17, 9, 37, 31, 11, 2}));
+        QCOMPARE(Layout::widestText(29, Layout::measuresFor(29)), 1);
+        QCOMPARE(Layout::widestText(2048, Layout::measuresFor(2048)), 2048 - 2 * 17 - 2 * 25);
         for (const auto &[widest, px] : {std::pair(180, 18), std::pair(179, 17), std::pair(1, 6)})
             QCOMPARE(Layout::fittingTextPx(18, widest, [](int size) { return 10 * size; }), px);
     }
@@ -184,7 +227,12 @@ private slots:
         QCOMPARE(scale.label, QRect(889, 16, 115, 18));
         QCOMPARE(scale.right, QPoint(1011 - 8, 46 - 2 - 4));
         QCOMPARE(scale.left, QPoint(1003 - 115, 40));
+        const auto longLabel = Layout::scaleBoxFor(2048, Layout::measuresFor(2048), 115, {180, 18});
+        QCOMPARE(longLabel.box, QRect(2048 - 25 - 214, 25, 214, 18 + 4 + 11 + 18));
+        QCOMPARE(longLabel.label, QRect(1826, 34, 180, 18));
+        QCOMPARE(Layout::scaleBoxFor(100, Layout::measuresFor(100), 20, {180, 18}).box.width(), 84);
         QCOMPARE(Layout::scaleBarFor(100, 0.095).lengthPx, 0); // 1 km would be 11 pixels
+        QCOMPARE(Layout::scaleBarFor(100, 1 / 12.0).lengthPx, 12);
         for (const double unknown : {0.0, -1.0, qQNaN(), qInf()})
             QCOMPARE(Layout::scaleBarFor(1024, unknown).lengthPx, 0);
     }
@@ -201,6 +249,54 @@ private slots:
             QCOMPARE(clipped.width(), inner.width());
         }
         QCOMPARE(paintedArea({640, 480}, {}, " \t "_s, 0), QRect());
+    }
+
+    /// All three at once, each in its box and in the bold type that fits.
+    void wordsAndBarArePainted()
+    {
+        for (const int width : {130, 640, 2048}) {
+            const QSize size(width, 300);
+            const Layout::Measures measures = Layout::measuresFor(width);
+            const auto bar = Layout::scaleBarFor(width, 1000);
+            QImage frame = grey(size, QImage::Format_RGB32);
+            QImage expected = frame;
+            QPainter painter(&expected);
+            painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+            painter.setPen(Qt::white);
+            QFont font("Segoe UI"_s);
+            font.setWeight(QFont::Bold);
+            const auto sizeAt = [&](int px, const QString &text) {
+                font.setPixelSize(px);
+                painter.setFont(font);
+                return QSize(QFontMetrics(font).horizontalAdvance(text),
+                             QFontMetrics(font).height());
+            };
+            const auto write = [&](const QRect &box, int flags, const QString &text) {
+                painter.fillRect(box, QColor(0, 0, 0, 165));
+                painter.drawText(Layout::insideBox(box, measures), flags | Qt::AlignVCenter, text);
+            };
+            for (const auto &[text, right] :
+                 {std::pair("2024-05-01 12:00:07 UTC"_s, false), {"HMI"_s, true}}) {
+                int px = measures.textPx;
+                while (px > 6 && sizeAt(px, text).width() > Layout::widestText(width, measures))
+                    --px;
+                const QSize needed = sizeAt(px, text);
+                write(right ? Layout::bottomRightBox(size, measures, needed)
+                            : Layout::bottomLeftBox(size, measures, needed),
+                      right ? Qt::AlignRight : Qt::AlignLeft, text);
+            }
+            const auto scale = Layout::scaleBoxFor(width, measures, bar.lengthPx,
+                                                   sizeAt(measures.scaleTextPx, bar.label));
+            painter.fillRect(scale.box, QColor(0, 0, 0, 165));
+            painter.drawText(scale.label, Qt::AlignCenter, bar.label);
+            painter.setPen(QPen(Qt::white, measures.linePx, Qt::SolidLine, Qt::SquareCap));
+            painter.drawLine(scale.left, scale.right);
+            for (const QPoint end : {scale.left, scale.right})
+                painter.drawLine(end - QPoint(0, measures.tickPx), end + QPoint(0, 1));
+            painter.end();
+            drawFrameAnnotations(frame, noon(), "HMI"_s, true, true, true, 1000);
+            QCOMPARE(frame, expected);
+        }
     }
 
     void annotatedCopyIsSaved()
@@ -273,6 +369,39 @@ private slots:
         }
     }
 
+    void smallestFormIsChosen()
+    {
+        const auto form = [this](const QImage &image) { // colour type and filter of the first row
+            QFile file(path("ours.png"));
+            const bool saved = PngWriter::save(image, file.fileName());
+            const QByteArray png = saved && file.open(QIODevice::ReadOnly) ? file.readAll() : "";
+            const QByteArray rows = qUncompress(QByteArray("\0\1\0\0", 4) + png.mid(62));
+            return QString::asprintf("%d %d", png[25], rows.isEmpty() ? -1 : rows[0]);
+        };
+        QImage black({300, 300}, QImage::Format_RGB32);
+        black.fill(Qt::black);
+        QCOMPARE(form(black), "2 0"_s);
+        QCOMPARE(form(noise({64, 64})), "6 0"_s);
+        QCOMPARE(form(sun({300, 300})), "2 2"_s);
+        QImage image = sun({64, 48});
+        image.setPixel(9, 0, 0);
+        QCOMPARE(form(image), "6 2"_s);
+        image.setDotsPerMeterX(1234);
+        image.setDotsPerMeterY(4321);
+        QVERIFY(PngWriter::save(image, path("ours.png")));
+        const QImage read(path("ours.png"));
+        QVERIFY(read.dotsPerMeterX() == 1234 && read.dotsPerMeterY() == 4321);
+        image = noise({64, 400}, QImage::Format_RGB32);
+        for (const int row : {98, 296}) // the sample begins with the row below
+            std::copy_n(image.constScanLine(row), image.bytesPerLine(), image.scanLine(row + 1));
+        QCOMPARE(form(image), "2 2"_s);
+        for (int i = 0; i < 64 * 100; ++i) // smooth, but for its grain
+            image.setPixel(i % 64, i / 64,
+                           (image.pixel(i % 64, i / 64) & 0xff0f0f0fU) +
+                               0x10101U * static_cast<QRgb>(i / 64 + i % 64));
+        QCOMPARE(form(image.copy(0, 0, 64, 100)), "2 3"_s);
+    }
+
     void failuresKeepTheFormerFile()
     {
         QVERIFY(!PngWriter::save(sun({8, 8}), path("missing/frame_000000.png")));
@@ -306,15 +435,22 @@ private slots:
 
     void onlyPngOfABearableSizeIsRead()
     {
-        for (const auto &[size, bearable] :
-             {std::pair(QSize(16384, 2), true), std::pair(QSize(2, 16384), true),
-              std::pair(QSize(16385, 2), false), std::pair(QSize(2, 16385), false),
-              std::pair(QSize(16384, 6104), false)}) { // too many pixels
-            QImage image(size, QImage::Format_Mono);
-            image.fill(1);
-            QVERIFY(image.save(path("frame.png")));
-            QCOMPARE(!FrameDecoder::decode(path("frame.png")).isNull(), bearable);
+        for (const auto &[width, height, bits, type, bearable] :
+             {std::array{16384, 2, 8, 0, 1},
+              {2, 16384, 8, 0, 1},
+              {16385, 2, 8, 0, 0},
+              {2, 16385, 8, 0, 0},
+              {10000, 10000, 8, 0, 1},
+              {10000, 10001, 8, 6, 0}, // pixels
+              {10000, 4166, 16, 6, 1},
+              {10000, 4167, 16, 6, 0}}) { // bytes
+            QFile file(path("frame.png"));
+            QVERIFY(file.open(QIODevice::WriteOnly) &&
+                    file.write(beginningOfPng(width, height, bits, type)) > 0);
+            file.close();
+            QCOMPARE(FrameDecoder::size(file.fileName()) == QSize(width, height), bearable > 0);
         }
+        QVERIFY(!FrameDecoder::size(path("missing.png")).isValid());
         QVERIFY(sun({64, 48}).save(path("frame.png"), "bmp"));
         QVERIFY(FrameDecoder::decode(path("frame.png")).isNull());
     }
