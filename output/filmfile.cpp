@@ -22,8 +22,8 @@ constexpr int maxBoxes = 10'000; // ours have about thirty
 /// Bytes of a file; the end is exclusive.
 struct Range
 {
-    qint64 begin = 0;
-    qint64 end = 0;
+    qint64 begin;
+    qint64 end;
 };
 
 struct Box
@@ -93,9 +93,9 @@ std::optional<Range> BoxReader::find(std::initializer_list<const char *> types, 
 QByteArray BoxReader::bytes(const Range &range, qint64 offset, qint64 count)
 {
     const qint64 begin = range.begin + offset;
-    if (begin >= range.end || !m_file.seek(begin))
+    if (!m_file.seek(begin))
         return {};
-    return m_file.read(std::min(count, range.end - begin));
+    return m_file.read(qBound<qint64>(0, range.end - begin, count));
 }
 
 /// Number of pictures in a track, from its table of sample sizes; nothing when it is no video.
@@ -130,13 +130,13 @@ FilmFile::Content contentOf(BoxReader &reader)
     while (rest.begin < rest.end) {
         const std::optional<Box> box = reader.firstBox(rest);
         if (!box)
-            return {true, 0};
+            return {true};
         if (box->type == "moov")
             movie = box->content;
         rest.begin = box->content.end;
     }
     return movie ? FilmFile::Content{false, picturesOfMovie(reader, *movie)}
-                 : FilmFile::Content{true, 0};
+                 : FilmFile::Content{true};
 }
 
 } // namespace
