@@ -211,6 +211,8 @@ private slots:
         QCOMPARE(numbers(100), (QVector<int>{8, 6, 4, 8, 8, 5, 1}));
         QCOMPARE(numbers(1024), (QVector<int>{12, 8, 4, 18, 15, 5, 1}));
         QCOMPARE(numbers(2048), (QVector<int>{25, 17, 9, 37, 31, 11, 2}));
+        QCOMPARE(Layout::bottomLeftBox({2048, 900}, Layout::measuresFor(2048), {300, 40}),
+                 QRect(25, 900 - 25 - 58, 300 + 2 * 17, 40 + 2 * 9));
         QCOMPARE(Layout::widestText(29, Layout::measuresFor(29)), 1);
         QCOMPARE(Layout::widestText(2048, Layout::measuresFor(2048)), 2048 - 2 * 17 - 2 * 25);
         for (const auto &[widest, px] : {std::pair(180, 18), std::pair(179, 17), std::pair(1, 6)})
@@ -303,24 +305,24 @@ private slots:
     {
         const QTemporaryDir folder;
         const QString path = folder.filePath("a/b/frame_000000.png"_s);
-        QImage original(511, 507, QImage::Format_RGB32); // as odd as some instruments are
+        QImage original(509, 505, QImage::Format_RGB32); // as odd as some instruments are
         original.fill(Qt::white);
-        for (int i = 0; i < 507; ++i) {
-            original.setPixel(i, 506, qRgb(i / 2, 0, 0));
-            original.setPixel(510, i, qRgb(0, i / 2, 0));
+        for (int i = 0; i < 505; ++i) {
+            original.setPixel(i, 504, qRgb(i / 2, 0, 0));
+            original.setPixel(508, i, qRgb(0, i / 2, 0));
         }
-        const QJsonObject metadata{{"rsun"_s, 200}, {"width"_s, 512}};
+        const QJsonObject metadata{{"rsun"_s, 200}, {"width"_s, 509}};
         const QString label = "AIA 171"_s;
         QVERIFY(saveTimestampedFrame(original, path, noon(), label, metadata, true, true));
-        QCOMPARE(original.pixel(8, 498), 0xffffffffU);
+        QCOMPARE(original.pixel(8, 496), 0xffffffffU);
         const QImage copy(path);
-        QCOMPARE(copy.pixel(8, 498), qRgb(90, 90, 90)); // under 165 of 255 black
+        QCOMPARE(copy.pixel(8, 496), qRgb(90, 90, 90)); // under 165 of 255 black
         QImage expected = original.convertToFormat(QImage::Format_ARGB32);
         drawFrameAnnotations(expected, noon(), label, true, true, true, 695700.0 / 200);
         QCOMPARE(copy.copy(original.rect()), expected.convertToFormat(QImage::Format_RGB32));
-        QCOMPARE(copy.size(), QSize(512, 508)); // the last column and row twice
-        QCOMPARE(copy.copy(511, 0, 1, 508), copy.copy(510, 0, 1, 508));
-        QCOMPARE(copy.copy(0, 507, 512, 1), copy.copy(0, 506, 512, 1));
+        QCOMPARE(copy.size(), QSize(510, 506)); // the last column and row twice
+        QCOMPARE(copy.copy(509, 0, 1, 506), copy.copy(508, 0, 1, 506));
+        QCOMPARE(copy.copy(0, 505, 510, 1), copy.copy(0, 504, 510, 1));
     }
 
     void kilometresPerPixel()

@@ -1,12 +1,19 @@
 #include "output/csvfields.h"
+#include "output/filmencoder.h"
 #include "output/filmfile.h"
 #include "output/framecleanup.h"
 #include "output/manifestreader.h"
 #include "output/manifestrow.h"
 #include "output/manifestwriter.h"
 #include "tests/support/literals.h"
+#include "tests/support/testfolder.h"
 
 #include <QtTest>
+
+#include <csignal>
+
+#include <fcntl.h>
+#include <sys/wait.h>
 
 namespace {
 
@@ -105,7 +112,7 @@ private slots:
         QVERIFY(writer.create(m_folder.path()));
         QVERIFY(writer.append(acceptedRow()));
         QCOMPARE(content(), m_header + acceptedLine); // while the file is still open
-        QVERIFY(writer.close());
+        QVERIFY(writer.close() && writer.close());
         QVERIFY(writer.append(acceptedRow()));
         QCOMPARE(content(), m_header + acceptedLine);
 
@@ -116,17 +123,23 @@ private slots:
         QCOMPARE(frame.actualUtc, acceptedRow().actualUtc);
         QCOMPARE(QJsonDocument(frame.metadata).toJson(QJsonDocument::Compact),
                  R"({"refPixelX":-12.5,"refPixelY":0,"rsun":1580.25,"scale":0.6,"width":4096})");
+        TestFolder::leaveRoom(100);
+        const bool hasRoom = writer.create(m_folder.path());
+        TestFolder::leaveRoom();
+        QVERIFY(!hasRoom && !writer.isOpen() && content().isEmpty());
     }
 
     void readsForeignFiles_data()
     {
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<QString>("frames"); // file@time+width of each frame of source 0
-        const auto row = [](const char *name, const QByteArray &text, const char *frames) {
+        const auto row = [](const char *name, const QByteArray &text, const QByteArray &frames) {
             QTest::newRow(name) << text << QString::fromLatin1(frames);
         };
         row("reordered, extra and blank columns", " File ,x,Status\na,,OK\n", "a@+0");
         row("of two equal columns the last", "File,Status,File\na,OK,b\n", "b@+0");
+        row("a column less, a field less", "SourceWidth,Status,File\n4096,OK\n", "@+4096");
+        row("CR within a field", "Status,File\nOK,a\rb\n", "ab@+0");
         row("CR LF and blank lines", "Status,File\r\n\r\n  \r\nOK,a\r\nOK,b\r\n", "a@+0 b@+0");
         row("status to the letter", "Status,File\nok,a\n\"OK\",b\nOK ,c\nOK", "b@+0 @+0");
         row("NUL and Latin-1 bytes", {"Status,File\nO\0K,a\n\xe9\xff,b\nOK,c\n", 29}, "c@+0");
@@ -139,6 +152,9 @@ private slots:
             "@+4096 @+0 @+1000 @+0 @+8 @+0");
         row("a line of more than 1 MB",
             "Status,File\nOK,a\nOK," + QByteArray(1 << 20, 'x') + "\nOK,c\n", "a@+0");
+        row("a line of 1 MB", "Status,File\nOK," + QByteArray((1 << 20) - 3, 'x') + "\nOK,c\n",
+            QByteArray((1 << 20) - 3, 'x') + "@+0 c@+0");
+        row("a header of more than 1 MB", "Status," + QByteArray(1 << 20, 'x') + "\nOK", "");
         row("source without a number", "SourceId,Status,File\nAIA,OK,a\n", "a@+0");
     }
 
@@ -219,6 +235,7 @@ private slots:
         row("as many boxes as are read", most + shortMovie, "the film shows 2 of 3 pictures.");
         row("more boxes than a film has", most + box("free", "") + shortMovie, "");
         row("no MP4", "of some other encoder", "");
+        row("a single byte", "x", "");
     }
 
     void filmOfThreePictures()
@@ -227,7 +244,104 @@ private slots:
         QTemporaryFile film;
         QVERIFY(film.open() && film.write(content) == content.size() && film.flush());
         QTEST(FilmFile::flaw(film.fileName(), 3), "flaw");
+        QCOMPARE(FilmFile::isCutOff(film.fileName()),
+                 FilmFile::flaw(film.fileName(), 3).contains("cut off"_s));
+        QVERIFY(!FilmFile::isCutOff(film.fileName() + " not there"_s));
         QCOMPARE(FilmFile::flaw(film.fileName() + " not there"_s, 3), "there is no film."_s);
+    }
+
+    void encoderTellsHowItEnded_data()
+    {
+        QTest::addColumn<QByteArray>("commands"); // in a folder with half a film
+        QTest::addColumn<QString>("outcome");     // end, exit code and reason, and what was told
+        QTest::addColumn<bool>("hasFilm");
+        const auto row = [](const char *name, const char *commands, const char *outcome,
+                            bool hasFilm) {
+            QTest::newRow(name) << QByteArray(commands) << outcome << hasFilm;
+        };
+        row("error", "echo ' a b' >&2; exit 1", "a b|2 1 Unknown error|", false);
+        row("crash", "echo; kill -KILL $$", "2 9 Process crashed|", false);
+        row("nothing to read", "cat",
+            "3 0 ffmpeg ended without an error, but the film is cut off. Is the disk full?|",
+            false);
+        row("whole", "printf '\\0\\0\\0\\10ftyp\\0\\0\\0\\10moov' >film.mp4", "0 0 |", true);
+        row("none", "", "1 0 execvp: No such file or directory|", true);
+    }
+
+    void encoderTellsHowItEnded()
+    {
+        QFETCH(QByteArray, commands);
+        QFETCH(bool, hasFilm);
+        FilmOrder order = orderOf(commands);
+        order.startLimitMs = 60'000;
+        order.program += commands.isEmpty() ? "none"_s : QString();
+        store({"\0\0\0\x10"
+               "ftyp",
+               8},
+              order.film);
+        FilmEncoder encoder;
+        QString outcome;
+        noteEnds(encoder, &outcome);
+        connect(&encoder, &FilmEncoder::outputRead,
+                [&](const QString &text) { outcome += text + QLatin1Char('|'); });
+        encoder.start(order);
+        QTRY_VERIFY(!encoder.isRunning());
+        QTEST(outcome, "outcome");
+        QCOMPARE(QFile::exists(order.film), hasFilm);
+        QTRY_VERIFY(!encoder.findChild<QProcess *>());
+    }
+
+    void encoderIsStopped()
+    {
+        QString ends;
+        {
+            FilmEncoder encoder;
+            noteEnds(encoder, &ends);
+            QSignalSpy output(&encoder, &FilmEncoder::outputRead);
+            const FilmOrder order = orderOf("echo first; exec sleep 120");
+            encoder.start(order);
+            QVERIFY(output.wait());
+            encoder.start(order);
+            QCOMPARE(ends, "2 9 Process crashed|"_s);
+            QVERIFY(output.wait());
+            QCOMPARE(encoder.lastOutput(9), "first"_s);
+            QCOMPARE(encoder.lastOutput(2), "st"_s);
+            encoder.cancel();
+            QCOMPARE(ends, "2 9 Process crashed|2 9 Process crashed|"_s);
+            encoder.start(order);
+        }
+        QCOMPARE(ends.count(QLatin1Char('|')), 2); // the last one ends without a word
+    }
+
+    void encoderKeepsTheLastOutput()
+    {
+        FilmEncoder encoder;
+        QString told;
+        connect(&encoder, &FilmEncoder::outputRead,
+                [&](const QString &text) { told += text + QLatin1Char('\n'); });
+        encoder.start(orderOf("seq 100000 199999"));
+        QTRY_VERIFY(!encoder.isRunning());
+        const QString kept = encoder.lastOutput(1 << 20);
+        QVERIFY(kept.size() > 65'000 && kept.size() <= 128 * 1024);
+        QVERIFY(kept.endsWith("\n199999"_s));
+    }
+
+    /// A lease on the program lets nobody open it.
+    void encoderThatDoesNotStart()
+    {
+        FilmOrder order = orderOf("exit");
+        order.startLimitMs = 20;
+        std::signal(SIGIO, SIG_IGN);
+        QFile program(order.program);
+        QVERIFY(program.open(QIODevice::ReadOnly));
+        QCOMPARE(fcntl(program.handle(), F_SETLEASE, F_WRLCK), 0);
+        FilmEncoder encoder;
+        QString ends;
+        noteEnds(encoder, &ends);
+        encoder.start(order);
+        QTRY_VERIFY(!encoder.isRunning());
+        QCOMPARE(ends, "1 0 Process operation timed out|"_s);
+        QCOMPARE(waitpid(-1, nullptr, WNOHANG), -1); // there is no child
     }
 
     void removesOnlyFrames()
@@ -257,15 +371,35 @@ private slots:
     }
 
 private:
+    FilmOrder orderOf(const QByteArray &commands) const
+    {
+        FilmOrder order;
+        order.program = TestFolder::writeScript("encoder"_s, commands);
+        order.folder = m_folder.path();
+        order.film = m_folder.filePath("film.mp4"_s);
+        return order;
+    }
+
+    static void noteEnds(const FilmEncoder &encoder, QString *ends)
+    {
+        connect(&encoder, &FilmEncoder::finished, [ends](const FilmOutcome &outcome) {
+            *ends += "%1 %2 %3|"_s.arg(static_cast<int>(outcome.end))
+                         .arg(outcome.exitCode)
+                         .arg(outcome.reason);
+        });
+    }
+
     QByteArray content() const
     {
         QFile file(m_path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-    void store(const QByteArray &text) const
+    void store(const QByteArray &text) const { store(text, m_path); }
+
+    static void store(const QByteArray &text, const QString &path)
     {
-        QFile file(m_path);
+        QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
     }
 
