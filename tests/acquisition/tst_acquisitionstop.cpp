@@ -110,6 +110,10 @@ private slots:
                 else
                     fixture.controller->stop();
             };
+            fixture.onEvent = [&, nested = !destroys](const QString &event) {
+                if (nested && annotated && event.startsWith(QLatin1String("OK ")))
+                    fixture.controller->stop();
+            };
             connect(fixture.controller->findChild<HelioviewerClient *>(),
                     &HelioviewerClient::renderedImageDownloaded, this, [&, later = annotated] {
                         if (later) // timers of one length end in the order of their starts
@@ -125,7 +129,46 @@ private slots:
             QCOMPARE(check.statuses, "OK"_s);
             QCOMPARE(check.pictures, 2);
             QCOMPARE(check.descriptor.isEmpty(), destroys);
+            if (destroys)
+                continue;
+            QCOMPARE(fixture.count("[finished]"), 1);
+            const QString copy =
+                session + "/AIA_171_20240501_000000/video_frames/frame_000000.png"_s;
+            QCOMPARE(fixture.controller->pictureInHand(copy), QImage(copy));
+            QVERIFY(fixture.controller->pictureInHand(session).isNull());
+            QVERIFY(fixture.run(AcquisitionFixture::settings(0, {AcquisitionFixture::aia()})));
+            QCOMPARE(SessionCheck::of(fixture.sessionDirectory).statuses, "OK"_s);
         }
+    }
+
+    /// Each event of a session with a remark of the service and a picture that never decodes.
+    void framesAlone()
+    {
+        AcquisitionFixture fixture;
+        FakeProgram::Reply index;
+        index.standardOutput = R"({"frames":[1714521610,1714521730],"message":" thinned "})";
+        FakeProgram::Reply image;
+        image.standardOutput = R"({"id":"7","date":"2024-05-01 00:00:09"})";
+        FakeProgram::Reply picture;
+        picture.files.insert("$-o"_s, "no picture");
+        FakeProgram::replace("curl"_s, {index, image, picture});
+        AcquisitionSettings settings = smallSession();
+        settings.sources.removeFirst();
+        settings.createVideos = false;
+        QVERIFY(fixture.run(settings));
+        const QString expected =
+            "Preflight GOES-R SUVI 195:  thinned |[progress] 1/1|[timing] 2003: 2, 120 "
+            "120-120|Quick probe GOES-R SUVI 195: 2 frame(s), observed median 120 s (min 120,"
+            " max 120); acquisition step=120 s.|Acquisition plan ready: 1 image lookup(s) (1 "
+            "nominal at uniform requested cadence).|[progress] 0/1|[state] Downloading "
+            "frames|[state] GOES-R SUVI 195  2024-05-01T00:00:10Z|curl: getClosestImage|curl:"
+            " downloadImage|WARNING GOES-R SUVI 195: downloaded PNG cannot be decoded; retry "
+            "1/2 for imageId 7.|curl: downloadImage|WARNING GOES-R SUVI 195: downloaded PNG "
+            "cannot be decoded; retry 2/2 for imageId 7.|curl: downloadImage|ERROR GOES-R "
+            "SUVI 195: downloaded PNG is corrupt or incomplete after 2 retries (imageId 7). "
+            "Frame rejected.|[progress] 1/1|[progress] 1/1|[state] Completed|Session "
+            "completed.|[finished] completed"_s;
+        QCOMPARE(QStringList(fixture.events.mid(9)), expected.split(QLatin1Char('|')));
     }
 
     /// Each session is the one after another that was stopped: nothing may be left of that.
