@@ -65,23 +65,6 @@ QImage noise(QSize size, QImage::Format format = QImage::Format_ARGB32)
     return image;
 }
 
-/// A PNG up to the head of its pixels.
-QByteArray beginningOfPng(int width, int height, int bits, int colourType)
-{
-    QByteArray file("\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR.................\0\0\1\0IDAT", 41);
-    qToBigEndian(width, file.data() + 16);
-    qToBigEndian(height, file.data() + 20);
-    qToBigEndian((bits << 24) + (colourType << 16), file.data() + 24); // no more than deflated
-    file[28] = 0;                                                      // and not interlaced
-    quint32 checksum = ~0U;
-    for (int bit = 12 * 8; bit < 29 * 8; ++bit) { // from the type on
-        const bool odd = ((static_cast<uchar>(file[bit / 8]) >> bit % 8) ^ checksum) & 1U;
-        checksum = (checksum >> 1) ^ (odd ? 0xedb88320U : 0U);
-    }
-    qToBigEndian(~checksum, file.data() + 29);
-    return file;
-}
-
 QImage sun(QSize size)
 {
     QImage image(size, QImage::Format_ARGB32);
@@ -408,20 +391,16 @@ private slots:
 
     void onlyPngOfABearableSizeIsRead()
     {
-        for (const auto &[width, height, bits, type, bearable] :
-             {std::array{16384, 2, 8, 0, 1},
-              {2, 16384, 8, 0, 1},
-              {16385, 2, 8, 0, 0},
-              {2, 16385, 8, 0, 0},
-              {10000, 10000, 8, 0, 1},
-              {10000, 10001, 8, 6, 0}, // pixels
-              {10000, 4166, 16, 6, 1},
-              {10000, 4167, 16, 6, 0}}) { // bytes
-            QFile file(path("frame.png"));
-            QVERIFY(file.open(QIODevice::WriteOnly) &&
-                    file.write(beginningOfPng(width, height, bits, type)) > 0);
-            file.close();
-            QCOMPARE(FrameDecoder::size(file.fileName()) == QSize(width, height), bearable > 0);
+        for (const auto &[size, bearable] : {std::pair(QSize(16384, 2), true),
+                                             {QSize(2, 16384), true},
+                                             {QSize(16385, 2), false},
+                                             {QSize(2, 16385), false},
+                                             {QSize(10000, 10000), true},
+                                             {QSize(10000, 10001), false}}) {
+            QImage image(size, QImage::Format_Mono);
+            image.fill(1);
+            QVERIFY(image.save(path("frame.png")));
+            QCOMPARE(FrameDecoder::size(path("frame.png")) == size, bearable);
         }
         QVERIFY(!FrameDecoder::size(path("missing.png")).isValid());
         QVERIFY(sun({64, 48}).save(path("frame.png"), "bmp"));

@@ -11,6 +11,7 @@
 #include <QtTest>
 
 #include <csignal>
+#include <memory>
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -43,6 +44,33 @@ ManifestRow acceptedRow()
             FrameStatus::Ok,
             QJsonDocument::fromJson(answer).object()};
 }
+
+/// An encoder whose program is a script, and what it tells.
+struct Encoding
+{
+    explicit Encoding(const QString &folder)
+    {
+        order.program = TestFolder::path("encoder"_s);
+        order.folder = folder;
+        order.film = folder + "/film.mp4"_s;
+        QObject::connect(encoder.get(), &FilmEncoder::outputRead,
+                         [this](const QString &text) { heard += text + QLatin1Char('|'); });
+        QObject::connect(encoder.get(), &FilmEncoder::finished, [this](const FilmOutcome &end) {
+            heard += QString::asprintf("%d %d %s|", static_cast<int>(end.end), end.exitCode,
+                                       qPrintable(end.reason));
+        });
+    }
+
+    void start(const QByteArray &commands)
+    {
+        TestFolder::writeScript("encoder"_s, commands);
+        encoder->start(order);
+    }
+
+    FilmOrder order;
+    QString heard;
+    std::unique_ptr<FilmEncoder> encoder = std::make_unique<FilmEncoder>();
+};
 
 } // namespace
 
@@ -250,97 +278,61 @@ private slots:
         QCOMPARE(FilmFile::flaw(film.fileName() + " not there"_s, 3), "there is no film."_s);
     }
 
-    void encoderTellsHowItEnded_data()
-    {
-        QTest::addColumn<QByteArray>("commands"); // in a folder with half a film
-        QTest::addColumn<QString>("outcome");     // end, exit code and reason, and what was told
-        QTest::addColumn<bool>("hasFilm");
-        const auto row = [](const char *name, const char *commands, const char *outcome,
-                            bool hasFilm) {
-            QTest::newRow(name) << QByteArray(commands) << outcome << hasFilm;
-        };
-        row("error", "echo ' a b' >&2; exit 1", "a b|2 1 Unknown error|", false);
-        row("crash", "echo; kill -KILL $$", "2 9 Process crashed|", false);
-        row("nothing to read", "cat",
-            "3 0 ffmpeg ended without an error, but the film is cut off. Is the disk full?|",
-            false);
-        row("whole", "printf '\\0\\0\\0\\10ftyp\\0\\0\\0\\10moov' >film.mp4", "0 0 |", true);
-        row("none", "", "1 0 execvp: No such file or directory|", true);
-    }
-
     void encoderTellsHowItEnded()
     {
-        QFETCH(QByteArray, commands);
-        QFETCH(bool, hasFilm);
-        FilmOrder order = orderOf(commands);
-        order.startLimitMs = 60'000;
-        order.program += commands.isEmpty() ? "none"_s : QString();
-        store({"\0\0\0\x10"
-               "ftyp",
-               8},
-              order.film);
-        FilmEncoder encoder;
-        QString outcome;
-        noteEnds(encoder, &outcome);
-        connect(&encoder, &FilmEncoder::outputRead,
-                [&](const QString &text) { outcome += text + QLatin1Char('|'); });
-        encoder.start(order);
-        QTRY_VERIFY(!encoder.isRunning());
-        QTEST(outcome, "outcome");
-        QCOMPARE(QFile::exists(order.film), hasFilm);
-        QTRY_VERIFY(!encoder.findChild<QProcess *>());
+        for (const auto &[commands, heard, hasFilm] :
+             {std::tuple("echo ' a b' >&2; exit 1", "a b|2 1 Unknown error|", false),
+              {"echo; kill -KILL $$", "2 9 Process crashed|", false},
+              {"cat",
+               "3 0 ffmpeg ended without an error, but the film is cut off. Is the disk full?|",
+               false}, // there is nothing to read
+              {"printf '\\0\\0\\0\\10ftyp\\0\\0\\0\\10moov' >film.mp4", "0 0 |", true},
+              {"", "1 0 execvp: No such file or directory|", true}}) {
+            Encoding run(m_folder.path());
+            QFile film(run.order.film);
+            QVERIFY(film.open(QIODevice::WriteOnly) && film.write("\0\0\0\x10"
+                                                                  "ftyp",
+                                                                  8) == 8);
+            film.close();
+            run.order.startLimitMs = 60'000;
+            run.order.program += *commands == 0 ? " not there"_s : QString();
+            run.start(commands);
+            QTRY_VERIFY(!run.encoder->isRunning());
+            QCOMPARE(run.heard, QLatin1String(heard));
+            QCOMPARE(film.exists(), hasFilm);
+            QTRY_VERIFY(!run.encoder->findChild<QProcess *>());
+        }
     }
 
     void encoderIsStopped()
     {
-        QString ends;
-        {
-            FilmEncoder encoder;
-            noteEnds(encoder, &ends);
-            QSignalSpy output(&encoder, &FilmEncoder::outputRead);
-            const FilmOrder order = orderOf("echo first; exec sleep 120");
-            encoder.start(order);
-            QVERIFY(output.wait());
-            encoder.start(order);
-            QCOMPARE(ends, "2 9 Process crashed|"_s);
-            QVERIFY(output.wait());
-            QCOMPARE(encoder.lastOutput(9), "first"_s);
-            QCOMPARE(encoder.lastOutput(2), "st"_s);
-            encoder.cancel();
-            QCOMPARE(ends, "2 9 Process crashed|2 9 Process crashed|"_s);
-            encoder.start(order);
-        }
-        QCOMPARE(ends.count(QLatin1Char('|')), 2); // the last one ends without a word
-    }
-
-    void encoderKeepsTheLastOutput()
-    {
-        FilmEncoder encoder;
-        QString told;
-        connect(&encoder, &FilmEncoder::outputRead,
-                [&](const QString &text) { told += text + QLatin1Char('\n'); });
-        encoder.start(orderOf("seq 100000 199999"));
-        QTRY_VERIFY(!encoder.isRunning());
-        const QString kept = encoder.lastOutput(1 << 20);
-        QVERIFY(kept.size() > 65'000 && kept.size() <= 128 * 1024);
-        QVERIFY(kept.endsWith("\n199999"_s));
+        Encoding run(m_folder.path());
+        run.start("seq 100000 199999; exec sleep 120");
+        QTRY_COMPARE(run.encoder->lastOutput(6), "199999"_s);
+        const int kept = run.encoder->lastOutput(1 << 20).size();
+        QVERIFY(kept > 65'000 && kept <= 128 * 1024);
+        run.heard.clear();
+        run.start("echo first; exec sleep 120");
+        QTRY_COMPARE(run.heard, "2 9 Process crashed|first|"_s);
+        QCOMPARE(run.encoder->lastOutput(9), "first"_s);
+        QCOMPARE(run.encoder->lastOutput(2), "st"_s);
+        run.encoder->cancel();
+        run.encoder->start(run.order);
+        run.encoder.reset(); // without a word
+        QCOMPARE(run.heard, "2 9 Process crashed|first|2 9 Process crashed|"_s);
     }
 
     /// A lease on the program lets nobody open it.
     void encoderThatDoesNotStart()
     {
-        FilmOrder order = orderOf("exit");
-        order.startLimitMs = 20;
+        Encoding run(m_folder.path());
+        run.order.startLimitMs = 20;
         std::signal(SIGIO, SIG_IGN);
-        QFile program(order.program);
+        QFile program(TestFolder::writeScript("encoder"_s, "exit"));
         QVERIFY(program.open(QIODevice::ReadOnly));
         QCOMPARE(fcntl(program.handle(), F_SETLEASE, F_WRLCK), 0);
-        FilmEncoder encoder;
-        QString ends;
-        noteEnds(encoder, &ends);
-        encoder.start(order);
-        QTRY_VERIFY(!encoder.isRunning());
-        QCOMPARE(ends, "1 0 Process operation timed out|"_s);
+        run.encoder->start(run.order);
+        QTRY_COMPARE(run.heard, "1 0 Process operation timed out|"_s);
         QCOMPARE(waitpid(-1, nullptr, WNOHANG), -1); // there is no child
     }
 
@@ -371,35 +363,15 @@ private slots:
     }
 
 private:
-    FilmOrder orderOf(const QByteArray &commands) const
-    {
-        FilmOrder order;
-        order.program = TestFolder::writeScript("encoder"_s, commands);
-        order.folder = m_folder.path();
-        order.film = m_folder.filePath("film.mp4"_s);
-        return order;
-    }
-
-    static void noteEnds(const FilmEncoder &encoder, QString *ends)
-    {
-        connect(&encoder, &FilmEncoder::finished, [ends](const FilmOutcome &outcome) {
-            *ends += "%1 %2 %3|"_s.arg(static_cast<int>(outcome.end))
-                         .arg(outcome.exitCode)
-                         .arg(outcome.reason);
-        });
-    }
-
     QByteArray content() const
     {
         QFile file(m_path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-    void store(const QByteArray &text) const { store(text, m_path); }
-
-    static void store(const QByteArray &text, const QString &path)
+    void store(const QByteArray &text) const
     {
-        QFile file(path);
+        QFile file(m_path);
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
     }
 
