@@ -1,4 +1,3 @@
-#include "base/childprocess.h"
 #include "base/desktopactions.h"
 #include "base/filenames.h"
 #include "base/jsonfile.h"
@@ -142,21 +141,10 @@ private slots:
         QCOMPARE(RegularFile::read(m_path, 2 << 20, &errorText)->size(), 2 << 20);
         QVERIFY(!RegularFile::read(m_path, (2 << 20) - 1, &errorText));
         QCOMPARE(errorText, "larger than 1 MB"_s);
-        QVERIFY(!RegularFile::read(m_folder.path(), 1, &errorText));
-        QCOMPARE(errorText, "not a regular file"_s);
     }
 
-    void processesAndSignals()
+    void signalIsIgnored()
     {
-        QPointer<QProcess> process = new QProcess(this);
-        process->start("cat"_s, QStringList());
-        ChildProcess::letGo(process);
-        QVERIFY(process && !process->parent());
-        process->closeWriteChannel();
-        QTRY_VERIFY(!process);
-        process = new QProcess;
-        ChildProcess::letGo(process);
-        QTRY_VERIFY(!process);
         std::signal(SIGXFSZ, SIG_DFL);
         const TerminationSignals signal;
         QVERIFY(std::signal(SIGXFSZ, SIG_IGN) == SIG_IGN);

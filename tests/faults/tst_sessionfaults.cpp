@@ -195,7 +195,8 @@ private slots:
                 "DOWNLOAD_ERROR OK OK");
         loading("picture: nothing", FaultKind::EmptyBody, 0, 1, "file is missing or empty.",
                 "DOWNLOAD_ERROR OK OK");
-        loading("picture: web page", FaultKind::HtmlBody, 0, 3, "incomplete after 2 retries",
+        loading("picture: web page", FaultKind::HtmlBody, 0, 3,
+                "ERROR SUVI: downloaded PNG is corrupt or incomplete after 2 retries (imageId ",
                 "CORRUPT_IMAGE OK OK");
         loading("picture: half of it twice", FaultKind::TruncatedPng, 0, 2, "retry 2/2", allOk);
         loading("picture: black", FaultKind::BlackBlock, 0, 1, "SUVI: possible blank", allOk);
