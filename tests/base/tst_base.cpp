@@ -1,5 +1,6 @@
 #include "base/desktopactions.h"
 #include "base/filenames.h"
+#include "base/helperprograms.h"
 #include "base/jsonfile.h"
 #include "base/loglineclass.h"
 #include "base/plainmessagebox.h"
@@ -46,8 +47,14 @@ private slots:
         QCOMPARE(RuntimeConfig::preflightProbeSeconds(), 7200);
         QVERIFY(RuntimeConfig::allowInsecureFallback());
         QVERIFY(!QFile::exists(RuntimeConfig::configFilePath()));
+        QDir(TestFolder::path("out"_s)).removeRecursively();
         RuntimeConfig::ensureRuntimeConfig();
         QVERIFY(QDir(TestFolder::path("out"_s)).exists());
+        for (const QString &program : {curl, RuntimeConfig::ffmpegPath()}) {
+            QFile::remove(program);
+            HelperPrograms::linkMissing();
+            QVERIFY(QFileInfo(program).isExecutable());
+        }
         const QSettings written(RuntimeConfig::configFilePath(), QSettings::IniFormat);
         const QSettings shipped(QFINDTESTDATA("../../packaging/orvik.ini"), QSettings::IniFormat);
         const QStringList keys = written.allKeys();
