@@ -26,8 +26,6 @@ int runSession()
     return started ? QCoreApplication::exec() : 1;
 }
 
-const char *const crash = "kill -SEGV $$";
-
 /// Puts a script in the place of a program, or nothing when it is empty; a null one restores it.
 void replaceProgram(const QString &name, const QByteArray &script)
 {
@@ -152,7 +150,6 @@ private slots:
         QTest::addColumn<QString>("film"); // what is said of it
 
         const char *const lookup = "[state] SUVI";
-        const char *const load = "curl: downloadImage";
         const char *const encode = "ffmpeg: ";
         const char *const allOk = "OK OK OK";
         const char *const noLookup = "OK LOOKUP_ERROR OK";
@@ -193,8 +190,6 @@ private slots:
         };
         loading("picture: reset", FaultKind::ResetInBody, 0, 1, "[downloadImage]: curl: (56)",
                 "DOWNLOAD_ERROR OK OK");
-        loading("picture: nothing", FaultKind::EmptyBody, 0, 1, "file is missing or empty.",
-                "DOWNLOAD_ERROR OK OK");
         loading("picture: web page", FaultKind::HtmlBody, 0, 3,
                 "ERROR SUVI: downloaded PNG is corrupt or incomplete after 2 retries (imageId ",
                 "CORRUPT_IMAGE OK OK");
@@ -202,14 +197,8 @@ private slots:
         loading("picture: black", FaultKind::BlackBlock, 0, 1, "SUVI: possible blank", allOk);
         // Programs.
         row("no curl", lookup, 2, programIs("curl", ""), noLookup, "curl.exe not found: ", film);
-        row("curl crashes", load, 2, programIs("curl", crash), noLoad, "]: Process crashed", film);
-        const auto forbid = [](Scene &) {
-            replaceProgram("ffmpeg"_s, "exit");
-            QVERIFY(QFile::setPermissions(TestFolder::path("bin/link-ffmpeg"_s), QFile::ReadOwner));
-        };
-        row("ffmpeg may not be run", encode, 1, forbid, allOk,
-            "FFMPEG ERROR for SUVI: execvp: Permission denied. Frames are preserved.", noFilm);
-        row("ffmpeg crashes", encode, 1, programIs("ffmpeg", crash), allOk, "(exit code 11)",
+        row("no ffmpeg", encode, 1, programIs("ffmpeg", ""), allOk,
+            "FFMPEG ERROR for SUVI: execvp: No such file or directory. Frames are preserved.",
             noFilm);
         row("picture gone before the encoder sees it", encode, 1, lastCopyIs(false), "",
             "WARNING SUVI: ffmpeg ended without an error, but the film shows 2 of 3 pictures.\n"

@@ -223,8 +223,7 @@ private slots:
         QPainter painter(&expected);
         painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
         const auto bold = [&](int px, const char *text) {
-            QFont font("Segoe UI"_s);
-            font.setWeight(QFont::Bold);
+            QFont font("Segoe UI"_s, -1, QFont::Bold);
             font.setPixelSize(px);
             painter.setFont(font);
             return QSize(QFontMetrics(font).horizontalAdvance(QLatin1String(text)),

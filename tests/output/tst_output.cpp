@@ -56,11 +56,9 @@ FilmOrder orderOf(const QByteArray &commands, const QString &folder)
     return order;
 }
 
-QString outcomeOf(const FilmEncoder &encoder)
+QString toText(const FilmOutcome &outcome)
 {
-    return "%1 %2 %3"_s.arg(static_cast<int>(encoder.outcome().end))
-        .arg(encoder.outcome().exitCode)
-        .arg(encoder.outcome().reason);
+    return "%1 %2 "_s.arg(static_cast<int>(outcome.end)).arg(outcome.exitCode) + outcome.reason;
 }
 
 } // namespace
@@ -280,7 +278,7 @@ private slots:
             encoder.start(order);
             QTRY_VERIFY(!encoder.isRunning());
             const QString left = QFile::exists(order.film) ? "film"_s : encoder.lastOutput(9);
-            QCOMPARE(outcomeOf(encoder) + ", "_s + left, QLatin1String(outcome));
+            QCOMPARE(toText(encoder.outcome()) + ", "_s + left, QLatin1String(outcome));
             QTRY_VERIFY(!encoder.findChild<QProcess *>());
         }
     }
@@ -295,12 +293,16 @@ private slots:
         const int kept = encoder->lastOutput(1 << 20).size();
         QVERIFY(kept > 65'000 && kept <= 128 * 1024);
         encoder->start(orderOf("echo first; exec sleep 120", m_folder.path()));
-        QCOMPARE(outcomeOf(*encoder), "2 9 Process crashed"_s);
+        QCOMPARE(toText(encoder->outcome()), "2 9 Process crashed"_s);
         QTRY_COMPARE(encoder->lastOutput(9), "first"_s);
         encoder->cancel();
         QCOMPARE(ended, 2);
-        encoder->start(orderOf("exec sleep 120", m_folder.path()));
+        const FilmOrder last =
+            orderOf("printf '\\0\\0\\0\\10ftyp' >film.mp4; exec sleep 120", m_folder.path());
+        encoder->start(last);
+        QTRY_COMPARE(QFileInfo(last.film).size(), 8);
         encoder.reset();
+        QVERIFY(!QFile::exists(last.film));
         QCOMPARE(ended, 2); // that one without a word
     }
 
@@ -316,7 +318,7 @@ private slots:
         FilmEncoder encoder;
         encoder.start(order);
         QTRY_VERIFY(!encoder.isRunning());
-        QCOMPARE(outcomeOf(encoder), "1 0 Process operation timed out"_s);
+        QCOMPARE(toText(encoder.outcome()), "1 0 Process operation timed out"_s);
         QCOMPARE(waitpid(-1, nullptr, WNOHANG), -1); // there is no child
     }
 
