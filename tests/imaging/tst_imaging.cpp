@@ -334,9 +334,6 @@ private slots:
             const bool scaled = QImage(file.fileName()).dotsPerMeterX() == 1234;
             return QString::asprintf("%d %d", png[25], scaled && !rows.isEmpty() ? rows[0] : -1);
         };
-        QImage black({300, 300}, QImage::Format_RGB32);
-        black.fill(Qt::black);
-        QCOMPARE(form(black), "2 0"_s);
         QCOMPARE(form(noise({64, 64})), "6 0"_s);
         QCOMPARE(form(sun({300, 300})), "2 2"_s);
         QImage image = sun({64, 48});

@@ -256,8 +256,6 @@ private slots:
         QTemporaryFile film;
         QVERIFY(film.open() && film.write(content) == content.size() && film.flush());
         QTEST(FilmFile::flaw(film.fileName(), 3), "flaw");
-        QCOMPARE(FilmFile::isCutOff(film.fileName()),
-                 FilmFile::flaw(film.fileName(), 3).contains("cut off"_s));
         QVERIFY(!FilmFile::isCutOff(film.fileName() + " not there"_s));
         QCOMPARE(FilmFile::flaw(film.fileName() + " not there"_s, 3), "there is no film."_s);
     }
