@@ -66,9 +66,13 @@ private slots:
             if (operation > 0)
                 fixture.server.addFault({Operation(operation), FaultKind::Hang});
             replaceEncoder(true);
-            QVERIFY(fixture.controller->start(smallSession()));
+            AcquisitionSettings settings = smallSession();
+            if (operation == 1) // two probes at a time
+                settings.sources += {4, "LASCO C2"_s, {}};
+            QVERIFY(fixture.controller->start(settings));
             QTRY_VERIFY(fixture.events.last() == waiting &&
                         !AcquisitionFixture::children().isEmpty());
+            QCOMPARE(fixture.count("curl: getJPX"), settings.sources.size() - 1);
             const int before = fixture.logLines().size();
             if (destroys)
                 fixture.controller.reset();
@@ -88,7 +92,8 @@ private slots:
             QCOMPARE(QStringList(fixture.logLines().mid(before)), lines);
             QCOMPARE(check.statuses, statuses);
             QCOMPARE(check.descriptor.value(QLatin1String("canceled")), true);
-            QCOMPARE(check.descriptor.value(QLatin1String("sources")).toArray().size(), 2);
+            QCOMPARE(check.descriptor.value(QLatin1String("sources")).toArray().size(),
+                     settings.sources.size());
             fixture.controller->stop(); // idle: nothing happens
             QCoreApplication::processEvents();
             QCOMPARE(fixture.events.last(), "[finished] canceled"_s);
