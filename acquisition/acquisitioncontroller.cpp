@@ -67,12 +67,9 @@ AcquisitionController::AcquisitionController(QObject *parent)
 AcquisitionController::~AcquisitionController()
 {
     completeFrame();
-    m_ffmpeg.disconnect(this);
-    m_client->disconnect(this);
-    m_probes.disconnect(this);
-    cancelChildren();
     discardFrame();
     m_manifest.close();
+    // The destructors of the clients and the encoder kill their children without a signal.
 }
 
 bool AcquisitionController::start(const AcquisitionSettings &settings, QString *errorText)
@@ -146,15 +143,13 @@ void AcquisitionController::takeNextStep()
     switch (m_stage) {
     case Stage::Idle:
     case Stage::Preflight: // driven by the probes
+    case Stage::Stopping:  // stop() itself ends the session
         break;
     case Stage::Acquiring:
         takeFrameStep();
         break;
     case Stage::Encoding:
         encodeNext();
-        break;
-    case Stage::Stopping:
-        finish(true);
         break;
     }
 }
@@ -164,7 +159,6 @@ void AcquisitionController::takeNextStep()
 void AcquisitionController::resetSession(const AcquisitionSettings &settings)
 {
     m_settings = settings;
-    m_sessionDirectory.clear();
     m_manifestWaits = false;
     m_tally.clear();
     m_plan = AcquisitionPlan();
@@ -282,9 +276,8 @@ void AcquisitionController::onClosestImage(int sourceId, const QDateTime &reques
 
 void AcquisitionController::onClientError(const QString &operation, const QString &message)
 {
-    if (!isRunning() || !m_lookup)
+    if (!m_lookup)
         return;
-    discardFrame();
     if (!m_lookup->actualUtc.isValid()) // the image was never judged
         m_lookup->toleranceSeconds = SourceTiming::toleranceSeconds(m_lookup->request, m_settings);
     m_lookup->answer = QJsonObject();
@@ -420,7 +413,6 @@ void AcquisitionController::writeFrame()
 bool AcquisitionController::replaceVideoFrame(const QString &reason, bool *hasVideoFrame)
 {
     const FrameLookup &frame = *m_lookup;
-    QFile::remove(frame.videoFrameFile);
     *hasVideoFrame = QFile::copy(frame.frameFile, frame.videoFrameFile);
     return report(*hasVideoFrame ? AcquisitionLog::annotationFailed(frame.request, reason)
                                  : AcquisitionLog::videoFrameFailed(frame.request, reason));
@@ -583,8 +575,6 @@ bool AcquisitionController::writeDescriptor(bool canceled) const
 /// Completes the session before it sends the first signal, because a slot may start the next one.
 void AcquisitionController::finish(bool canceled)
 {
-    if (!isRunning())
-        return;
     const bool manifestWaited = m_manifestWaits;
     const bool manifestWhole = m_manifest.close();
     const bool descriptorLost = !writeDescriptor(canceled);

@@ -55,7 +55,5 @@ void AcquisitionPlan::advance()
 qint64 AcquisitionPlanning::nominalCount(const AcquisitionSettings &settings)
 {
     const qint64 seconds = settings.startUtc.secsTo(settings.endUtc);
-    if (seconds < 0)
-        return 0;
-    return (seconds / std::max(settings.cadenceSeconds, 1) + 1) * settings.sources.size();
+    return (seconds / settings.cadenceSeconds + 1) * settings.sources.size();
 }

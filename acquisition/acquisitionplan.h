@@ -60,7 +60,7 @@ private:
 
 namespace AcquisitionPlanning {
 
-/// Requests if every datasource were sampled at the requested cadence.
+/// Requests if every datasource were sampled at the requested cadence, which is positive.
 qint64 nominalCount(const AcquisitionSettings &settings);
 
 } // namespace AcquisitionPlanning

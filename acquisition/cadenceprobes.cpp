@@ -36,7 +36,6 @@ void CadenceProbes::cancel()
 void CadenceProbes::schedule()
 {
     if (m_queue.isDone()) {
-        m_active = false;
         emit done();
         return;
     }

@@ -17,7 +17,6 @@ QString safePart(const QString &text, const QString &fallback)
     const QLatin1Char underscore('_');
     const QString trimmed = text.trimmed();
     QString part;
-    part.reserve(trimmed.size());
     for (const QChar character : trimmed) {
         const bool kept = character.isLetterOrNumber() || character == QLatin1Char('-');
         if (kept)

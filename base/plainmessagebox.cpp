@@ -18,7 +18,6 @@ void makeScrollable(QMessageBox &box, const QSize &size)
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidgetResizable(true);
     scroll->setMinimumSize(size);
-    text->setWordWrap(true);
     scroll->setWidget(text);
     scroll->setAccessibleName(box.windowTitle());
 }

@@ -4,12 +4,6 @@
 
 namespace {
 
-const QString &storedPattern()
-{
-    static const QString pattern = QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'");
-    return pattern;
-}
-
 /// QDateTime itself would use the digits of the system's language, which no parser expects.
 QString inPlainDigits(const QDateTime &time, const QString &pattern)
 {
@@ -25,17 +19,8 @@ QString UtcText::toText(const QDateTime &time)
 
 QDateTime UtcText::fromText(const QString &text)
 {
-    const QString trimmed = text.trimmed();
-    if (trimmed.isEmpty())
-        return {};
-    QDateTime time = QDateTime::fromString(trimmed, Qt::ISODateWithMs);
-    if (!time.isValid())
-        time = QDateTime::fromString(trimmed, Qt::ISODate);
-    if (!time.isValid()) {
-        time = QDateTime::fromString(trimmed, storedPattern());
-        time.setTimeSpec(Qt::UTC); // the Z of the pattern is a literal to Qt
-    }
-    return time.toUTC();
+    // To Qt, plain ISO 8601 and the form that is stored are such times without their milliseconds.
+    return QDateTime::fromString(text.trimmed(), Qt::ISODateWithMs).toUTC();
 }
 
 QDateTime UtcText::wholeSecond(const QDateTime &time)

@@ -42,13 +42,15 @@ HelioviewerClient::HelioviewerClient(QObject *parent)
     : QObject(parent), m_process(new QProcess(this))
 {
     qRegisterMetaType<QVector<QDateTime>>();
-    m_process->setProcessChannelMode(QProcess::SeparateChannels);
+    connect(m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &m_downloadWatch,
+            &QTimer::stop);
     connect(m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             &HelioviewerClient::onFinished);
     connect(m_process, &QProcess::errorOccurred, this, &HelioviewerClient::onProcessError);
     connect(m_process, &QProcess::readyReadStandardOutput, this,
             &HelioviewerClient::endOversizedAnswer);
-    m_downloadWatch.setInterval(downloadWatchMs);
+    connect(m_process, &QProcess::started, &m_downloadWatch,
+            [this] { m_downloadWatch.start(downloadWatchMs); });
     connect(&m_downloadWatch, &QTimer::timeout, this, &HelioviewerClient::endOversizedDownload);
 }
 
@@ -115,17 +117,14 @@ void HelioviewerClient::cancel()
     if (m_canceling)
         return; // a listener cancels again what is being cancelled
     const QScopedValueRollback<bool> canceling(m_canceling, true);
-    m_downloadWatch.stop();
     ChildProcess::killAndWait(*m_process);
     reportProcessError();
     removePartialDownload();
-    m_errorReported = false;
     m_operation = Operation::None;
 }
 
 void HelioviewerClient::onFinished(int exitCode, QProcess::ExitStatus exitStatus)
 {
-    m_downloadWatch.stop();
     readOutput();
     if (m_operation == Operation::None || m_errorReported)
         return; // cancelled, or a crash that onProcessError has noted
@@ -212,8 +211,6 @@ void HelioviewerClient::launch(const QString &program, const QStringList &argume
     if (m_operation == Operation::None || m_process->state() != QProcess::NotRunning)
         return;
     m_process->start(program, arguments, QIODevice::ReadWrite);
-    if (m_operation == Operation::DownloadImage)
-        m_downloadWatch.start();
 }
 
 /// True when the request was restarted without certificate check; it is then still in flight.
@@ -266,7 +263,6 @@ void HelioviewerClient::endOversizedDownload()
 /// Kills the child; the request ends with @p reason once it is gone.
 void HelioviewerClient::endRequest(const QString &reason)
 {
-    m_downloadWatch.stop();
     m_endReason = reason;
     m_process->kill();
 }
@@ -293,7 +289,6 @@ void HelioviewerClient::reportProcessError()
 /// Ends the request in flight. Nothing may follow the signal: a listener may start the next one.
 void HelioviewerClient::fail(const QString &message)
 {
-    m_downloadWatch.stop();
     removePartialDownload();
     emit requestError(operationName(std::exchange(m_operation, Operation::None)), message);
 }

@@ -122,6 +122,6 @@ private:
     Request m_request;
     QString m_processError; // what m_errorReported noted, until it is reported
     QString m_endReason;    // why this client killed the request; kept until its child has ended
-    QTimer m_downloadWatch; // runs during a download
+    QTimer m_downloadWatch; // runs while a child does
     bool m_canceling = false;
 };

@@ -68,11 +68,11 @@ QRect AnnotationLayout::insideBox(const QRect &box, const Measures &measures)
 
 AnnotationLayout::ScaleBar AnnotationLayout::scaleBarFor(int frameWidth, double kmPerPixel)
 {
-    if (!(kmPerPixel > 0.0) || !std::isfinite(kmPerPixel))
-        return {};
     const double lengthKm = MetricScale::roundLengthKm(frameWidth * kmPerPixel * barShare);
+    if (!(lengthKm > 0.0)) // as for a scale that is none
+        return {};
     const auto lengthPx = static_cast<int>(std::lround(lengthKm / kmPerPixel));
-    if (!(lengthKm > 0.0) || lengthPx < shortestBarPx)
+    if (lengthPx < shortestBarPx)
         return {};
     const QString number = MetricScale::formatThousands(std::llround(lengthKm));
     return {lengthPx, QStringLiteral("%1 km").arg(number)};

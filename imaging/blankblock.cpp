@@ -80,7 +80,7 @@ std::optional<Disk> diskOn(QSize size, const QJsonObject &metadata)
     const double nativeWidth = metadataNumber(metadata, QStringLiteral("width"));
     const double nativeHeight = metadataNumber(metadata, QStringLiteral("height"));
     const double nativeRadius = metadataNumber(metadata, QStringLiteral("rsun"));
-    if (!(nativeWidth > 0.0 && nativeHeight > 0.0 && nativeRadius > 0.0))
+    if (!(nativeWidth > 0.0 && nativeHeight > 0.0 && nativeRadius > 0.0)) // or not a number
         return std::nullopt;
 
     const double scaleX = size.width() / nativeWidth;
@@ -118,7 +118,7 @@ bool isBlank(QRgb pixel)
     return (pixel & 0xfe000000U) == 0 || (pixel & 0x00fefefeU) == 0;
 }
 
-/// True when all samples of @p cell but a few in a thousand are blank.
+/// True when all samples of @p cell, which is not empty, but a few in a thousand are blank.
 bool isBlankCell(const QImage &image, const QRect &cell)
 {
     const QRgb opaque = image.hasAlphaChannel() ? 0U : 0xff000000U; // RGB32 stores anything there
@@ -132,14 +132,13 @@ bool isBlankCell(const QImage &image, const QRect &cell)
             blanks += isBlank(line[x] | opaque) ? 1 : 0;
         }
     }
-    return samples >= 1 && blanks * 1000 >= samples * blankPerMille;
+    return blanks * 1000 >= samples * blankPerMille;
 }
 
 /// By the cells' indices in @p grid.
 std::vector<bool> blankCells(const QImage &image, const Grid &grid, const Disk &disk)
 {
     std::vector<bool> blank;
-    blank.reserve(grid.index(0, grid.rows));
     for (int row = 0; row < grid.rows; ++row) {
         for (int column = 0; column < grid.columns; ++column) {
             const QRect cell = grid.cell(column, row);
@@ -152,12 +151,9 @@ std::vector<bool> blankCells(const QImage &image, const Grid &grid, const Disk &
 QPoint centreCell(const Grid &grid, const Disk &disk)
 {
     // Bounded before it becomes an integer: the centre may lie far outside a sub-field image.
-    const int x =
-        static_cast<int>(std::clamp(disk.centreX, 0.0, static_cast<double>(grid.picture.width())));
-    const int y =
-        static_cast<int>(std::clamp(disk.centreY, 0.0, static_cast<double>(grid.picture.height())));
-    return {std::clamp(x / grid.cellPx, 0, grid.columns - 1),
-            std::clamp(y / grid.cellPx, 0, grid.rows - 1)};
+    const auto x = static_cast<int>(std::clamp(disk.centreX, 0.0, grid.picture.width() - 1.0));
+    const auto y = static_cast<int>(std::clamp(disk.centreY, 0.0, grid.picture.height() - 1.0));
+    return {x / grid.cellPx, y / grid.cellPx};
 }
 
 /// Collects the component of @p first and clears its cells in @p blank: each is visited once.
@@ -220,15 +216,14 @@ QString warningText(const QRect &cells, const Grid &grid)
 
 QString detectBlankRendererBlock(const QImage &image, const QJsonObject &metadata)
 {
-    if (image.isNull() || image.width() < smallestSidePx || image.height() < smallestSidePx)
+    if (image.width() < smallestSidePx || image.height() < smallestSidePx)
         return {};
     const std::optional<Disk> disk = diskOn(image.size(), metadata);
     if (!disk)
         return {};
     const Grid grid(image.size());
-    const bool readable =
-        image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32;
-    const QImage pixels = readable ? image : image.convertToFormat(QImage::Format_ARGB32);
+    const QImage pixels = image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32
+                                                                        : QImage::Format_RGB32);
     const std::optional<QRect> block = firstBlock(grid, *disk, blankCells(pixels, grid, *disk));
     return block ? warningText(*block, grid) : QString();
 }

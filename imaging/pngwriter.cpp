@@ -33,7 +33,6 @@ constexpr uchar rgbaColour = 6;
 constexpr size_t chunkFrameBytes = 12; // length, type and checksum around a chunk's data
 constexpr size_t headerBytes = 13;
 constexpr size_t resolutionBytes = 9;
-constexpr size_t largestChunkBytes = 0x7fffffff;
 /// Larger pictures are left to Qt, which is slow but packs row by row: here rows and file take each
 /// as much memory again as the picture.
 constexpr size_t maxRowsBytes = 128 << 20;
@@ -189,8 +188,6 @@ File encode(const QImage &image)
     end = putHeader(image, end);
     end = putResolution(image, end);
     const size_t pixelBytes = packer.pack(rows, rowsBytes, end + 8);
-    if (pixelBytes == 0 || pixelBytes > largestChunkBytes)
-        return {};
     end = closeChunk(end, "IDAT", pixelBytes);
     end = closeChunk(end, "IEND", 0);
     file.size = static_cast<size_t>(end - file.bytes.get());

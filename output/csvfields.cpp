@@ -3,15 +3,7 @@
 QString CsvFields::quote(const QString &value)
 {
     const QLatin1Char mark('"');
-    QString quoted;
-    quoted.reserve(value.size() + 2);
-    quoted += mark;
-    for (const QChar character : value) {
-        if (character == mark)
-            quoted += mark;
-        quoted += character;
-    }
-    return quoted += mark;
+    return mark + QString(value).replace(mark, QLatin1String("\"\"")) + mark;
 }
 
 void CsvFields::split(QStringView line)

@@ -93,9 +93,9 @@ std::optional<Range> BoxReader::find(std::initializer_list<const char *> types, 
 QByteArray BoxReader::bytes(const Range &range, qint64 offset, qint64 count)
 {
     const qint64 begin = range.begin + offset;
-    if (begin >= range.end || !m_file.seek(begin))
+    if (!m_file.seek(begin))
         return {};
-    return m_file.read(std::min(count, range.end - begin));
+    return m_file.read(std::clamp<qint64>(range.end - begin, 0, count));
 }
 
 /// Number of pictures in a track, from its table of sample sizes; nothing when it is no video.

@@ -74,16 +74,14 @@ bool ManifestTable::readLine()
 
 void ManifestTable::readHeader()
 {
-    m_positions.fill(-1);
-    if (!readLine())
-        return;
-    m_fields.split(m_line);
+    if (readLine())
+        m_fields.split(m_line);
     m_headerFields = m_fields.count();
-    for (int position = 0; position < m_headerFields; ++position) {
-        const QStringRef name = m_fields.at(position).trimmed();
-        for (std::size_t column = 0; column < m_positions.size(); ++column) {
-            if (name == QLatin1String(ManifestColumns::names[column]))
-                m_positions[column] = position; // of two equal names the last one counts
-        }
-    }
+    QStringList header;
+    for (int position = 0; position < m_headerFields; ++position)
+        header += m_fields.at(position).trimmed().toString();
+    std::transform(ManifestColumns::names.begin(), ManifestColumns::names.end(),
+                   m_positions.begin(), [&header](const char *name) {
+                       return header.lastIndexOf(QLatin1String(name)); // -1 without one
+                   });
 }

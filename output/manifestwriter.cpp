@@ -29,8 +29,6 @@ QString headerLine()
 
 bool ManifestWriter::create(const QString &sessionDirectory)
 {
-    m_file.close();
-    m_waiting.clear();
     m_wholeBytes = 0;
     m_file.setFileName(QDir(sessionDirectory).filePath(SessionFiles::manifest()));
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text |

@@ -20,7 +20,8 @@ struct ManifestRow;
 class ManifestWriter final
 {
 public:
-    /// Creates manifest.csv in @p sessionDirectory with its header line; not open on failure.
+    /// Creates manifest.csv in @p sessionDirectory with its header line; not open on failure. One
+    /// that was open before has to be closed.
     bool create(const QString &sessionDirectory);
     bool isOpen() const { return m_file.isOpen(); }
     /**

@@ -22,6 +22,7 @@ QStringList readRow(const QByteArray &line, SessionCheck &check)
     const QString file = fields.at(ManifestColumns::File).toString();
     if (!line.endsWith('\n') || fields.count() != ManifestColumns::Count ||
         fields.at(ManifestColumns::RequestIndex) != QString::number(check.rows) ||
+        fields.at(ManifestColumns::ToleranceSeconds) == QLatin1String("0") ||
         (status == QLatin1String("OK")) == file.isEmpty())
         check.faults += "row: "_s + QString::fromUtf8(line);
     check.statuses += (check.rows++ > 0 ? " "_s : QString()) + status;

@@ -89,6 +89,7 @@ private slots:
             "2 frame(s), observed median 2147483647 s (min 2147483647, max 2147483647)");
         row("a century between frames is no spacing", {0, 60, 3'000'000'060}, 60, 0,
             "3 frame(s), observed median 60 s (min 60, max 60)");
+        row("every second", {0, 1}, 60, 0, "2 frame(s), observed median 1 s (min 1, max 1)");
         row("a single frame tells no spacing", {30}, 60, 0, "1 frame(s)");
         row("an empty archive", {}, 60, 0,
             "no frames returned; scheduling every 60 s with normal validation.");

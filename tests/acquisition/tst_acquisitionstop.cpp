@@ -66,9 +66,13 @@ private slots:
             if (operation > 0)
                 fixture.server.addFault({Operation(operation), FaultKind::Hang});
             replaceEncoder(true);
-            QVERIFY(fixture.controller->start(smallSession()));
+            AcquisitionSettings settings = smallSession();
+            if (operation == 1) // two probes at a time
+                settings.sources += {4, "LASCO C2"_s, {}};
+            QVERIFY(fixture.controller->start(settings));
             QTRY_VERIFY(fixture.events.last() == waiting &&
                         !AcquisitionFixture::children().isEmpty());
+            QCOMPARE(fixture.count("curl: getJPX"), settings.sources.size() - 1);
             const int before = fixture.logLines().size();
             if (destroys)
                 fixture.controller.reset();
@@ -88,7 +92,8 @@ private slots:
             QCOMPARE(QStringList(fixture.logLines().mid(before)), lines);
             QCOMPARE(check.statuses, statuses);
             QCOMPARE(check.descriptor.value(QLatin1String("canceled")), true);
-            QCOMPARE(check.descriptor.value(QLatin1String("sources")).toArray().size(), 2);
+            QCOMPARE(check.descriptor.value(QLatin1String("sources")).toArray().size(),
+                     settings.sources.size());
             fixture.controller->stop(); // idle: nothing happens
             QCoreApplication::processEvents();
             QCOMPARE(fixture.events.last(), "[finished] canceled"_s);
@@ -110,6 +115,10 @@ private slots:
                 else
                     fixture.controller->stop();
             };
+            fixture.onEvent = [&, nested = annotated && !destroys](const QString &event) {
+                if (nested && event.startsWith(QLatin1String("OK ")))
+                    fixture.controller->stop();
+            };
             connect(fixture.controller->findChild<HelioviewerClient *>(),
                     &HelioviewerClient::renderedImageDownloaded, this, [&, later = annotated] {
                         if (later) // timers of one length end in the order of their starts
@@ -125,6 +134,22 @@ private slots:
             QCOMPARE(check.statuses, "OK"_s);
             QCOMPARE(check.pictures, 2);
             QCOMPARE(check.descriptor.isEmpty(), destroys);
+            if (destroys)
+                continue;
+            QCOMPARE(fixture.count("[finished]"), 1);
+            const QString copy =
+                session + "/AIA_171_20240501_000000/video_frames/frame_000000.png"_s;
+            QCOMPARE(fixture.controller->pictureInHand(copy), QImage(copy));
+            QVERIFY(fixture.controller->pictureInHand(session).isNull());
+            fixture.onEvent = nullptr;
+            fixture.controller->findChild<HelioviewerClient *>()->disconnect(this);
+            AcquisitionSettings frames =
+                AcquisitionFixture::settings(0, {AcquisitionFixture::aia()});
+            frames.createVideos = false;
+            QVERIFY(fixture.run(frames));
+            QCOMPARE(SessionCheck::of(fixture.sessionDirectory).statuses, "OK"_s);
+            QCOMPARE(fixture.events.filter("[progress]"_s).join(QLatin1Char(' ')),
+                     "[progress] 0/1 [progress] 0/1 [progress] 1/1 [progress] 1/1"_s);
         }
     }
 

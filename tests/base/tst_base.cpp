@@ -1,11 +1,19 @@
+#include "base/desktopactions.h"
 #include "base/filenames.h"
+#include "base/helperprograms.h"
 #include "base/jsonfile.h"
 #include "base/loglineclass.h"
+#include "base/plainmessagebox.h"
+#include "base/regularfile.h"
 #include "base/runtimeconfig.h"
 #include "base/utctext.h"
 #include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
+#include <QAbstractButton>
+#include <QLabel>
+#include <QScreen>
+#include <QScrollArea>
 #include <QtTest>
 
 using LogLineClass::LineClass;
@@ -36,8 +44,14 @@ private slots:
         QCOMPARE(RuntimeConfig::preflightProbeSeconds(), 7200);
         QVERIFY(RuntimeConfig::allowInsecureFallback());
         QVERIFY(!QFile::exists(RuntimeConfig::configFilePath()));
+        QDir(TestFolder::path("out"_s)).removeRecursively();
         RuntimeConfig::ensureRuntimeConfig();
         QVERIFY(QDir(TestFolder::path("out"_s)).exists());
+        for (const QString &program : {curl, RuntimeConfig::ffmpegPath()}) {
+            QFile::remove(program);
+            HelperPrograms::linkMissing();
+            QVERIFY(QFileInfo(program).isExecutable());
+        }
         const QSettings written(RuntimeConfig::configFilePath(), QSettings::IniFormat);
         const QSettings shipped(QFINDTESTDATA("../../packaging/orvik.ini"), QSettings::IniFormat);
         const QStringList keys = written.allKeys();
@@ -127,6 +141,43 @@ private slots:
         QCOMPARE(JsonFile::save(nowhere, {}), JsonFile::SaveResult::CannotOpen);
         QVERIFY(!JsonFile::load(nowhere, &errorText) && !JsonFile::load(nowhere));
         QCOMPARE(errorText, "No such file or directory"_s);
+        QVERIFY(QFile::resize(m_path, 2 << 20));
+        QCOMPARE(RegularFile::read(m_path, 2 << 20, &errorText)->size(), 2 << 20);
+        QVERIFY(!RegularFile::read(m_path, (2 << 20) - 1, &errorText) &&
+                errorText == "larger than 1 MB"_s);
+    }
+
+    /// The platform of the tests opens no file for anyone.
+    void boxesSayWhatCannotBeOpened()
+    {
+        QString said;
+        QTimer watch;
+        connect(&watch, &QTimer::timeout, this, [&said] {
+            const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            said += box ? box->windowTitle() + QLatin1Char(' ') + box->text() + QLatin1Char('|')
+                        : QString();
+            const auto *scroll = box ? box->findChild<QScrollArea *>() : nullptr;
+            if (scroll && qobject_cast<QLabel *>(scroll->widget())->wordWrap() &&
+                scroll->frameShape() == QFrame::NoFrame && scroll->widgetResizable() &&
+                scroll->minimumSize() == scroll->screen()->availableSize() / 2)
+                said += scroll->accessibleName();
+            if (box)
+                box->buttons().constFirst()->click();
+        });
+        watch.start(0);
+        const QString page = TestFolder::path("doc/help.html"_s);
+        QFile::remove(page);
+        QVERIFY(!DesktopActions::playVideo(nullptr, "/no.mp4"_s));
+        QVERIFY(!DesktopActions::playVideo(nullptr, m_path));
+        DesktopActions::showHelp(nullptr);
+        QVERIFY(QDir().mkpath(TestFolder::path("doc"_s)) && QFile(page).open(QIODevice::WriteOnly));
+        DesktopActions::showHelp(nullptr);
+        const QString lines = "<b>\n"_s.repeated(200);
+        PlainMessageBox::show(nullptr, QMessageBox::Information, "Many"_s, lines);
+        QCOMPARE(said, "Play video Video file not found:\n/no.mp4|Play video The system video "
+                       "player could not open:\n%1|Orvik help Help file not found:\n%2|"
+                       "Orvik help The system browser could not open:\n%2|Many %3|Many"_s.arg(
+                           m_path, page, lines));
     }
 
     void timeFromText()
@@ -199,5 +250,5 @@ private:
     QJsonObject m_old{{"Sch\u00f6n"_s, 9007199254740991.0}};
 };
 
-QTEST_GUILESS_MAIN(TestBase)
+QTEST_MAIN(TestBase)
 #include "tst_base.moc"

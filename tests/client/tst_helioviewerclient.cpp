@@ -6,11 +6,15 @@
 
 #include <QtTest>
 
+#include <memory>
+
+#include <sys/wait.h>
+
 namespace {
 
 constexpr char strangeIndex[] =
     R"({"frames":[1715299211.9,"1715299451",0,-3,0.9,1,"1",null,true,[9],"12s","",1e300,
-        "9223372036854775807"],"message":"thinned"})";
+        "9223372036854775807","9223372036854775",9223372036854776],"message":"thinned"})";
 
 QJsonObject object(const QByteArray &json)
 {
@@ -61,7 +65,7 @@ private slots:
                                QString::number(image->imageId)
                          : QString();
         };
-        QCOMPARE(read("2024-05-01", "\"5\""), "2024-05-01T00:00:00.000Z 5"_s);
+        QCOMPARE(read("2024-05-01", "\"1\""), "2024-05-01T00:00:00.000Z 1"_s);
         for (const char *date : {"2024-05-01 12:00:07", "2024-05-01T12:00:07.000Z",
                                  "2024-05-01T14:00:07+02:00", "2024-05-01T10:00:07-02:00"})
             QCOMPARE(read(date, "5"), "2024-05-01T12:00:07.000Z 5"_s);
@@ -79,10 +83,10 @@ private slots:
         QVERIFY(QFile(bundle).open(QIODevice::WriteOnly));
         TestFolder::setKey("network/caBundle"_s, "ca.pem"_s);
         FakeProgram::Reply picture;
-        picture.files.insert("$-o"_s, "png");
+        picture.files.insert("$-o"_s, "p");
         FakeProgram::setScript(m_curl, {{}, picture});
         HelioviewerClient client;
-        client.getJPX(0, m_noon.toOffsetFromUtc(7200), m_noon.addSecs(60), 45);
+        client.getJPX(0, m_noon.toOffsetFromUtc(7200), m_noon.addSecs(60), 0);
         QTRY_VERIFY(!client.isBusy());
         QSignalSpy downloaded(&client, &HelioviewerClient::renderedImageDownloaded);
         client.downloadImage(9007199254740993, 10, m_noon, m_noon.addSecs(7), m_png, 1024);
@@ -95,24 +99,11 @@ private slots:
         const QStringList common = options.split(QLatin1Char(' ')) << bundle;
         const QString base = "http://[::1]/my%20s%C3%BCn/"_s;
         const QString index = "getJPX/?startTime=2024-05-01T12:00:00Z&endTime=2024-05-01T12:01:00Z"
-                              "&sourceId=0&linked=true&jpip=true&verbose=true&cadence=45"_s;
+                              "&sourceId=0&linked=true&jpip=true&verbose=true&cadence=1"_s;
         const QString image = "downloadImage/?id=9007199254740993&width=1024&type=png"_s;
         const auto runs = FakeProgram::runs(m_curl);
         QCOMPARE(runs.first().arguments, common + QStringList(base + index));
         QCOMPARE(runs.last().arguments, (common + QStringList{"-o"_s, m_png, base + image}));
-    }
-
-    void secondRequestIsRefused()
-    {
-        FakeProgram::setScript(m_curl, {FakeProgram::Reply()});
-        HelioviewerClient client;
-        QSignalSpy errors(&client, &HelioviewerClient::requestError);
-        client.getClosestImage(10, m_noon);
-        client.downloadImage(1, 99, {}, {}, m_png, 64);
-        QCOMPARE(errors.takeFirst(),
-                 (QList<QVariant>{"downloadImage"_s, "HelioviewerClient is already busy."_s}));
-        QVERIFY(errors.wait());
-        QCOMPARE(FakeProgram::runs(m_curl).size(), 1);
     }
 
     void failedDownloadsInWords()
@@ -120,16 +111,18 @@ private slots:
         FakeProgram::Reply crash;
         crash.crash = true;
         crash.files.insert("$-o"_s, "half");
+        FakeProgram::Reply lament = crash;
+        lament.standardError = "curl: oh\n";
+        HelioviewerClient client;
         for (const auto &[words, reply] :
              {std::pair("curl failed with exit code 22", FakeProgram::Reply{22, {}, {}, {}}),
               std::pair("curl: (22) x", FakeProgram::Reply{22, {}, " curl: (22) x\n", {}}),
               std::pair("Downloaded file is missing or empty.", FakeProgram::Reply()),
               std::pair("Downloaded file is missing or empty.",
                         FakeProgram::Reply{0, {}, {}, {{"$-o"_s, {}}}}),
-              std::pair("Process crashed", crash)}) {
+              std::pair("Process crashed", crash), std::pair("curl: oh", lament)}) {
             FakeProgram::install("bin/fake-curl"_s);
             FakeProgram::setScript(m_curl, {reply});
-            HelioviewerClient client;
             QSignalSpy errors(&client, &HelioviewerClient::requestError);
             client.downloadImage(1, 10, m_noon, m_noon, m_png, 64);
             QVERIFY(client.isBusy() && errors.wait());
@@ -138,25 +131,59 @@ private slots:
         }
     }
 
+    void inFlightIsCanceledOrDestroyed()
+    {
+        FakeProgram::Reply half;
+        half.files.insert("$-o"_s, "half");
+        half.hang = true;
+        FakeProgram::setScript(m_curl, {half});
+        auto client = std::make_unique<HelioviewerClient>();
+        QStringList errors;
+        connect(client.get(), &HelioviewerClient::requestError, this,
+                [&](const QString &operation, const QString &message) {
+                    errors += operation + ": "_s + message;
+                    if (errors.size() == 2) // the other is being canceled
+                        client->getDataSources();
+                });
+        for (const bool destroys : {false, true}) {
+            client->downloadImage(1, 10, m_noon, m_noon, m_png, 64);
+            QTRY_COMPARE(QFileInfo(m_png).size(), 4);
+            client->getClosestImage(10, m_noon); // refused
+            if (destroys)
+                client.reset();
+            else
+                client->cancel();
+            QVERIFY(!QFile::exists(m_png));
+            QCOMPARE(waitpid(-1, nullptr, WNOHANG), -1); // there is no child
+        }
+        const QString busy = ": HelioviewerClient is already busy."_s;
+        QCOMPARE(errors,
+                 (QStringList{"getClosestImage"_s + busy, "downloadImage: Process crashed"_s,
+                              "getDataSources"_s + busy, "getClosestImage"_s + busy}));
+    }
+
     void endlessAnswerIsEnded()
     {
-        for (const bool picture : {false, true}) {
-            const QByteArray commands =
-                picture ? "truncate -s 1025M \"${11}\"; exec sleep 120" : "exec yes '{'";
+        const QString answer = "The answer is larger than 64 MB. Check network/apiBase."_s;
+        const QString download = "The download is larger than 1 GB. Check network/apiBase."_s;
+        HelioviewerClient client;
+        QSignalSpy errors(&client, &HelioviewerClient::requestError);
+        QSignalSpy pictures(&client, &HelioviewerClient::renderedImageDownloaded);
+        for (const auto &[commands, message] :
+             {std::pair("exec yes '{'", answer),
+              {"truncate -s 1025M \"${11}\"; exec sleep 120", download},
+              {"truncate -s 1025M \"${11}\"", download},
+              {"truncate -s 1024M \"${11}\"", QString()}}) {
             TestFolder::setKey("paths/curl"_s, TestFolder::writeScript("endless-curl"_s, commands));
-            HelioviewerClient client;
-            QSignalSpy errors(&client, &HelioviewerClient::requestError);
-            if (picture)
-                client.downloadImage(1, 10, m_noon, m_noon, m_png, 64);
-            else
+            if (message == answer)
                 client.getDataSources();
-            QVERIFY(errors.wait(20'000));
-            QCOMPARE(errors.size(), 1);
-            QCOMPARE(errors.first().last().toString(),
-                     (picture ? "The download is larger than 1 GB."_s
-                              : "The answer is larger than 64 MB."_s) +
-                         " Check network/apiBase."_s);
-            QVERIFY(!client.isBusy() && !QFile::exists(m_png));
+            else
+                client.downloadImage(1, 10, m_noon, m_noon, m_png, 64);
+            QTRY_VERIFY_WITH_TIMEOUT(!client.isBusy(), 20'000);
+            QCOMPARE(errors.value(0).value(1).toString(), message);
+            QCOMPARE(errors.size() + pictures.size(), 1);
+            QCOMPARE(QFile::exists(m_png), message.isEmpty());
+            errors.clear();
         }
     }
 

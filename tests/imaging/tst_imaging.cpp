@@ -7,7 +7,6 @@
 #include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
-#include <QBitmap>
 #include <QImage>
 #include <QPainter>
 #include <QtTest>
@@ -55,16 +54,6 @@ QDateTime noon()
     return {QDate(2024, 5, 1), QTime(12, 0, 7), Qt::UTC};
 }
 
-/// The pixels of a white frame that annotating changes.
-QRect paintedArea(QSize size, const QDateTime &time, const QString &label, double kmPerPixel)
-{
-    QImage frame(size, QImage::Format_ARGB32);
-    frame.fill(Qt::white);
-    drawFrameAnnotations(frame, time, label, true, true, true, kmPerPixel);
-    frame.invertPixels();
-    return QRegion(QBitmap::fromImage(frame.createMaskFromColor(0xff000000U))).boundingRect();
-}
-
 /// Every channel random, alpha 0 over a colour among them.
 QImage noise(QSize size, QImage::Format format = QImage::Format_ARGB32)
 {
@@ -107,7 +96,12 @@ private slots:
         QTest::newRow("L of three") << Cells{{6, 5}, {5, 6}, {6, 6}} << warning(320, 320, 128, 128);
         QTest::newRow("diagonal") << Cells{{5, 5}, {6, 6}, {7, 7}} << warning(320, 320, 64, 64);
         QTest::newRow("hook: 4 of 6") << Cells{{5, 4}, {5, 5}, {5, 6}, {6, 6}} << QString();
-        QTest::newRow("outside the disk") << Cells{{0, 0}, {1, 8}} << QString();
+        QTest::newRow("other diagonal")
+            << Cells{{7, 5}, {6, 6}, {5, 7}} << warning(448, 320, 64, 64);
+        QTest::newRow("round two corners: 6 of 9")
+            << Cells{{8, 4}, {8, 5}, {8, 6}, {7, 6}, {6, 6}, {6, 5}} << QString();
+        QTest::newRow("a corner or more outside the disk")
+            << Cells{{0, 0}, {1, 8}, {8, 1}, {4, 3}, {11, 12}} << QString();
     }
     void shapes()
     {
@@ -136,18 +130,35 @@ private slots:
             const QString text = warning(black.x(), black.y(), black.width(), black.height());
             return detectBlankRendererBlock(image, metadata) == text;
         };
-        const QRect cell(64, 128, 64, 64);
-        QJsonObject noCentre = disk({256, 256}, 200);
-        noCentre.remove("refPixelX"_s);
-        QVERIFY(isFound({256, 256}, disk({256, 256}, 200), cell));
-        QVERIFY(!isFound({256, 255}, disk({256, 255}, 200), cell));
-        QVERIFY(isFound({256, 256}, noCentre, cell));
-        QVERIFY(!isFound({256, 256}, {{"width"_s, 256}}, cell));
-        QVERIFY(isFound({256, 256}, disk({4, 4}, 1e300), cell));
-        QVERIFY(isFound({4096, 4096}, disk({4096, 4096}, 1600), {1024, 1280, 256, 256}));
-        QJsonObject partOfTheSun = disk({256, 256}, 1e4); // whose centre is nearest to the corner
-        partOfTheSun["refPixelX"_s] = partOfTheSun["refPixelY"_s] = 999;
-        QVERIFY(!isFound({256, 256}, partOfTheSun, {192, 192, 64, 64}));
+        const auto diskAt = [](double x, double y, double radius) {
+            QJsonObject metadata = disk({256, 256}, radius);
+            metadata["refPixelX"_s] = x;
+            metadata["refPixelY"_s] = y;
+            return metadata;
+        };
+        const QJsonObject middle = diskAt(128, 128, 200);
+        const QJsonObject all = diskAt(1, 1, 1e4);
+        const QJsonObject infinite{{"width"_s, 1e-300}, {"height"_s, 1e-300}, {"rsun"_s, 1e300}};
+        for (const auto &[size, metadata, black, expected] :
+             {std::tuple(QSize(256, 256), middle, QRect(64, 128, 64, 64), true),
+              {{256, 255}, middle, {64, 128, 64, 64}, false},
+              {{255, 256}, middle, {64, 128, 64, 64}, false},
+              {{256, 256}, diskAt(0, 128, 200), {128, 64, 64, 64}, true}, // no centre is known
+              {{256, 256}, diskAt(128, 0, 200), {64, 128, 64, 64}, true},
+              {{256, 256}, {{"width"_s, 256}}, {64, 128, 64, 64}, false},
+              {{256, 256}, infinite, {64, 128, 64, 64}, false},
+              {{256, 256}, disk({4, 4}, 1e300), {64, 128, 64, 64}, true},
+              {{4096, 4096}, disk({4096, 4096}, 1600), {1024, 1280, 256, 256}, true},
+              {{256, 256}, diskAt(119, 137, 100), {128, 128, 64, 64}, true}, // up to 0.9 radii
+              {{256, 256}, all, {0, 64, 64, 128}, true},
+              {{256, 256}, all, {64, 0, 128, 64}, true},
+              {{288, 288}, all, {256, 128, 32, 64}, true}, // half a cell at the edge
+              {{287, 288}, all, {256, 128, 31, 64}, false},
+              {{288, 288}, all, {128, 256, 64, 32}, true},
+              {{288, 287}, all, {128, 256, 64, 31}, false},
+              // Part of the Sun, whose centre is nearest to the corner.
+              {{256, 256}, diskAt(999, 999, 1e4), {192, 192, 64, 64}, false}})
+            QCOMPARE(isFound(size, metadata, black), expected);
     }
 
     /// The last cell of this picture is 50 x 40 pixels and sampled whole: 1996 of 2000 are 99.8 %.
@@ -170,6 +181,12 @@ private slots:
         QCOMPARE(numbers(100), (QVector<int>{8, 6, 4, 8, 8, 5, 1}));
         QCOMPARE(numbers(1024), (QVector<int>{12, 8, 4, 18, 15, 5, 1}));
         QCOMPARE(numbers(2048), (QVector<int>{25, 17, 9, 37, 31, 11, 2}));
+        QCOMPARE(Layout::bottomLeftBox({2048, 900}, Layout::measuresFor(2048), {300, 40}),
+                 QRect(25, 900 - 25 - 58, 300 + 2 * 17, 40 + 2 * 9));
+        QCOMPARE(Layout::bottomRightBox({100, 80}, Layout::measuresFor(100), {500, 10}),
+                 QRect(8, 80 - 8 - 18, 84, 18));
+        QCOMPARE(Layout::widestText(29, Layout::measuresFor(29)), 1);
+        QCOMPARE(Layout::widestText(2048, Layout::measuresFor(2048)), 2048 - 2 * 17 - 2 * 25);
         for (const auto &[widest, px] : {std::pair(180, 18), std::pair(179, 17), std::pair(1, 6)})
             QCOMPARE(Layout::fittingTextPx(18, widest, [](int size) { return 10 * size; }), px);
     }
@@ -184,47 +201,80 @@ private slots:
         QCOMPARE(scale.label, QRect(889, 16, 115, 18));
         QCOMPARE(scale.right, QPoint(1011 - 8, 46 - 2 - 4));
         QCOMPARE(scale.left, QPoint(1003 - 115, 40));
+        const auto longLabel = Layout::scaleBoxFor(2048, Layout::measuresFor(2048), 115, {180, 18});
+        QCOMPARE(longLabel.box, QRect(2048 - 25 - 214, 25, 214, 18 + 4 + 11 + 18));
+        QCOMPARE(longLabel.label, QRect(1826, 34, 180, 18));
+        QCOMPARE(Layout::scaleBoxFor(100, Layout::measuresFor(100), 20, {180, 18}).box.width(), 84);
         QCOMPARE(Layout::scaleBarFor(100, 0.095).lengthPx, 0); // 1 km would be 11 pixels
+        QCOMPARE(Layout::scaleBarFor(100, 1 / 12.0).lengthPx, 12);
         for (const double unknown : {0.0, -1.0, qQNaN(), qInf()})
             QCOMPARE(Layout::scaleBarFor(1024, unknown).lengthPx, 0);
     }
 
-    void overlaysLieInTheirCorners()
+    /// All three at once, each in its box and in bold type.
+    void wordsAndBarArePainted()
     {
-        for (const QSize size : {QSize(100, 80), QSize(1024, 1024), QSize(2048, 1001)}) {
-            const int margin = Layout::measuresFor(size.width()).margin;
-            const QRect inner = QRect(QPoint(), size).adjusted(margin, margin, -margin, -margin);
-            QCOMPARE(paintedArea(size, noon(), {}, 0).bottomLeft(), inner.bottomLeft());
-            QCOMPARE(paintedArea(size, {}, " A "_s, 0).bottomRight(), inner.bottomRight());
-            QCOMPARE(paintedArea(size, {}, {}, 1e-4).topRight(), inner.topRight());
-            const QRect clipped = paintedArea(size, {}, QString(2000, QLatin1Char('W')), 0);
-            QCOMPARE(clipped.width(), inner.width());
-        }
-        QCOMPARE(paintedArea({640, 480}, {}, " \t "_s, 0), QRect());
+        const QSize size(2048, 300);
+        const Layout::Measures measures = Layout::measuresFor(size.width());
+        QImage frame = grey(size, QImage::Format_RGB32);
+        QImage expected = frame;
+        drawFrameAnnotations(frame, {}, " \t "_s, true, true, true, 0);
+        QCOMPARE(frame, expected);
+        QPainter painter(&expected);
+        painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+        const auto bold = [&](int px, const char *text) {
+            QFont font("Segoe UI"_s, -1, QFont::Bold);
+            font.setPixelSize(px);
+            painter.setFont(font);
+            return QSize(QFontMetrics(font).horizontalAdvance(QLatin1String(text)),
+                         QFontMetrics(font).height());
+        };
+        painter.setPen(Qt::white);
+        const auto write = [&](const QRect &box, const QRect &inner, int flags, const char *text) {
+            painter.fillRect(box, QColor(0, 0, 0, 165));
+            painter.drawText(inner, flags | Qt::AlignVCenter, QLatin1String(text));
+        };
+        const char *const utc = "2024-05-01 12:00:07 UTC";
+        const auto left = Layout::bottomLeftBox(size, measures, bold(measures.textPx, utc));
+        write(left, Layout::insideBox(left, measures), Qt::AlignLeft, utc);
+        const auto right = Layout::bottomRightBox(size, measures, bold(measures.textPx, "HMI"));
+        write(right, Layout::insideBox(right, measures), Qt::AlignRight, "HMI");
+        const auto bar = Layout::scaleBarFor(size.width(), 1000);
+        const QByteArray label = bar.label.toLatin1();
+        const auto scale = Layout::scaleBoxFor(size.width(), measures, bar.lengthPx,
+                                               bold(measures.scaleTextPx, label));
+        write(scale.box, scale.label, Qt::AlignHCenter, label);
+        painter.setPen(QPen(Qt::white, measures.linePx));
+        painter.drawLine(scale.left, scale.right);
+        for (const QPoint end : {scale.left, scale.right})
+            painter.drawLine(end - QPoint(0, measures.tickPx), end + QPoint(0, 1));
+        painter.end();
+        drawFrameAnnotations(frame, noon(), " HMI "_s, true, true, true, 1000);
+        QCOMPARE(frame, expected);
     }
 
     void annotatedCopyIsSaved()
     {
         const QTemporaryDir folder;
         const QString path = folder.filePath("a/b/frame_000000.png"_s);
-        QImage original(511, 507, QImage::Format_RGB32); // as odd as some instruments are
+        QImage original(509, 505, QImage::Format_RGB32); // as odd as some instruments are
         original.fill(Qt::white);
-        for (int i = 0; i < 507; ++i) {
-            original.setPixel(i, 506, qRgb(i / 2, 0, 0));
-            original.setPixel(510, i, qRgb(0, i / 2, 0));
+        for (int i = 0; i < 505; ++i) {
+            original.setPixel(i, 504, qRgb(i / 2, 0, 0));
+            original.setPixel(508, i, qRgb(0, i / 2, 0));
         }
-        const QJsonObject metadata{{"rsun"_s, 200}, {"width"_s, 512}};
+        const QJsonObject metadata{{"rsun"_s, 200}, {"width"_s, 509}};
         const QString label = "AIA 171"_s;
         QVERIFY(saveTimestampedFrame(original, path, noon(), label, metadata, true, true));
-        QCOMPARE(original.pixel(8, 498), 0xffffffffU);
+        QCOMPARE(original.pixel(8, 496), 0xffffffffU);
         const QImage copy(path);
-        QCOMPARE(copy.pixel(8, 498), qRgb(90, 90, 90)); // under 165 of 255 black
+        QCOMPARE(copy.pixel(8, 496), qRgb(90, 90, 90)); // under 165 of 255 black
         QImage expected = original.convertToFormat(QImage::Format_ARGB32);
         drawFrameAnnotations(expected, noon(), label, true, true, true, 695700.0 / 200);
         QCOMPARE(copy.copy(original.rect()), expected.convertToFormat(QImage::Format_RGB32));
-        QCOMPARE(copy.size(), QSize(512, 508)); // the last column and row twice
-        QCOMPARE(copy.copy(511, 0, 1, 508), copy.copy(510, 0, 1, 508));
-        QCOMPARE(copy.copy(0, 507, 512, 1), copy.copy(0, 506, 512, 1));
+        QCOMPARE(copy.size(), QSize(510, 506)); // the last column and row twice
+        QCOMPARE(copy.copy(509, 0, 1, 506), copy.copy(508, 0, 1, 506));
+        QCOMPARE(copy.copy(0, 505, 510, 1), copy.copy(0, 504, 510, 1));
     }
 
     void kilometresPerPixel()
@@ -273,6 +323,28 @@ private slots:
         }
     }
 
+    void smallestFormIsChosen()
+    {
+        const auto form = [this](QImage image) { // colour type and filter of the first row
+            image.setDotsPerMeterX(1234);
+            QFile file(path("ours.png"));
+            const bool saved = PngWriter::save(image, file.fileName());
+            const QByteArray png = saved && file.open(QIODevice::ReadOnly) ? file.readAll() : "";
+            const QByteArray rows = qUncompress(QByteArray("\0\1\0\0", 4) + png.mid(62));
+            const bool scaled = QImage(file.fileName()).dotsPerMeterX() == 1234;
+            return QString::asprintf("%d %d", png[25], scaled && !rows.isEmpty() ? rows[0] : -1);
+        };
+        QCOMPARE(form(noise({64, 64})), "6 0"_s);
+        QCOMPARE(form(sun({300, 300})), "2 2"_s);
+        QImage image = sun({64, 48});
+        image.setPixel(9, 0, 0);
+        QCOMPARE(form(image), "6 2"_s);
+        image = noise({64, 400}, QImage::Format_RGB32);
+        for (const int row : {98, 296}) // the sample begins with the row below
+            std::copy_n(image.constScanLine(row), image.bytesPerLine(), image.scanLine(row + 1));
+        QCOMPARE(form(image), "2 2"_s);
+    }
+
     void failuresKeepTheFormerFile()
     {
         QVERIFY(!PngWriter::save(sun({8, 8}), path("missing/frame_000000.png")));
@@ -306,15 +378,18 @@ private slots:
 
     void onlyPngOfABearableSizeIsRead()
     {
-        for (const auto &[size, bearable] :
-             {std::pair(QSize(16384, 2), true), std::pair(QSize(2, 16384), true),
-              std::pair(QSize(16385, 2), false), std::pair(QSize(2, 16385), false),
-              std::pair(QSize(16384, 6104), false)}) { // too many pixels
+        for (const auto &[size, bearable] : {std::pair(QSize(16384, 2), true),
+                                             {QSize(2, 16384), true},
+                                             {QSize(16385, 2), false},
+                                             {QSize(2, 16385), false},
+                                             {QSize(10000, 10000), true},
+                                             {QSize(10000, 10001), false}}) {
             QImage image(size, QImage::Format_Mono);
             image.fill(1);
             QVERIFY(image.save(path("frame.png")));
-            QCOMPARE(!FrameDecoder::decode(path("frame.png")).isNull(), bearable);
+            QCOMPARE(FrameDecoder::size(path("frame.png")) == size, bearable);
         }
+        QVERIFY(!FrameDecoder::size(path("missing.png")).isValid());
         QVERIFY(sun({64, 48}).save(path("frame.png"), "bmp"));
         QVERIFY(FrameDecoder::decode(path("frame.png")).isNull());
     }

@@ -1,12 +1,20 @@
 #include "output/csvfields.h"
+#include "output/filmencoder.h"
 #include "output/filmfile.h"
 #include "output/framecleanup.h"
 #include "output/manifestreader.h"
 #include "output/manifestrow.h"
 #include "output/manifestwriter.h"
 #include "tests/support/literals.h"
+#include "tests/support/testfolder.h"
 
 #include <QtTest>
+
+#include <csignal>
+#include <memory>
+
+#include <fcntl.h>
+#include <sys/wait.h>
 
 namespace {
 
@@ -35,6 +43,22 @@ ManifestRow acceptedRow()
             "AIA/copy.png"_s,
             FrameStatus::Ok,
             QJsonDocument::fromJson(answer).object()};
+}
+
+/// For a program that does @p commands in the film's folder.
+FilmOrder orderOf(const QByteArray &commands, const QString &folder)
+{
+    FilmOrder order;
+    order.program = TestFolder::writeScript("encoder"_s, commands);
+    order.folder = folder;
+    order.film = folder + "/film.mp4"_s;
+    order.startLimitMs = 60'000;
+    return order;
+}
+
+QString toText(const FilmOutcome &outcome)
+{
+    return "%1 %2 "_s.arg(static_cast<int>(outcome.end)).arg(outcome.exitCode) + outcome.reason;
 }
 
 } // namespace
@@ -105,7 +129,7 @@ private slots:
         QVERIFY(writer.create(m_folder.path()));
         QVERIFY(writer.append(acceptedRow()));
         QCOMPARE(content(), m_header + acceptedLine); // while the file is still open
-        QVERIFY(writer.close());
+        QVERIFY(writer.close() && writer.close());
         QVERIFY(writer.append(acceptedRow()));
         QCOMPARE(content(), m_header + acceptedLine);
 
@@ -122,11 +146,13 @@ private slots:
     {
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<QString>("frames"); // file@time+width of each frame of source 0
-        const auto row = [](const char *name, const QByteArray &text, const char *frames) {
+        const auto row = [](const char *name, const QByteArray &text, const QByteArray &frames) {
             QTest::newRow(name) << text << QString::fromLatin1(frames);
         };
         row("reordered, extra and blank columns", " File ,x,Status\na,,OK\n", "a@+0");
         row("of two equal columns the last", "File,Status,File\na,OK,b\n", "b@+0");
+        row("a column less, a field less", "SourceWidth,Status,File\n4096,OK\n", "@+4096");
+        row("CR within a field", "Status,File\nOK,a\rb\n", "ab@+0");
         row("CR LF and blank lines", "Status,File\r\n\r\n  \r\nOK,a\r\nOK,b\r\n", "a@+0 b@+0");
         row("status to the letter", "Status,File\nok,a\n\"OK\",b\nOK ,c\nOK", "b@+0 @+0");
         row("NUL and Latin-1 bytes", {"Status,File\nO\0K,a\n\xe9\xff,b\nOK,c\n", 29}, "c@+0");
@@ -139,6 +165,8 @@ private slots:
             "@+4096 @+0 @+1000 @+0 @+8 @+0");
         row("a line of more than 1 MB",
             "Status,File\nOK,a\nOK," + QByteArray(1 << 20, 'x') + "\nOK,c\n", "a@+0");
+        row("a line of 1 MB", "Status,File\nOK," + QByteArray((1 << 20) - 3, 'x') + "\nOK,c\n",
+            QByteArray((1 << 20) - 3, 'x') + "@+0 c@+0");
         row("source without a number", "SourceId,Status,File\nAIA,OK,a\n", "a@+0");
     }
 
@@ -219,6 +247,7 @@ private slots:
         row("as many boxes as are read", most + shortMovie, "the film shows 2 of 3 pictures.");
         row("more boxes than a film has", most + box("free", "") + shortMovie, "");
         row("no MP4", "of some other encoder", "");
+        row("a single byte", "x", "");
     }
 
     void filmOfThreePictures()
@@ -227,7 +256,68 @@ private slots:
         QTemporaryFile film;
         QVERIFY(film.open() && film.write(content) == content.size() && film.flush());
         QTEST(FilmFile::flaw(film.fileName(), 3), "flaw");
+        QVERIFY(!FilmFile::isCutOff(film.fileName() + " not there"_s));
         QCOMPARE(FilmFile::flaw(film.fileName() + " not there"_s, 3), "there is no film."_s);
+    }
+
+    void encoderTellsHowItEnded()
+    {
+        const QByteArray cutFilm = "printf '\\0\\0\\0\\10ftyp' >film.mp4; ";
+        for (const auto &[commands, outcome] :
+             {std::pair("echo a b >&2; exit 1", "2 1 Unknown error, a b"),
+              {"echo a b; kill -KILL $$", "2 9 Process crashed, a b"},
+              {"cat; echo a b", "3 0 ffmpeg ended without an error, but the film is cut off. "
+                                "Is the disk full?, a b"},
+              {"printf '\\0\\0\\0\\10moov' >>film.mp4", "0 0 , film"},
+              {"", "1 0 execvp: No such file or directory, film"}}) {
+            FilmEncoder encoder;
+            FilmOrder order = orderOf(cutFilm + commands, m_folder.path());
+            order.program += *commands == 0 ? " not there"_s : QString();
+            encoder.start(order);
+            QTRY_VERIFY(!encoder.isRunning());
+            const QString left = QFile::exists(order.film) ? "film"_s : encoder.lastOutput(9);
+            QCOMPARE(toText(encoder.outcome()) + ", "_s + left, QLatin1String(outcome));
+            QTRY_VERIFY(!encoder.findChild<QProcess *>());
+        }
+    }
+
+    void encoderIsStopped()
+    {
+        auto encoder = std::make_unique<FilmEncoder>();
+        int ended = 0;
+        connect(encoder.get(), &FilmEncoder::finished, this, [&ended] { ++ended; });
+        encoder->start(orderOf("seq 100000 199999; exec sleep 120", m_folder.path()));
+        QTRY_COMPARE(encoder->lastOutput(6), "199999"_s);
+        const int kept = encoder->lastOutput(1 << 20).size();
+        QVERIFY(kept > 65'000 && kept <= 128 * 1024);
+        encoder->start(orderOf("echo first; exec sleep 120", m_folder.path()));
+        QCOMPARE(toText(encoder->outcome()), "2 9 Process crashed"_s);
+        QTRY_COMPARE(encoder->lastOutput(9), "first"_s);
+        encoder->cancel();
+        QCOMPARE(ended, 2);
+        const FilmOrder last =
+            orderOf("printf '\\0\\0\\0\\10ftyp' >film.mp4; exec sleep 120", m_folder.path());
+        encoder->start(last);
+        QTRY_COMPARE(QFileInfo(last.film).size(), 8);
+        encoder.reset();
+        QVERIFY(!QFile::exists(last.film));
+        QCOMPARE(ended, 2); // that one without a word
+    }
+
+    /// A lease on the program lets nobody open it.
+    void encoderThatDoesNotStart()
+    {
+        FilmOrder order = orderOf("exit", m_folder.path());
+        order.startLimitMs = 20;
+        std::signal(SIGIO, SIG_IGN);
+        QFile program(order.program);
+        QVERIFY(program.open(QIODevice::ReadOnly));
+        QCOMPARE(fcntl(program.handle(), F_SETLEASE, F_WRLCK), 0);
+        FilmEncoder encoder;
+        encoder.start(order);
+        QTRY_VERIFY(!encoder.isRunning());
+        QCOMPARE(toText(encoder.outcome()), "1 0 Process operation timed out"_s);
+        QCOMPARE(waitpid(-1, nullptr, WNOHANG), -1); // there is no child
     }
 
     void removesOnlyFrames()
