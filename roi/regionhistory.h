@@ -26,15 +26,14 @@ public:
 
     QUndoStack &stack() { return m_stack; }
 
-    /// Takes a step, named @p text, that leaves the list as @p after.
-    void take(const QString &text, const RegionState &before, const RegionState &after);
+    /// Takes a step that leaves the list as @p after.
+    void take(const RegionState &before, const RegionState &after);
     /**
      * Takes a step that is part of a longer one while the same @p field is typed or spun in.
      *
      * A series of them that ends where it began is no step at all.
      */
-    void takeTyped(const QString &text, const RegionState &before, const RegionState &after,
-                   int field);
+    void takeTyped(const RegionState &before, const RegionState &after, int field);
     /// The next typed step begins a new one.
     void endTyping() { ++m_series; }
     /// Forgets all steps, for another session.
