@@ -10,10 +10,9 @@ constexpr int never = -1; // a step with this field is never joined
 class Step final : public QUndoCommand
 {
 public:
-    Step(const QString &text, RegionState before, RegionState after, int field, int series,
+    Step(RegionState before, RegionState after, int field, int series,
          const std::function<void(const RegionState &)> &show)
-        : QUndoCommand(text)
-        , m_before(std::move(before))
+        : m_before(std::move(before))
         , m_after(std::move(after))
         , m_field(field)
         , m_series(series)
@@ -50,13 +49,12 @@ RegionHistory::RegionHistory(std::function<void(const RegionState &)> show)
     m_stack.setUndoLimit(keptSteps);
 }
 
-void RegionHistory::take(const QString &text, const RegionState &before, const RegionState &after)
+void RegionHistory::take(const RegionState &before, const RegionState &after)
 {
-    m_stack.push(new Step(text, before, after, never, m_series, m_show));
+    m_stack.push(new Step(before, after, never, m_series, m_show));
 }
 
-void RegionHistory::takeTyped(const QString &text, const RegionState &before,
-                              const RegionState &after, int field)
+void RegionHistory::takeTyped(const RegionState &before, const RegionState &after, int field)
 {
-    m_stack.push(new Step(text, before, after, field, m_series, m_show));
+    m_stack.push(new Step(before, after, field, m_series, m_show));
 }

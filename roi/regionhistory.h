@@ -26,15 +26,14 @@ public:
 
     QUndoStack &stack() { return m_stack; }
 
-    /// Adds a step, named @p text, that leaves the list as @p after.
-    void take(const QString &text, const RegionState &before, const RegionState &after);
+    /// Adds a step that leaves the list as @p after.
+    void take(const RegionState &before, const RegionState &after);
     /**
      * Adds a step that is merged with the one before while the same @p field is being changed.
      *
      * A series that ends where it began leaves no step.
      */
-    void takeTyped(const QString &text, const RegionState &before, const RegionState &after,
-                   int field);
+    void takeTyped(const RegionState &before, const RegionState &after, int field);
     /// The next typed step begins a new one.
     void endTyping() { ++m_series; }
     /// Forgets all steps, for another session.

@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr double outlineZ = 10.0;
 constexpr double widestNamePx = 220.0;
 constexpr double namePaddingPx = 4.0;
 constexpr QColor nameBackground(0, 0, 0, 165); // that of the annotations on the frames
@@ -75,7 +74,6 @@ void RegionScene::removeFrame()
     m_framePixmap = QPixmap();
     m_outlines.clear();
     m_regions.clear();
-    m_labels.clear();
     m_current = -1;
 }
 
@@ -92,9 +90,7 @@ void RegionScene::showRegions(const QVector<RegionMark> &regions, int current)
 
 void RegionScene::drawForeground(QPainter *painter, const QRectF & /*exposed*/)
 {
-    painter->save();
     painter->resetTransform();
-    painter->setFont(m_view->font());
     for (int row = 0; row < m_regions.size(); ++row) {
         if (row != m_current)
             drawMark(*painter, row);
@@ -105,17 +101,14 @@ void RegionScene::drawForeground(QPainter *painter, const QRectF & /*exposed*/)
         painter->setBrush(regionColor(true));
         painter->drawRects(RegionMarks::handles(onScreen(m_current)));
     }
-    painter->restore();
 }
 
 void RegionScene::fitOutlines()
 {
     while (m_outlines.size() > m_regions.size())
         delete m_outlines.takeLast();
-    while (m_outlines.size() < m_regions.size()) {
+    while (m_outlines.size() < m_regions.size())
         m_outlines.append(new QGraphicsRectItem(m_frame));
-        m_outlines.last()->setZValue(outlineZ);
-    }
     const QPen pens[] = {regionPen(m_framePixmap.width(), false),
                          regionPen(m_framePixmap.width(), true)};
     for (int row = 0; row < m_regions.size(); ++row) { // those that stay as they are cost nothing
@@ -154,7 +147,6 @@ void RegionScene::drawMark(QPainter &painter, int row) const
     const double widthPx = m_outlines.at(row)->pen().widthF() * m_view->transform().m11();
     if (widthPx < 1.0 || row == m_current) {
         painter.setPen(QPen(regionColor(row == m_current), std::max(widthPx, 1.0)));
-        painter.setBrush(Qt::NoBrush);
         painter.drawRect(onScreen(row));
     }
     const QRectF box = nameBox(row);

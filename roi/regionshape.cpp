@@ -78,8 +78,7 @@ int roomFor(Span span, int side, int framePx)
 
 double RegionShape::proportionAt(int choice)
 {
-    const bool offered = choice >= 0 && choice < static_cast<int>(proportions.size());
-    return offered ? proportions[static_cast<size_t>(choice)] : 0.0;
+    return proportions[static_cast<size_t>(choice)];
 }
 
 QRectF RegionShape::spanned(const QPointF &from, const QPointF &to, const QSize &frame,
@@ -87,18 +86,19 @@ QRectF RegionShape::spanned(const QPointF &from, const QPointF &to, const QSize 
 {
     if (proportion <= 0.0)
         return QRectF(from, to).normalized().intersected(QRectF(QPointF(), frame));
-    const Sides sides{to.x() < from.x() ? -1 : 1, to.y() < from.y() ? -1 : 1};
+    const bool leftwards = to.x() < from.x();
+    const bool upwards = to.y() < from.y();
     const double width =
         std::max(std::abs(to.x() - from.x()), std::abs(to.y() - from.y()) * proportion);
     const QPoint anchor(static_cast<int>(from.x()), static_cast<int>(from.y()));
-    const QSize room(sides.x > 0 ? frame.width() - anchor.x() : anchor.x(),
-                     sides.y > 0 ? frame.height() - anchor.y() : anchor.y());
+    const QSize room(leftwards ? anchor.x() : frame.width() - anchor.x(),
+                     upwards ? anchor.y() : frame.height() - anchor.y());
     if (width < smallestPx || width / proportion < smallestPx || room.width() < smallestPx ||
         room.height() < smallestPx)
         return {from, QSizeF()};
     const QSize size = shaped(width, room, proportion);
-    return QRect(QPoint(sides.x > 0 ? anchor.x() : anchor.x() - size.width(),
-                        sides.y > 0 ? anchor.y() : anchor.y() - size.height()),
+    return QRect(QPoint(leftwards ? anchor.x() - size.width() : anchor.x(),
+                        upwards ? anchor.y() - size.height() : anchor.y()),
                  size);
 }
 

@@ -86,7 +86,7 @@ ResultView::ResultView(QWidget *parent)
     : QGroupBox(parent), m_picture(new Picture(this)), m_caption(new QLabel(this))
 {
     auto *layout = new QVBoxLayout(this);
-    layout->addWidget(m_picture, 1);
+    layout->addWidget(m_picture);
     layout->addWidget(m_caption);
     m_picture->setObjectName(QStringLiteral("resultPicture"));
     m_picture->setAccessibleName(tr("Result"));

@@ -17,7 +17,6 @@ namespace {
 
 constexpr double zoomStep = 1.15;
 constexpr double smallestDragPx = 2.0;
-constexpr double rubberBandZ = 1000.0;
 
 Qt::CursorShape cursorFor(const RegionShape::Sides &sides)
 {
@@ -33,12 +32,10 @@ RoiCanvas::RoiCanvas(QGraphicsView *view, QObject *parent)
 {
     m_view->setDragMode(QGraphicsView::ScrollHandDrag);
     m_view->setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
-    m_view->setRenderHint(QPainter::SmoothPixmapTransform);
     m_view->viewport()->installEventFilter(this);
     m_message->setAlignment(Qt::AlignCenter);
     m_message->setWordWrap(true);
     m_message->setTextFormat(Qt::PlainText);
-    m_message->setAttribute(Qt::WA_TransparentForMouseEvents);
     (new QVBoxLayout(m_view->viewport()))->addWidget(m_message);
 }
 
@@ -83,8 +80,7 @@ void RoiCanvas::cancelDrawing()
     if (!m_drawing)
         return;
     m_drawing = false;
-    m_view->viewport()->unsetCursor();
-    m_view->setDragMode(QGraphicsView::ScrollHandDrag);
+    m_view->setDragMode(QGraphicsView::ScrollHandDrag); // with its own cursor
 }
 
 void RoiCanvas::drawMiddle()
@@ -113,13 +109,15 @@ bool RoiCanvas::eventFilter(QObject *watched, QEvent *event)
         return true;
     case QEvent::Show:
         fitWhenShown();
-        return false;
+        break;
     case QEvent::Leave:
         emit left();
-        return false;
+        break;
     default:
-        return (m_scene.frame() && mouseEvent(event)) || QObject::eventFilter(watched, event);
+        if (m_scene.frame() && mouseEvent(event))
+            return true;
     }
+    return QObject::eventFilter(watched, event);
 }
 
 void RoiCanvas::fitWhenShown()
@@ -178,8 +176,6 @@ void RoiCanvas::beginRectangle(const QPointF &position)
     m_dragStart = position;
     m_rubberBand = new QGraphicsRectItem(QRectF(position, QSizeF()), m_scene.frame());
     m_rubberBand->setPen(QPen(Qt::yellow, 0.0, Qt::DashLine)); // one screen pixel at any zoom
-    m_rubberBand->setZValue(rubberBandZ);
-    m_rubberBand->setAcceptedMouseButtons(Qt::NoButton);
 }
 
 void RoiCanvas::endRectangle(const QPointF &position)

@@ -43,8 +43,7 @@ void setField(QSpinBox *field, int lowest, int highest, int value)
 
 bool isUndoOrRedo(const QKeyEvent &key)
 {
-    return key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo) ||
-           (key.modifiers() == Qt::ControlModifier && key.key() == Qt::Key_Y);
+    return key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo);
 }
 
 } // namespace
@@ -120,7 +119,6 @@ int RoiEditor::currentRow() const
 QVector<RegionMark> RoiEditor::marks() const
 {
     QVector<RegionMark> marks;
-    marks.reserve(m_rois.size());
     for (const Roi &roi : m_rois)
         marks.append({RoiGeometry::pixelRect(roi.rect, m_frameSize),
                       RegionMarks::nameOf(marks.size() + 1, roi.name, roi.enabled)});
@@ -134,7 +132,7 @@ QString RoiEditor::load(const QString &sessionDirectory)
     m_storedRois = RoiSet::load(sessionDirectory, &remark);
     m_beforeDrag.reset();
     m_history.clear();
-    showState({m_storedRois, m_storedRois.isEmpty() ? -1 : 0});
+    showState({m_storedRois, 0}); // no row of an empty list
     return remark;
 }
 
@@ -175,7 +173,7 @@ QString RoiEditor::add(const QRectF &pixels)
     Roi roi;
     roi.name = RoiSet::defaultName(m_rois.size());
     roi.rect = RoiGeometry::normalizedRect(pixels, m_frameSize);
-    append(tr("create"), roi);
+    append(roi);
     return roi.name;
 }
 
@@ -203,7 +201,7 @@ void RoiEditor::endDrag(bool kept)
     if (!before)
         return;
     if (kept && m_rois != before->rois)
-        m_history.take(tr("move"), *before, state());
+        m_history.take(*before, state());
     else
         showState(*before);
 }
@@ -241,23 +239,21 @@ void RoiEditor::onItemChanged(QListWidgetItem *item)
 {
     RegionState after = state();
     Roi &roi = after.rois[m_ui->roiList->row(item)];
-    const bool renamed = roi.name != item->text();
     roi.name = item->text();
     roi.enabled = item->checkState() == Qt::Checked;
     if (after.rois != m_rois)
-        m_history.take(renamed ? tr("rename") : tr("tick"), state(), after);
+        m_history.take(state(), after);
 }
 
 void RoiEditor::onNameEdited(const QString &name)
 {
-    changeCurrent(
-        tr("rename"), [&name](Roi &roi) { roi.name = name; }, m_ui->nameEdit);
+    changeCurrent([&name](Roi &roi) { roi.name = name; }, m_ui->nameEdit);
 }
 
 void RoiEditor::onRotationChosen(int index)
 {
     const int rotation = RoiGeometry::rotationAt(index);
-    changeCurrent(tr("turn"), [rotation](Roi &roi) { roi.rotation = rotation; });
+    changeCurrent([rotation](Roi &roi) { roi.rotation = rotation; });
 }
 
 void RoiEditor::shapeChosen(int index)
@@ -277,7 +273,7 @@ void RoiEditor::copyCurrent()
     Roi roi = *currentRoi();
     const QString suffix = tr(" copy");
     roi.name = roi.name.left(RoiSet::maxNameLength - suffix.size()) + suffix;
-    append(tr("copy"), roi);
+    append(roi);
 }
 
 void RoiEditor::deleteCurrent()
@@ -288,7 +284,7 @@ void RoiEditor::deleteCurrent()
         return;
     after.rois.remove(after.row);
     after.row = std::min(after.row, after.rois.size() - 1);
-    m_history.take(tr("delete"), state(), after);
+    m_history.take(state(), after);
 }
 
 void RoiEditor::undo()
@@ -325,34 +321,32 @@ void RoiEditor::connectGeometry(QSpinBox *field, void (QRectF::*change)(qreal),
     connect(field, qOverload<int>(&QSpinBox::valueChanged), this,
             [this, field, change, frameSide](int pixels) {
                 const double side = static_cast<double>(pixels) / (m_frameSize.*frameSide)();
-                changeCurrent(
-                    tr("move"), [&](Roi &roi) { (roi.rect.*change)(side); }, field);
+                changeCurrent([&](Roi &roi) { (roi.rect.*change)(side); }, field);
             });
     connect(field, &QSpinBox::editingFinished, this, [this] { m_history.endTyping(); });
     field->installEventFilter(this);
 }
 
 /// Appends a region in one step; it becomes the current one.
-void RoiEditor::append(const QString &step, const Roi &roi)
+void RoiEditor::append(const Roi &roi)
 {
     RegionState after = state();
     after.rois.append(roi);
     after.row = after.rois.size() - 1;
-    m_history.take(step, state(), after);
+    m_history.take(state(), after);
 }
 
 /// Changes the current region, if any, in a step; what is typed in one @p field becomes one step.
-void RoiEditor::changeCurrent(const QString &step, const std::function<void(Roi &)> &change,
-                              const QWidget *field)
+void RoiEditor::changeCurrent(const std::function<void(Roi &)> &change, const QWidget *field)
 {
     RegionState after = state();
     if (after.row < 0)
         return;
     change(after.rois[after.row]);
     if (field)
-        m_history.takeTyped(step, state(), after, typedFields().indexOf(field));
+        m_history.takeTyped(state(), after, typedFields().indexOf(field));
     else
-        m_history.take(step, state(), after);
+        m_history.take(state(), after);
 }
 
 RegionState RoiEditor::state() const

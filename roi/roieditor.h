@@ -87,9 +87,8 @@ private:
     void addActions();
     void connectGeometry(QSpinBox *field, void (QRectF::*change)(qreal),
                          int (QSize::*frameSide)() const);
-    void append(const QString &step, const Roi &roi);
-    void changeCurrent(const QString &step, const std::function<void(Roi &)> &change,
-                       const QWidget *field = nullptr);
+    void append(const Roi &roi);
+    void changeCurrent(const std::function<void(Roi &)> &change, const QWidget *field = nullptr);
     RegionState state() const;
     void showState(const RegionState &state);
     void showFields();

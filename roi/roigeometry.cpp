@@ -10,13 +10,11 @@ constexpr std::array<int, 4> offeredRotations = {0, 90, -90, 180};
 constexpr int smallestSidePx = 2;
 
 /// Rounds half away from zero. Clamps before the conversion to int: a stored number may be huge.
-int limitedPixels(double value, int lowest, int highest)
+int limitedPixels(double value, int highest)
 {
     if (std::isnan(value))
-        return lowest;
-    const double limited =
-        std::clamp(std::round(value), static_cast<double>(lowest), static_cast<double>(highest));
-    return static_cast<int>(limited);
+        return 0;
+    return static_cast<int>(std::clamp(std::round(value), 0.0, static_cast<double>(highest)));
 }
 
 int evenSide(int side)
@@ -32,10 +30,10 @@ QRect RoiGeometry::pixelRect(const QRectF &normalized, const QSize &frame)
         return {};
     const int frameWidth = frame.width();
     const int frameHeight = frame.height();
-    const int x = limitedPixels(frameWidth * normalized.x(), 0, std::max(frameWidth - 2, 0));
-    const int y = limitedPixels(frameHeight * normalized.y(), 0, std::max(frameHeight - 2, 0));
-    const int width = limitedPixels(frameWidth * normalized.width(), 0, frameWidth - x);
-    const int height = limitedPixels(frameHeight * normalized.height(), 0, frameHeight - y);
+    const int x = limitedPixels(frameWidth * normalized.x(), std::max(frameWidth - 2, 0));
+    const int y = limitedPixels(frameHeight * normalized.y(), std::max(frameHeight - 2, 0));
+    const int width = limitedPixels(frameWidth * normalized.width(), frameWidth - x);
+    const int height = limitedPixels(frameHeight * normalized.height(), frameHeight - y);
     return {x, y, evenSide(width), evenSide(height)};
 }
 
@@ -74,8 +72,7 @@ int RoiGeometry::rotationIndex(int stored)
 
 int RoiGeometry::rotationAt(int index)
 {
-    const bool offered = index >= 0 && index < static_cast<int>(offeredRotations.size());
-    return offered ? offeredRotations[static_cast<size_t>(index)] : 0;
+    return offeredRotations[static_cast<size_t>(index)];
 }
 
 int RoiGeometry::introFrameCount(double seconds, int fps)

@@ -33,7 +33,7 @@ int reducedRotation(int stored);
 /// Index of a stored rotation among the choices offered: none, 90, -90, 180.
 int rotationIndex(int stored);
 
-/// The rotation stored for a choice; 0 when there is no such choice.
+/// The rotation stored for the choice at an index, as rotationIndex() gives it.
 int rotationAt(int index);
 
 /// Number of pictures in a zoom introduction, rounded half up; at least two.

@@ -1,4 +1,5 @@
 #include "roi/frameinterval.h"
+#include "roi/frameplayer.h"
 #include "roi/regionmarks.h"
 #include "roi/roiframe.h"
 #include "roi/roigeometry.h"
@@ -35,11 +36,11 @@ private slots:
         QCOMPARE(pixels({1e300, 7, 1e300, 1e9}), QRect(1022, 1022, 2, 2));
         QCOMPARE(pixels({nan, nan, nan, nan}), QRect(0, 0, 2, 2));
         QCOMPARE(pixels({0, 0, 1, 1}, {101, 7}), QRect(0, 0, 100, 6));
-        QCOMPARE(pixels({0.6, 0, 1, 1}, {1, 1}), QRect(0, 0, 2, 2));
+        QCOMPARE(pixels({0.6, 0.6, 1, 1}, {1, 1}), QRect(0, 0, 2, 2));
         QCOMPARE(pixels({0, 0, 1, 1}, {0, 5}), QRect());
-        const QRectF odd(1.0 / 3, 0.5, 0.25, 1.5); // between pixels, and beyond the frame
+        const QRectF odd(1.0 / 3, 0.501, 0.25, 1.5); // between pixels, and beyond the frame
         QCOMPARE(RoiGeometry::coveringPixels(odd, {67, 50, 60, 50}, {200, 100}),
-                 QRectF(1.0 / 3, 0.5, 0.3, 1.5));
+                 QRectF(1.0 / 3, 0.501, 0.3, 1.5));
         QCOMPARE(RoiGeometry::coveringPixels(odd, {70, 48, 50, 50}, {200, 100}),
                  QRectF(0.35, 0.48, 0.25, 0.5));
         const QSize frame(1023, 769); // sizes that no fraction of two hits exactly
@@ -74,18 +75,17 @@ private slots:
         QCOMPARE(spanned({20.5, 90}, {-5, 10}, 0), QRectF(0, 10, 20.5, 80));
         QCOMPARE(spanned({20.5, 90}, {-5, 10}, 1), QRectF(0, 70, 20, 20));
         QCOMPARE(spanned({20, 10}, {84, 11}, wide), QRectF(20, 10, 64, 36));
-        QVERIFY(spanned({20, 10}, {21, 10}, wide).isEmpty());
+        QVERIFY(spanned({20, 10}, {23, 10}, wide).isEmpty()); // too low, and too narrow
+        QVERIFY(spanned({20, 10}, {21, 13}, RegionShape::proportionAt(4)).isEmpty());
         QCOMPARE(spanned({20, 10}, {21, 30}, 2), QRectF(20, 10, 40, 20));
         QCOMPARE(spanned({20, 10}, {22, 12}, 1), QRectF(20, 10, 2, 2)); // the smallest
         QCOMPARE(RegionShape::middle(frame, 0), QRect(50, 25, 100, 50));
         QCOMPARE(RegionShape::middle(frame, RegionShape::proportionAt(4)), QRect(86, 25, 28, 50));
-        QCOMPARE(RegionMarks::handles({0, 0, 40, 20}).size(), 8); // corners and sides
-        QCOMPARE(RegionMarks::handles({0, 0, 40, 20}).at(1).center(), QPointF(20, 0));
         QCOMPARE(FrameIntervals::keptText({6}, 9), QStringLiteral("Film: frame 7"));
         QCOMPARE(FrameIntervals::keptText({6, 7}, 9), QStringLiteral("Film: frames 7 to 8"));
         const QRectF sight(0, 0, 300, 200);
         const QSizeF name(50, 20); // above its region, inside it, in sight of it, gone with it
-        QCOMPARE(RegionMarks::nameBox({10, 30, 9, 9}, name, sight), QRectF({10, 10}, name));
+        QCOMPARE(RegionMarks::nameBox({10, 20, 9, 9}, name, sight), QRectF({10, 0}, name));
         QCOMPARE(RegionMarks::nameBox({270, 10, 90, 90}, name, sight), QRectF({250, 10}, name));
         QCOMPARE(RegionMarks::nameBox({-90, -90, 999, 100}, name, sight), QRectF({0, 0}, name));
         QVERIFY(RegionMarks::nameBox({-90, -90, 80, 80}, name, sight).isEmpty());
@@ -95,16 +95,18 @@ private slots:
     {
         const QRectF outline(100, 100, 80, 60);
         QString seen; // the name, or sides as on a number pad, where 5 is none
-        for (const int y : {93, 94, 106, 107, 166, 167}) {
-            for (const int x : {93, 94, 106, 107, 155, 174, 186, 187}) {
-                const RegionGrip grip =
-                    RegionMarks::gripAt({1.0 * x, 1.0 * y}, outline, {100, 80, 50, 20});
-                seen += grip.kind == RegionGrip::Kind::Name
-                            ? QStringLiteral("n")
-                            : QString::number(5 + grip.sides.x - 3 * grip.sides.y);
+        for (const QRectF &name : {QRectF(100, 80, 50, 20), QRectF(0, 0, 300, 300)}) {
+            for (const int y : {93, 94, 106, 107, 166, 167}) {
+                for (const int x : {93, 94, 106, 107, 155, 174, 186, 187}) {
+                    const RegionGrip grip = RegionMarks::gripAt({1.0 * x, 1.0 * y}, outline, name);
+                    seen += grip.kind == RegionGrip::Kind::Name
+                                ? QStringLiteral("n")
+                                : QString::number(5 + grip.sides.x - 3 * grip.sides.y);
+                }
             }
         }
-        QCOMPARE(seen, QStringLiteral("55nn5555 577n8995 57788995 54455665 51122335 55555555")
+        QCOMPARE(seen, QStringLiteral("55nn5555 577n8995 57788995 54455665 51122335 55555555"
+                                      "nnnnnnnn n77nn99n n77nn99n nnnnnnnn n11nn33n nnnnnnnn")
                            .remove(QLatin1Char(' ')));
     }
 
@@ -234,6 +236,18 @@ private slots:
         QCOMPARE(timesText(part), QStringLiteral("from %1 to %2").arg(first, last));
         QCOMPARE(timesText(from), QStringLiteral("from %1 on").arg(first));
         QCOMPARE(timesText(endingAt({}, frames, 0, 2)), QStringLiteral("up to ") + last);
+    }
+
+    void framesAreDue()
+    {
+        FramePlayer player;
+        QVector<int> seen;
+        connect(&player, &FramePlayer::frameDue, this, [&](int index) { seen += index; });
+        player.setRate(1);
+        player.play(6, 7);
+        player.setRate(10);
+        QTimer::singleShot(500, this, [&] { seen += player.isPlaying(); }); // half a frame later
+        QTRY_COMPARE(seen, QVector<int>({7, 0}));
     }
 
     void othersThatShowTheSunAtAnotherScale()
