@@ -49,8 +49,7 @@ QImage RoiFrame::turned(const QImage &picture, int storedRotation)
     const int rotation = RoiGeometry::reducedRotation(storedRotation);
     if (rotation == 0)
         return picture;
-    return picture.transformed(QTransform().rotate(-rotation), Qt::SmoothTransformation)
-        .convertToFormat(picture.format());
+    return picture.transformed(QTransform().rotate(-rotation)); // which keeps its format
 }
 
 double RoiFrame::zoomKmPerPixel(double frameKmPerPixel, const QRectF &view,
