@@ -1,5 +1,6 @@
 #include "base/terminationsignals.h"
 #include "tests/roi/roiwindow.h"
+#include "tests/support/literals.h"
 #include "ui/mainwindow.h"
 
 #include <csignal>
@@ -22,14 +23,12 @@ private slots:
         QVERIFY((view()->mapToScene(mouse) - looked).manhattanLength() < 1); // it stays in sight
         view()->resetTransform(); // a screen pixel is a pixel of the frame
         drag(QPoint(-5, -5), QPoint(50, 50));
-        QCOMPARE(status(), QStringLiteral("Start the ROI selection inside the image."));
+        QCOMPARE(status(), "Start the ROI selection inside the image."_s);
         drag(QPoint(128, 96), QPoint(400, -50)); // upwards and over the edge
         QCOMPARE(geometry(), QRect(128, 0, 128, 96));
-        QCOMPARE(status(),
-                 QStringLiteral("Created ROI 1. Adjust X/Y/Width/Height or rotation if needed."));
+        QCOMPARE(status(), "Created ROI 1. Adjust X/Y/Width/Height or rotation if needed."_s);
         QCOMPARE(view()->dragMode(), QGraphicsView::ScrollHandDrag);
-        QTRY_COMPARE(find<QLabel>("resultCaption")->text(),
-                     QStringLiteral("128 x 96 px, 3 frame(s), 0.60 s"));
+        QTRY_COMPARE(find<QLabel>("resultCaption")->text(), "128 x 96 px, 3 frame(s), 0.60 s"_s);
         const QImage result = find<QWidget>("resultPicture")->grab().toImage(); // green, centred
         QCOMPARE(result.pixel({0, 0}), result.pixel(result.rect().bottomRight()));
         click("newRoiButton");
@@ -37,13 +36,12 @@ private slots:
         QVERIFY(m_dialog->isVisible() && status().isEmpty());
         click("newRoiButton");
         drag(QPoint(10, 10), QPoint(60, 11));
-        QCOMPARE(status(), QStringLiteral("ROI creation canceled: rectangle too small."));
+        QCOMPARE(status(), "ROI creation canceled: rectangle too small."_s);
         QCOMPARE(list()->count(), 1);
         QString intervals;
         for (const char *name : {"xSpin", "ySpin", "widthSpin", "heightSpin", "fpsSpin", "crfSpin"})
-            intervals +=
-                QStringLiteral("%1-%2 ").arg(spin(name)->minimum()).arg(spin(name)->maximum());
-        QCOMPARE(intervals, QStringLiteral("0-254 0-190 2-256 2-192 1-120 0-51 "));
+            intervals += "%1-%2 "_s.arg(spin(name)->minimum()).arg(spin(name)->maximum());
+        QCOMPARE(intervals, "0-254 0-190 2-256 2-192 1-120 0-51 "_s);
     }
 
     void regionsAreWorkedOnThePicture()
@@ -77,8 +75,7 @@ private slots:
         QTest::keyClick(list()->findChild<QLineEdit *>(), Qt::Key_Return);
         QTRY_COMPARE(list()->currentItem()->text(), QString(80, QLatin1Char('n')));
         find<QComboBox>("rotationCombo")->setCurrentIndex(1);
-        QTRY_COMPARE(find<QLabel>("resultCaption")->text(),
-                     QStringLiteral("72 x 128 px, 3 frame(s), 0.60 s"));
+        QTRY_COMPARE(find<QLabel>("resultCaption")->text(), "72 x 128 px, 3 frame(s), 0.60 s"_s);
         spin("xSpin")->setFocus();
         for (int step = 0; step < 3; ++step)
             QTest::keyClick(spin("xSpin"), Qt::Key_Up);
@@ -87,7 +84,7 @@ private slots:
         for (int step = 0; step < 3; ++step) // and the turn, and the name
             press(Qt::Key_Z);
         QCOMPARE(find<QComboBox>("rotationCombo")->currentIndex(), 0);
-        QCOMPARE(list()->currentItem()->text(), QStringLiteral("ROI 3 copy"));
+        QCOMPARE(list()->currentItem()->text(), "ROI 3 copy"_s);
         for (int step = 0; step < 3; ++step) // and the copy, the third region, the side
             press(Qt::Key_Z);
         QCOMPARE(list()->count(), 2);
@@ -98,37 +95,37 @@ private slots:
     {
         drawTwo();
         find<QLineEdit>("nameEdit")->clear();
-        QTest::keyClicks(find<QLineEdit>("nameEdit"), QStringLiteral("West <b>limb</b>"));
+        QTest::keyClicks(find<QLineEdit>("nameEdit"), "West <b>limb</b>"_s);
         find<QComboBox>("rotationCombo")->setCurrentIndex(2);
         list()->item(0)->setCheckState(Qt::Unchecked);
         click("saveRoisButton");
-        QCOMPARE(boxes(), QStringLiteral("ROI definitions saved to rois.json."));
+        QCOMPARE(boxes(), "ROI definitions saved to rois.json."_s);
         spin("xSpin")->selectAll();
-        QTest::keyClicks(spin("xSpin"), QStringLiteral("101")); // and no Return
+        QTest::keyClicks(spin("xSpin"), "101"_s); // and no Return
         m_answer = QMessageBox::Cancel;
         m_dialog->close(); // as by the window's own button
-        QVERIFY(m_dialog->isVisible() && boxes().contains(QLatin1String("unsaved changes")));
+        QVERIFY(m_dialog->isVisible() && boxes().contains("unsaved changes"_s));
         find<QComboBox>("sourceCombo")->setCurrentIndex(1); // half the size
         QTRY_COMPARE(geometry(), QRect(51, 0, 32, 24));
 
         for (const QString &folder : {QString(), m_stored->filePath("HMI"), m_stored->path()}) {
             m_choice = folder;
             click("browseButton"); // which asks only in the third case
-            QVERIFY(boxes().contains(QLatin1String("unsaved")) == (folder == m_stored->path()));
+            QVERIFY(boxes().contains("unsaved"_s) == (folder == m_stored->path()));
         }
         QFile::remove(m_stored->filePath("rois.json"));
-        QDir(m_stored->path()).mkdir(QStringLiteral("rois.json")); // in the way
+        QDir(m_stored->path()).mkdir("rois.json"_s); // in the way
         m_answer = QMessageBox::Save;
         click("closeButton");
-        QVERIFY(m_dialog->isVisible() && boxes().contains(QLatin1String("|Cannot ")));
-        QDir(m_stored->path()).rmdir(QStringLiteral("rois.json"));
+        QVERIFY(m_dialog->isVisible() && boxes().contains("|Cannot "_s));
+        QDir(m_stored->path()).rmdir("rois.json"_s);
         click("closeButton");
         QVERIFY(!m_dialog->isVisible());
 
         open();
         list()->setCurrentRow(1);
         QCOMPARE(list()->item(0)->checkState(), Qt::Unchecked);
-        QCOMPARE(list()->currentItem()->text(), QStringLiteral("West <b>limb</b>"));
+        QCOMPARE(list()->currentItem()->text(), "West <b>limb</b>"_s);
         QCOMPARE(geometry(), QRect(101, 0, 64, 48));
         QCOMPARE(find<QComboBox>("rotationCombo")->currentIndex(), 2);
         list()->setFocus();
@@ -143,7 +140,7 @@ private slots:
     {
         FakeProgram::Reply reply;
         reply.standardOutput = R"({"id":1,"date":"2024-05-01 12:00:00","rsun":1600,"width":4096})";
-        const QString curl = useStandIn(QStringLiteral("curl"), reply);
+        const QString curl = useStandIn("curl"_s, reply);
         m_stored->write("rois.json", R"({"rois":[{"width":1,"height":1,"enabled":false},
                                                  {"name":"all","width":1,"height":1}]})");
         QFile::remove(m_stored->filePath("manifest.csv")); // and with it the scale
@@ -157,29 +154,27 @@ private slots:
         expectCanceled();
         m_answer = QMessageBox::Ok;
         click("generateButton");
-        QCOMPARE(boxes(), QStringLiteral("Created 2 ROI video(s).\n\nOriginal PNG frames "
-                                         "were not modified."));
-        QCOMPARE(status(), QStringLiteral("Completed: 2 ROI video(s) created."));
-        QCOMPARE(filmShape(film()), QStringLiteral("256,192,7/1,3"));
-        QVERIFY(m_log.contains(QStringLiteral("ROI video completed: ") + film())); // not turned
-        QCOMPARE(filmShape(m_stored->filePath("HMI/HMI__ROI_02_all.mp4")),
-                 QStringLiteral("128,96,7/1,3"));
+        QCOMPARE(boxes(), "Created 2 ROI video(s).\n\nOriginal PNG frames "
+                          "were not modified."_s);
+        QCOMPARE(status(), "Completed: 2 ROI video(s) created."_s);
+        QCOMPARE(filmShape(film()), "256,192,7/1,3"_s);
+        QVERIFY(m_log.contains("ROI video completed: "_s + film())); // not turned
+        QCOMPARE(filmShape(m_stored->filePath("HMI/HMI__ROI_02_all.mp4")), "128,96,7/1,3"_s);
         QVERIFY(m_stored->read("AIA_171/AIA_171__ROI_02_all.mp4").contains("crf=9.0")); // by x264
-        QCOMPARE(drawnCorners(2), QStringLiteral("---x"));
+        QCOMPARE(drawnCorners(2), "---x"_s);
         QVERIFY(FakeProgram::runs(curl).isEmpty());
 
         toggle({"sourceOverlayCheck", "scaleOverlayCheck", "allSourcesCheck", "introCheck"});
         find<QDoubleSpinBox>("zoomDurationSpin")->setValue(0.5);
         const auto *scale = find<QLabel>("scaleLabel");
-        QVERIFY(scale->text().startsWith(QLatin1String("Scale: metadata not stored in this ")));
+        QVERIFY(scale->text().startsWith("Scale: metadata not stored in this "_s));
         for (int round = 0; round < 2; ++round)
             click("generateButton");
-        QCOMPARE(filmShape(film()), QStringLiteral("256,192,7/1,7"));
-        QCOMPARE(drawnCorners(6), QStringLiteral("-x--"));
-        QVERIFY(scale->text().startsWith(QLatin1String("Projected scale: 6957.0 km/pixel")));
+        QCOMPARE(filmShape(film()), "256,192,7/1,7"_s);
+        QCOMPARE(drawnCorners(6), "-x--"_s);
+        QVERIFY(scale->text().startsWith("Projected scale: 6957.0 km/pixel"_s));
         QCOMPARE(FakeProgram::runs(curl).size(), 1); // with the session's start
-        QVERIFY(FakeProgram::runs(curl).constFirst().arguments.last().contains(
-            QLatin1String("00:00Z")));
+        QVERIFY(FakeProgram::runs(curl).constFirst().arguments.last().contains("00:00Z"_s));
         QCOMPARE(m_stored->contents(), before);
     }
 
@@ -196,9 +191,9 @@ private slots:
         toggle({"allSourcesCheck"});
         click("generateButton");
         const QString last = m_stored->filePath("HMI/HMI__ROI_02_ROI_2.mp4");
-        QCOMPARE(filmShape(last), QStringLiteral("32,24,5/1,1"));
+        QCOMPARE(filmShape(last), "32,24,5/1,1"_s);
         const QTreeWidgetItem *film = find<QTreeWidget>("filmTree")->topLevelItem(3);
-        QCOMPARE(film->text(0) + film->text(3), QStringLiteral("HMI0.20"));
+        QCOMPARE(film->text(0) + film->text(3), "HMI0.20"_s);
         QCOMPARE(film->data(0, Qt::UserRole).toString(), last);
     }
 
@@ -209,7 +204,7 @@ private slots:
         drawTwo();
         FakeProgram::Reply hanging;
         hanging.hang = true;
-        useStandIn(QStringLiteral("curl"), hanging);
+        useStandIn("curl"_s, hanging);
         QTimer::singleShot(0, this, [this] {
             QVERIFY(!find<QPushButton>("generateButton")->isEnabled());
             click("closeButton");
@@ -227,10 +222,10 @@ private slots:
         const auto before = m_stored->contents();
         FakeProgram::Reply hanging;
         hanging.hang = true;
-        hanging.files.insert(QStringLiteral("$last"), "half a film");
-        const QString ffmpeg = useStandIn(QStringLiteral("ffmpeg"), hanging);
-        useStandIn(QStringLiteral("curl"), hanging);
-        TestFolder::setKey(QStringLiteral("paths/output"), m_stored->path());
+        hanging.files.insert("$last"_s, "half a film");
+        const QString ffmpeg = useStandIn("ffmpeg"_s, hanging);
+        useStandIn("curl"_s, hanging);
+        TestFolder::setKey("paths/output"_s, m_stored->path());
         TerminationSignals terminations;
         m_hand.stop();
         for (const int number : {SIGTERM, SIGHUP}) {
@@ -265,10 +260,10 @@ private slots:
                         m_stored->read("manifest.csv") + QByteArray(1100000, 'x') + "\nmore\n");
         m_stored->write("HMI/a.mp4.orvik-earlier", "a film");
         open();
-        QCOMPARE(m_log, QStringList({QStringLiteral("WARNING line 8 of manifest.csv is longer than "
-                                                    "1 MB. Only the rows before it are read."),
-                                     QStringLiteral("ROI video restored after a run that was cut "
-                                                    "short: ") +
+        QCOMPARE(m_log, QStringList({"WARNING line 8 of manifest.csv is longer than "
+                                     "1 MB. Only the rows before it are read."_s,
+                                     "ROI video restored after a run that was cut "
+                                     "short: "_s +
                                          m_stored->filePath("HMI/a.mp4")}));
 
         for (const char *name : {"manifest.csv", "HMI/frame_1.png", "HMI/frame_2.png"})
@@ -276,14 +271,14 @@ private slots:
         open();
         find<QComboBox>("sourceCombo")->setCurrentIndex(1);
         QTest::keyClick(view(), Qt::Key_Right); // with nowhere to go
-        QTRY_COMPARE(find<QLabel>("frameCounterLabel")->text(), QStringLiteral("1 / 1"));
+        QTRY_COMPARE(find<QLabel>("frameCounterLabel")->text(), "1 / 1"_s);
     }
 
 private:
     void expectCanceled()
     {
-        QCOMPARE(status(), QStringLiteral("ROI video generation canceled. Original frames were not "
-                                          "modified."));
+        QCOMPARE(status(), "ROI video generation canceled. Original frames were not "
+                           "modified."_s);
         QCOMPARE(boxes(), status());
     }
 
