@@ -1,7 +1,11 @@
+#include "roi/frameinterval.h"
 #include "roi/roisession.h"
 #include "roi/roiset.h"
+#include "roi/samescale.h"
+#include "roi/solarposition.h"
 #include "tests/roi/testsession.h"
 #include "tests/support/literals.h"
+#include "tests/support/testfolder.h"
 
 #include <QDir>
 #include <QtTest>
@@ -58,6 +62,8 @@ private slots:
         QCOMPARE(frames.size(), 4);
         QVERIFY(frames.at(2).file.endsWith("frame_10.png"_s)); // by name
         QVERIFY(!frames.first().actualUtc.isValid());
+        QDir(stored.filePath("AIA_171")).removeRecursively();
+        QCOMPARE(RoiSession::load(stored.path())->firstWithFrames(), 0); // none has any
     }
 
     void damagedDescriptors()
@@ -156,6 +162,61 @@ private slots:
         QVERIFY(RoiSet::save({}, session.path())); // there is nothing more to keep
         QVERIFY(!QFile::exists(session.filePath("rois.json.bad3")));
         QVERIFY(RoiSet::load(session.path(), &remark).isEmpty() && remark.isEmpty());
+        session.write("rois.json", "[]");
+        TestFolder::leaveRoom(0);
+        QVERIFY(!RoiSet::save({}, session.path(), &remark));
+        TestFolder::leaveRoom();
+        QCOMPARE(remark + QString::fromLatin1(session.read("rois.json")),
+                 "Cannot commit rois.json.[]"_s);
+        QVERIFY(!RoiSet::save({}, session.filePath("missing"), &remark));
+        QCOMPARE(remark, "Cannot create rois.json in the session directory."_s);
+        const Roi roi{"a"_s, {0, 0, 1, 1}, true, 90};
+        for (const Roi &other : {Roi{"b"_s, roi.rect, true, 90}, Roi{"a"_s, {0, 0, 1, 2}, true, 90},
+                                 Roi{"a"_s, roi.rect, false, 90}, Roi{"a"_s, roi.rect, true, 0}})
+            QVERIFY(roi == roi && !(roi == other));
+    }
+
+    void partsWithoutTimes()
+    {
+        using namespace FrameIntervals;
+        const QVector<RoiSourceFrame> frames(4);
+        QCOMPARE(kept(endingAt({}, frames, 7, 2), frames, 7), QVector<int>({0, 1, 2}));
+        const FrameInterval from = beginningAt({}, frames, 7, 1);
+        QCOMPARE(kept(from, frames, 7), QVector<int>({1, 2, 3}));
+        for (const int end : {1, 0}) { // where it begins, and before that
+            const FrameInterval part = endingAt(from, frames, 7, end);
+            QCOMPARE(kept(part, frames, 7), QVector<int>({end}));
+            QCOMPARE(kept(beginningAt(part, frames, 7, end), frames, 7), QVector<int>({end}));
+        }
+        QCOMPARE(
+            explanation(from, 7),
+            "Films are made of this part of the datasource. Its frames have no times, so that other datasources are not cut with it."_s);
+    }
+
+    void scalesThatAreNotKnown()
+    {
+        const QSize frame(1024, 1024);
+        QJsonObject sun{{"rsun"_s, 80}, {"width"_s, 1024}, {"height"_s, 1024}};
+        const QJsonObject plain = sun;
+        sun.insert("refPixelX"_s, 512);
+        sun.insert("refPixelY"_s, 506);
+        const auto texts = [](const QSize &frame, const QJsonObject &sun) {
+            return SolarPosition::pixelText({511.499999, 518.500001}, frame, sun) +
+                   SolarPosition::sizeText({8, 8}, frame, sun);
+        };
+        QVERIFY(
+            texts(frame, sun)
+                .startsWith(
+                    "Cursor: x +0.000, y +0.000, r 0.000 R\u2609   |   x +0.0, y +0.0, r 0.0 Mm"_s));
+        QCOMPARE(SameScale::warning({{"a"_s, sun}, {"b"_s, plain}}) +
+                     SameScale::warning({{"a"_s, {}}, {"b"_s, sun}}),
+                 QString());
+        QCOMPARE(texts({}, sun), QString());
+        for (const QString &key : {"width"_s, "rsun"_s}) {
+            QJsonObject poor = sun;
+            poor.remove(key);
+            QCOMPARE(texts(frame, poor), QString());
+        }
     }
 
     void linkOutOfTheSessionIsReplaced()
@@ -168,6 +229,7 @@ private slots:
         QVERIFY(!RoiSet::save({}, session.path()));
         QVERIFY(QFileInfo(session.filePath("rois.json")).isSymLink()); // the link is not lost
         QDir(session.path()).rmdir("rois.json.new"_s);
+        QFile::link(outside.filePath("session.json"), session.filePath("rois.json.new"));
         QVERIFY(RoiSet::save({}, session.path()));
         QCOMPARE(outside.contents(), before);
         QVERIFY(!QFileInfo(session.filePath("rois.json")).isSymLink());
