@@ -19,7 +19,6 @@ private slots:
     void init();
     void cleanup() { m_dialog.reset(); }
     void windowWithoutASession();
-    void windowOfASession();
     void anotherSession();
     void refusals();
     void frames();
