@@ -41,6 +41,14 @@ void RoiWindowTest::windowWithoutASession()
     QCOMPARE(shown(), "|Open a session to inspect the captured full frames.|0 / 0|||||Scale: --|-||"
                       "From-|-|25|||-"_s);
     QCOMPARE(m_dialog->focusWidget()->objectName(), "browseButton"_s);
+    QCOMPARE(m_dialog->windowFlags() &
+                 (Qt::WindowMaximizeButtonHint | Qt::WindowContextHelpButtonHint),
+             Qt::WindowMaximizeButtonHint);
+    const QList<int> before = find<QSplitter>("splitter")->sizes();
+    m_dialog->resize(m_dialog->width() + 300, m_dialog->height());
+    const QList<int> after = find<QSplitter>("splitter")->sizes();
+    QVERIFY(after[0] - before[0] > after[1] - before[1] && after[1] > before[1] &&
+            after[2] == before[2]);
     for (const char *button : {"newRoiButton", "generateButton"})
         click(button);
     QCOMPARE(boxes(), "Load a datasource with original PNG frames first.|"

@@ -89,6 +89,8 @@ private slots:
             press(Qt::Key_Z);
         QCOMPARE(list()->count(), 2);
         QCOMPARE(geometry(), QRect(114, 48, 142, 144));
+        QTest::keyClick(list(), Qt::Key_F2);
+        QTest::keyClicks(list()->findChild<QLineEdit *>(), "typed as the window goes"_s);
     }
 
     void editsAreNotLostUnsaved()
@@ -168,6 +170,7 @@ private slots:
         QCOMPARE(drawnCorners(6), "-x--"_s);
         QVERIFY(scale->text().startsWith("Projected scale: 6957.0 km/pixel"_s));
         QCOMPARE(FakeProgram::runs(curl).size(), 1); // with the session's start
+        QCOMPARE(find<QTreeWidget>("filmTree")->topLevelItemCount(), 1);
         QVERIFY(FakeProgram::runs(curl).constFirst().arguments.last().contains("00:00Z"_s));
         QCOMPARE(m_stored->contents(), before);
     }
@@ -186,9 +189,15 @@ private slots:
         click("generateButton");
         const QString last = m_stored->filePath("HMI/HMI__ROI_02_ROI_2.mp4");
         QCOMPARE(filmShape(last), "32,24,5/1,1"_s);
-        const QTreeWidgetItem *film = find<QTreeWidget>("filmTree")->topLevelItem(3);
+        const auto *films = find<QTreeWidget>("filmTree");
+        const QTreeWidgetItem *film = films->topLevelItem(3);
         QCOMPARE(film->text(0) + film->text(3), "HMI0.20"_s);
         QCOMPARE(film->data(0, Qt::UserRole).toString(), last);
+        QCOMPARE(films->currentItem(), films->topLevelItem(0));
+        const QHeaderView *columns = films->header(); // names take the rest
+        QVERIFY(columns->sectionResizeMode(1) == QHeaderView::Stretch &&
+                columns->sectionResizeMode(3) == QHeaderView::ResizeToContents &&
+                !columns->stretchLastSection() && film->textAlignment(3) & Qt::AlignRight);
     }
 
     void closeEndsAWaitForTheService()
@@ -206,6 +215,7 @@ private slots:
         click("generateButton");
         QVERIFY(m_dialog->isVisible() && find<QPushButton>("generateButton")->isEnabled());
         expectCanceled();
+        QCOMPARE(m_log.constLast(), "WARNING scale metadata AIA 171: The lookup was canceled."_s);
     }
 
     void terminationWhileFilmingAndWhileAsked()
