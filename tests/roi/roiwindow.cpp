@@ -24,7 +24,7 @@ QString RoiWindowTest::shown() const
     for (const char *name :
          {"frameCounterLabel", "frameMetaLabel", "intervalLabel", "regionLabel", "resultCaption",
           "scaleLabel", "scaleWarningLabel", "statusLabel", "fromButton", "frameSlider", "fpsSpin",
-          "sourceOverlayCheck", "scaleOverlayCheck", "filmsBox"}) {
+          "crfSpin", "sourceOverlayCheck", "scaleOverlayCheck", "filmsBox"}) {
         const auto *part = find<QWidget>(name);
         const auto *box = qobject_cast<const QCheckBox *>(part);
         const bool off = !part->isEnabled() || part->isHidden() || (box && !box->isChecked());
@@ -39,7 +39,7 @@ void RoiWindowTest::windowWithoutASession()
     const QTemporaryDir folder;
     show(folder.path());
     QCOMPARE(shown(), "|Open a session to inspect the captured full frames.|0 / 0|||||Scale: --|-||"
-                      "From-|-|25|||-"_s);
+                      "From-|-|25|18|||-"_s);
     QCOMPARE(m_dialog->focusWidget()->objectName(), "browseButton"_s);
     QCOMPARE(m_dialog->windowFlags() &
                  (Qt::WindowMaximizeButtonHint | Qt::WindowContextHelpButtonHint),
@@ -96,7 +96,7 @@ void RoiWindowTest::anotherSession()
         QTRY_COMPARE(shown(), text);
     };
     const QString end =
-        "Session loaded: 3 datasource(s), 2 with original PNG frames.|From||5|-|-|-"_s;
+        "Session loaded: 3 datasource(s), 2 with original PNG frames.|From||5|0|-|-|-"_s;
     expect(1, "AIA 171  [3 frames]||1 / 3|2024-05-01 12:00:00 UTC   |   256 x 192|Film: all frames|"
               "Region: 1.280 R\u2609   |   890.5 Mm wide|128 x 192 px, 3 frame(s), 0.60 s|"
               "Projected scale: 6957.0 km/pixel at the captured PNG resolution.|-|"_s +
@@ -110,7 +110,7 @@ void RoiWindowTest::anotherSession()
     find<QComboBox>("sourceCombo")->setCurrentIndex(1); // not even decoded
     const QString none = "The original PNG frames are not present for this datasource."_s;
     expect(0, "Old  [no original PNGs]|%1|0 / 0|||||Scale: --|A region is not the same place on "
-              "the Sun as in AIA 171: HMI (2 times as wide).|%1|From-|-|5|-|-|-"_s.arg(none));
+              "the Sun as in AIA 171: HMI (2 times as wide).|%1|From-|-|5|0|-|-|-"_s.arg(none));
     toggle({"allSourcesCheck"});
     click("generateButton");
     QCOMPARE(boxes(), "No original PNG frames are available for the selected datasource(s)."_s);

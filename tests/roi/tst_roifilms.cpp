@@ -178,6 +178,11 @@ private slots:
         useStandIn("ffmpeg"_s, reply);
         QFile::remove(filmOf(stored));
         QCOMPARE(left(), QByteArray());
+        const QString ffmpeg = useStandIn("ffmpeg"_s, reply);
+        RoiVideoGenerator generator;
+        connect(&generator, &RoiVideoGenerator::progressChanged, [&] { QFile::remove(ffmpeg); });
+        QCOMPARE(generator.run(planFor(stored)), Outcome::Failed);
+        QCOMPARE(generator.errorText(), start + "ffmpeg not found: "_s + ffmpeg);
         const QString missing = stored.filePath("missing");
         TestFolder::setKey("paths/ffmpeg"_s, missing);
         QCOMPARE(failureOf(planFor(stored)), "ffmpeg not found: "_s + missing);
@@ -284,14 +289,17 @@ private slots:
         stored.write(aside, earlierFilm);
         stored.write(filmName, half()); // of the next
         {
-            const FilmingLock other(stored.path()); // the next is still being made, for hours
-            QFile lock(stored.filePath(".roi_video.lock"));
-            QVERIFY(lock.open(QIODevice::ReadWrite));
-            lock.setFileTime(QDateTime::currentDateTime().addDays(-1), QFile::FileModificationTime);
+            const FilmingLock other(stored.path()); // the next is still being made
             QCOMPARE(RoiVideoGenerator::restoreEarlierFilms(session), QStringList());
             QVERIFY(failureOf(planFor(stored)).startsWith("Another Orvik window"_s));
             QCOMPARE(stored.read(filmName), half());
         }
+        stored.write(".roi_video.lock", "99\norvik\nanother-computer\n\n\n");
+        QFile lock(stored.filePath(".roi_video.lock")); // for hours
+        QVERIFY(lock.open(QIODevice::ReadWrite) &&
+                lock.setFileTime(QDateTime({2024, 5, 1}, {}), QFile::FileModificationTime));
+        QVERIFY(failureOf(planFor(stored)).endsWith("delete this file:\n"_s + lock.fileName()));
+        QVERIFY(lock.remove());
         QCOMPARE(RoiVideoGenerator::restoreEarlierFilms(session).size(), 1);
         QCOMPARE(stored.read(filmName), earlierFilm);
         stored.write(aside, "a film from before the earlier one"); // killed as it was to go
