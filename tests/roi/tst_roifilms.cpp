@@ -1,11 +1,14 @@
 #include "roi/filminglock.h"
+#include "roi/roiprogressdialog.h"
 #include "roi/roivideogenerator.h"
 #include "roi/scalelookup.h"
+#include "roi/temporaryframes.h"
 #include "tests/roi/testsession.h"
 #include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
 
 #include <QDir>
+#include <QLabel>
 #include <QTimer>
 #include <QtTest>
 
@@ -156,6 +159,30 @@ private slots:
                  start + "ffmpeg ended without an error, but the film is cut off. "
                          "Is the disk full?\n\nthe last words"_s);
         QCOMPARE(stored.read(filmName), earlierFilm);
+        const QByteArray aside = QByteArray(filmName) + ".orvik-earlier";
+        const auto left = [&stored] { // of the earlier film
+            failureOf(planFor(stored));
+            return stored.read(filmName);
+        };
+        stored.write(aside, earlierFilm);
+        stored.write(filmName, half()); // by a program that was killed
+        QCOMPARE(left(), earlierFilm);
+        stored.write(aside, "an older film");
+        QCOMPARE(left(), earlierFilm);
+        QVERIFY(QDir().mkdir(stored.filePath(aside))); // in the way
+        QCOMPARE(failureOf(planFor(stored)),
+                 start + "Cannot set the earlier film aside: "_s + filmOf(stored));
+        QCOMPARE(stored.read(filmName), earlierFilm);
+        reply.exitCode = 1;
+        reply.files.insert("$last"_s, "no film");
+        useStandIn("ffmpeg"_s, reply);
+        QFile::remove(filmOf(stored));
+        QCOMPARE(left(), QByteArray());
+        const QString ffmpeg = useStandIn("ffmpeg"_s, reply);
+        RoiVideoGenerator generator;
+        connect(&generator, &RoiVideoGenerator::progressChanged, [&] { QFile::remove(ffmpeg); });
+        QCOMPARE(generator.run(planFor(stored)), Outcome::Failed);
+        QCOMPARE(generator.errorText(), start + "ffmpeg not found: "_s + ffmpeg);
         const QString missing = stored.filePath("missing");
         TestFolder::setKey("paths/ffmpeg"_s, missing);
         QCOMPARE(failureOf(planFor(stored)), "ffmpeg not found: "_s + missing);
@@ -181,6 +208,22 @@ private slots:
         plan.intro = true;
         QCOMPARE(failureOf(plan), "Cannot decode first frame for zoom intro:\n"_s + path);
         QCOMPARE(stored.contents(), before);
+        TestFolder::leaveRoom(0);
+        plan.sources.first().source.frames.removeFirst();
+        const QString picture = "/.roi_video_frames/roi_01_Flare_1_west/frame_000000.png"_s;
+        const QString folder = stored.filePath("AIA_171");
+        QCOMPARE(failureOf(plan), "Cannot save temporary zoom frame:\n"_s + folder + picture);
+        plan.intro = false;
+        QCOMPARE(failureOf(plan), "Cannot save temporary ROI frame:\n"_s + folder + picture);
+        TestFolder::leaveRoom();
+        generator.disconnect();
+        QCOMPARE(generator.run(plan), Outcome::Completed);
+        QCOMPARE(generator.run(plan), Outcome::Completed);
+        QVERIFY(generator.errorText().isEmpty() && generator.films().size() == 1);
+        plan.sources.first().source.archiveName = "session.json"_s;
+        plan.sources.first().source.folder = stored.filePath("session.json"); // is no folder
+        QCOMPARE(failureOf(plan), "Cannot create temporary directory:\n%1/.roi_video_frames"_s.arg(
+                                      stored.filePath("session.json")));
     }
 
     void nothingIsWrittenOutsideTheSession()
@@ -251,6 +294,12 @@ private slots:
             QVERIFY(failureOf(planFor(stored)).startsWith("Another Orvik window"_s));
             QCOMPARE(stored.read(filmName), half());
         }
+        stored.write(".roi_video.lock", "99\norvik\nanother-computer\n\n\n");
+        QFile lock(stored.filePath(".roi_video.lock")); // for hours
+        QVERIFY(lock.open(QIODevice::ReadWrite) &&
+                lock.setFileTime(QDateTime({2024, 5, 1}, {}), QFile::FileModificationTime));
+        QVERIFY(failureOf(planFor(stored)).endsWith("delete this file:\n"_s + lock.fileName()));
+        QVERIFY(lock.remove());
         QCOMPARE(RoiVideoGenerator::restoreEarlierFilms(session).size(), 1);
         QCOMPARE(stored.read(filmName), earlierFilm);
         stored.write(aside, "a film from before the earlier one"); // killed as it was to go
@@ -265,7 +314,59 @@ private slots:
         RoiSource source;
         const QJsonObject usable{{"rsun"_s, "1600"_s}, {"width"_s, 4096}};
         source.frames = {{{}, {}, {{"width"_s, 4096}}}, {{}, {}, usable}};
-        QCOMPARE(ScaleLookup().ensure(source, {}), usable); // and nobody is asked
+        ScaleLookup lookup;
+        QSignalSpy log(&lookup, &ScaleLookup::logMessage);
+        QCOMPARE(lookup.ensure(source, {}), usable); // and nobody is asked
+        source.frames.clear();
+        const auto ask = [&](int sourceId, int month, const FakeProgram::Reply &reply) {
+            useStandIn("curl"_s, reply);
+            source.sourceId = sourceId;
+            lookup.ensure(source, QDateTime({2024, month, 1}, {12, 0}, Qt::UTC));
+            return log.last().first().toString().section("WARNING scale metadata : "_s, 1);
+        };
+        const QString nothing = "No valid source/time is available for scale lookup."_s;
+        QCOMPARE(ask(-1, 5, {}), nothing);
+        QCOMPARE(ask(0, 13, {}), nothing);
+        QCOMPARE(ask(0, 5, {7, {}, "no route", {}, false, false}), "getClosestImage: no route"_s);
+        QCOMPARE(ask(0, 5, {0, R"({"id":1,"date":"2024-05-01 12:00:00"})", {}, {}, false, false}),
+                 "Helioviewer did not return usable rsun/width metadata."_s);
+        QTimer::singleShot(0, &lookup, [&lookup] {
+            QTimer *limit = lookup.findChild<QTimer *>();
+            QCOMPARE(limit->interval(), 45000);
+            limit->start(0);
+        });
+        QCOMPARE(ask(0, 5, {0, {}, {}, {}, true, false}),
+                 "Helioviewer metadata lookup timed out."_s);
+        const QJsonObject extreme{{"rsun"_s, 1e308}, {"width"_s, 1e-308}};
+        QCOMPARE(ScaleLookup::lineText(1, extreme) + ScaleLookup::lineText(0, usable),
+                 "Scale: unavailable.Scale: --"_s);
+    }
+
+    void boxOfARun()
+    {
+        RoiVideoGenerator generator;
+        RoiProgressDialog box(generator, 3, nullptr);
+        emit generator.labelChanged("<b>"_s);
+        emit generator.progressChanged(3); // the encoder still works
+        const auto *label = box.findChild<QLabel *>();
+        QCOMPARE("%1|%2|%3|%4|%5"_s.arg(box.windowTitle(), label->text())
+                     .arg(label->textFormat())
+                     .arg(label->wordWrap())
+                     .arg(box.minimumDuration()),
+                 "Orvik - ROI video|<b>|0|1|0"_s);
+        QVERIFY(box.isVisible() && box.isModal() && box.value() == 3 && box.minimum() == 0);
+    }
+
+    void temporaryPicturesGoInTurns()
+    {
+        const TestSession stored;
+        const QDir film(stored.filePath("HMI/t/film"));
+        film.mkpath(film.path());
+        for (int index = 0; index < 2000; ++index)
+            stored.write("HMI/t/film/" + QByteArray::number(index), {});
+        int pauses = 0;
+        QVERIFY(TemporaryFrames::remove(stored.filePath("HMI/t"), [&pauses] { ++pauses; }));
+        QVERIFY(pauses > 0 && pauses < 1000 && !film.exists());
     }
 };
 

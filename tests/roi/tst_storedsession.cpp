@@ -1,5 +1,8 @@
+#include "roi/frameinterval.h"
 #include "roi/roisession.h"
 #include "roi/roiset.h"
+#include "roi/samescale.h"
+#include "roi/solarposition.h"
 #include "tests/roi/testsession.h"
 #include "tests/support/literals.h"
 #include "tests/support/testfolder.h"
@@ -167,6 +170,49 @@ private slots:
                  "Cannot commit rois.json.[]"_s);
         QVERIFY(!RoiSet::save({}, session.filePath("missing"), &remark));
         QCOMPARE(remark, "Cannot create rois.json in the session directory."_s);
+        const Roi roi{"a"_s, {0, 0, 1, 1}, true, 90};
+        for (const Roi &other : {Roi{"b"_s, roi.rect, true, 90}, Roi{"a"_s, {0, 0, 1, 2}, true, 90},
+                                 Roi{"a"_s, roi.rect, false, 90}, Roi{"a"_s, roi.rect, true, 0}})
+            QVERIFY(roi == roi && !(roi == other));
+    }
+
+    void partsWithoutTimes()
+    {
+        using namespace FrameIntervals;
+        const QVector<RoiSourceFrame> frames(4);
+        QCOMPARE(kept(endingAt({}, frames, 7, 2), frames, 7), QVector<int>({0, 1, 2}));
+        const FrameInterval from = beginningAt({}, frames, 7, 1);
+        QCOMPARE(kept(from, frames, 7), QVector<int>({1, 2, 3}));
+        for (const int end : {1, 0}) { // where it begins, and before that
+            const FrameInterval part = endingAt(from, frames, 7, end);
+            QCOMPARE(kept(part, frames, 7), QVector<int>({end}));
+            QCOMPARE(kept(beginningAt(part, frames, 7, end), frames, 7), QVector<int>({end}));
+        }
+        QCOMPARE(explanation(from, 7),
+                 "Films are made of this part of the datasource. Its frames have no times, so that "
+                 "other datasources are not cut with it."_s);
+    }
+
+    void scalesThatAreNotKnown()
+    {
+        QJsonObject sun{{"rsun"_s, 80}, {"width"_s, 1024}, {"height"_s, 1024}};
+        const QJsonObject plain = sun;
+        sun.insert("refPixelX"_s, 512);
+        sun.insert("refPixelY"_s, 506);
+        QCOMPARE(SameScale::warning({{"a"_s, sun}, {"b"_s, plain}}), QString());
+        QCOMPARE(SameScale::warning({{"a"_s, {}}, {"b"_s, sun}}), QString());
+        const auto texts = [](int side, const QJsonObject &known) {
+            const QSize frame(side, side);
+            return SolarPosition::pixelText({511.499999, 518.500001}, frame, known) +
+                   SolarPosition::sizeText({8, 8}, frame, known);
+        };
+        QVERIFY(texts(1024, sun).startsWith("Cursor: x +0.000, y +0.000, r 0.000"_s));
+        QCOMPARE(texts(0, sun), QString());
+        for (const char *key : {"width", "rsun"}) {
+            QJsonObject poor = sun;
+            poor.remove(QLatin1String(key));
+            QCOMPARE(texts(1024, poor), QString());
+        }
     }
 
     void linkOutOfTheSessionIsReplaced()
