@@ -54,7 +54,6 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
     connectWidgets();
     connectFrames();
     connectRun();
-    showFrame();
     m_ui->browseButton->setFocus();
     const QDir initial(initialSessionDirectory);
     if (!initialSessionDirectory.isEmpty() && initial.exists(SessionFiles::descriptor()))
