@@ -13,7 +13,7 @@ FilmingLock::FilmingLock(const QString &sessionDirectory)
     const QFileInfo file(m_path);
     const bool isUsable =
         file.isFile() || !file.exists(); // QLockFile would wait for a writer of a pipe
-    m_isTaken = !isUsable || (!m_file.tryLock(0) && m_file.error() == QLockFile::LockFailedError);
+    m_isTaken = !isUsable || (!m_file.tryLock() && m_file.error() == QLockFile::LockFailedError);
 }
 
 bool FilmingLock::isFree(QString *errorText) const

@@ -54,7 +54,6 @@ FramePanel::~FramePanel() = default;
 void FramePanel::clear()
 {
     m_frames.clear();
-    m_row = -1;
     setInterval({});
     showNone({});
 }

@@ -28,7 +28,6 @@ RoiProgressDialog::RoiProgressDialog(const QString &text, int frames, QWidget *p
     setMinimumWidth(widthPx);
     setWindowModality(Qt::WindowModal);
     setAutoReset(false); // the encoder still works after the last picture
-    setAutoClose(false);
 }
 
 RoiProgressDialog::RoiProgressDialog(RoiVideoGenerator &generator, int frames, QWidget *parent)

@@ -48,7 +48,6 @@ QVector<RoiSourceFrame> framesFromManifest(const QVector<ManifestFrame> &rows, c
 {
     FileInventory inventory;
     QVector<RoiSourceFrame> frames;
-    frames.reserve(rows.size());
     for (const ManifestFrame &row : rows) {
         const QString file = QDir::cleanPath(session.absoluteFilePath(row.file));
         if (inventory.contains(file))
@@ -62,7 +61,6 @@ QVector<RoiSourceFrame> framesFromFolder(const QDir &folder)
     const QStringList names =
         folder.entryList({SessionFiles::frameFilter()}, QDir::Files, QDir::Name);
     QVector<RoiSourceFrame> frames;
-    frames.reserve(names.size());
     for (const QString &name : names)
         frames.append({QDir::cleanPath(folder.absoluteFilePath(name)), {}, {}});
     return frames;
@@ -75,7 +73,7 @@ QVector<RoiSource> sourcesFromJson(const QJsonArray &elements, const QDir &sessi
     for (const QJsonValue &element : elements) {
         const QJsonObject object = element.toObject();
         RoiSource source;
-        source.sourceId = object.value(SessionKeys::sourceId).toInt(-1);
+        source.sourceId = object.value(SessionKeys::sourceId).toInt(source.sourceId);
         source.nickname = object.value(SessionKeys::nickname).toString();
         source.archiveName = object.value(SessionKeys::archiveName).toString();
         if (source.sourceId < 0 || source.archiveName.isEmpty())

@@ -54,7 +54,6 @@ RoiVideoDialog::RoiVideoDialog(const QString &initialSessionDirectory, QWidget *
     connectWidgets();
     connectFrames();
     connectRun();
-    showFrame();
     m_ui->browseButton->setFocus();
     const QDir initial(initialSessionDirectory);
     if (!initialSessionDirectory.isEmpty() && initial.exists(SessionFiles::descriptor()))
@@ -131,8 +130,7 @@ void RoiVideoDialog::browse()
 void RoiVideoDialog::showSource(int row)
 {
     showScaleWarning();
-    if (row >= 0 && row < m_session.sources.size())
-        m_ui->framePanel->showFrames(m_session.sources.at(row).frames, row);
+    m_ui->framePanel->showFrames(m_session.sources.at(row).frames, row);
 }
 
 void RoiVideoDialog::showFrame()
@@ -185,7 +183,8 @@ void RoiVideoDialog::showResult()
         tr("%1 frame(s), %2 s")
             .arg(QString::number(pictures),
                  QString::number(static_cast<double>(pictures) / plan.fps, 'f', 2));
-    const RoiLook look{plan.overlays, currentSource()->nickname, sourceMetadata()};
+    const RoiSource &source = m_session.sources.at(m_ui->sourceCombo->currentIndex());
+    const RoiLook look{plan.overlays, source.nickname, sourceMetadata()};
     m_ui->resultBox->showSubject(
         {panel.image(), panel.frame(), m_ui->roiBox->rois().at(row), look, caption});
 }
@@ -301,8 +300,7 @@ void RoiVideoDialog::sendRemarks()
 void RoiVideoDialog::showScaleLine()
 {
     const int widthPx = m_ui->framePanel->image().width();
-    const QJsonObject metadata = widthPx > 0 ? frameMetadata() : QJsonObject();
-    m_ui->outputBox->showScaleLine(ScaleLookup::lineText(widthPx, metadata));
+    m_ui->outputBox->showScaleLine(ScaleLookup::lineText(widthPx, frameMetadata()));
 }
 
 /// Of the frame that is shown, or of its datasource.
@@ -340,13 +338,6 @@ void RoiVideoDialog::showScaleWarning()
     }
     m_ui->outputBox->showScaleWarning(m_ui->outputBox->allSources() ? SameScale::warning(sources)
                                                                     : QString());
-}
-
-/// Null while no session is loaded.
-const RoiSource *RoiVideoDialog::currentSource() const
-{
-    const int row = m_ui->sourceCombo->currentIndex();
-    return row >= 0 && row < m_session.sources.size() ? &m_session.sources.at(row) : nullptr;
 }
 
 RoiVideoPlan RoiVideoDialog::planFromWidgets() const

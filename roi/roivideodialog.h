@@ -64,7 +64,6 @@ private:
     void fillWidgets();
     void sendRemarks();
     void showScaleLine();
-    const RoiSource *currentSource() const;
     QJsonObject frameMetadata() const;
     QJsonObject sourceMetadata() const;
     void learnScales();

@@ -125,7 +125,7 @@ bool RoiVideoGenerator::writeIntro(const RoiJob &job)
 {
     const int count = m_plan.introFrames();
     const RoiSourceFrame &first = job.frames().first();
-    if (count > 0 && !decodeForIntro(first))
+    if (m_plan.intro && !decodeForIntro(first))
         return false;
     for (int index = 0; index < count; ++index) {
         emit labelChanged(tr("%1 - %2\nzoom %3 / %4")
@@ -194,9 +194,8 @@ bool RoiVideoGenerator::writeFrame(Jobs &jobs, size_t current, int index)
 /// their turn comes.
 bool RoiVideoGenerator::writeAhead(Jobs &jobs, size_t current, const QImage &decoded, int index)
 {
-    if (current + 1 == jobs.size() || !canWriteAhead(jobs.at(current).framesFolder()))
-        return true;
-    for (size_t next = current + 1; next < jobs.size(); ++next) {
+    const QString folder = jobs.at(current).framesFolder();
+    for (size_t next = current + 1; next < jobs.size() && canWriteAhead(folder); ++next) {
         RoiJob &job = jobs.at(next);
         if (!handleEvents())
             return false;
@@ -250,7 +249,7 @@ bool RoiVideoGenerator::encode(const RoiJob &job)
 QString RoiVideoGenerator::completionDetails(const RoiJob &job) const
 {
     QString details;
-    if (m_plan.introFrames() > 0)
+    if (m_plan.intro)
         details += QStringLiteral("; intro zoom %1 s").arg(m_plan.introSeconds);
     if (RoiGeometry::reducedRotation(job.roi().rotation) != 0)
         details += QStringLiteral("; rotation %1 deg").arg(job.roi().rotation);

@@ -27,7 +27,7 @@ QString difference(const QJsonObject &one, const QJsonObject &other)
     if (km <= 0.0 || otherKm <= 0.0)
         return {};
     if (std::abs(otherKm - km) > tolerance * km)
-        return tr("%1 times as wide").arg(otherKm / km, 0, 'g', 3);
+        return tr("%1 times as wide").arg(QString::number(otherKm / km, 'g', 3));
     const auto centre = SolarPosition::diskOn({1, 1}, one).centre;
     const auto otherCentre = SolarPosition::diskOn({1, 1}, other).centre;
     if (!centre || !otherCentre)

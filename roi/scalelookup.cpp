@@ -32,22 +32,14 @@ QDateTime timeToAskFor(const RoiSource &source, const QDateTime &sessionStartUtc
     return found == source.frames.cend() ? sessionStartUtc : found->actualUtc;
 }
 
-/// What the service is asked for.
-struct Question
-{
-    int sourceId;
-    QDateTime utc;
-};
-
-/// Makes an answer to @p question, or an error, end @p wait, and stores which it was.
-void endWithAnswer(QEventLoop &wait, HelioviewerClient &client, const Question &question,
-                   QJsonObject &answer, QString &errorText)
+/// Makes an answer to the only request of @p client, or an error, end @p wait, and stores which it
+/// was.
+void endWithAnswer(QEventLoop &wait, HelioviewerClient &client, QJsonObject &answer,
+                   QString &errorText)
 {
     QObject::connect(&client, &HelioviewerClient::closestImageReceived, &wait,
-                     [&wait, &answer, question](int sourceId, const QDateTime &requestedUtc, qint64,
-                                                const QDateTime &, const QJsonObject &metadata) {
-                         if (sourceId != question.sourceId || requestedUtc != question.utc)
-                             return;
+                     [&wait, &answer](int, const QDateTime &, qint64, const QDateTime &,
+                                      const QJsonObject &metadata) {
                          answer = metadata;
                          wait.quit();
                      });
@@ -94,8 +86,8 @@ QJsonObject ScaleLookup::ensure(const RoiSource &source, const QDateTime &sessio
 
     emit statusChanged(tr("Looking up scale metadata for %1...").arg(source.nickname));
     QString errorText;
-    metadata = queryClosestImage(source.sourceId, timeToAskFor(source, sessionStartUtc),
-                                 lookupLimitMs, &errorText);
+    metadata =
+        queryClosestImage(source.sourceId, timeToAskFor(source, sessionStartUtc), &errorText);
     if (isUsable(metadata))
         m_answers.insert({source.sourceId, source.folder}, metadata);
     else
@@ -110,8 +102,7 @@ void ScaleLookup::abort()
         m_wait->exit(abortedCode);
 }
 
-QJsonObject ScaleLookup::queryClosestImage(int sourceId, const QDateTime &utc, int limitMs,
-                                           QString *errorText)
+QJsonObject ScaleLookup::queryClosestImage(int sourceId, const QDateTime &utc, QString *errorText)
 {
     if (sourceId < 0 || !utc.isValid()) {
         *errorText = QStringLiteral("No valid source/time is available for scale lookup.");
@@ -119,19 +110,17 @@ QJsonObject ScaleLookup::queryClosestImage(int sourceId, const QDateTime &utc, i
     }
     QJsonObject answer;
     QEventLoop wait;
-    HelioviewerClient client;
-    QTimer timer;
-    timer.setSingleShot(true);
+    HelioviewerClient client; // takes its request along when it goes
+    QTimer timer(this);
     connect(&client, &HelioviewerClient::logMessage, this, &ScaleLookup::logMessage);
-    endWithAnswer(wait, client, {sourceId, utc}, answer, *errorText);
+    endWithAnswer(wait, client, answer, *errorText);
     connect(&timer, &QTimer::timeout, &wait, [&] {
-        client.cancel();
         *errorText = QStringLiteral("Helioviewer metadata lookup timed out.");
         wait.quit();
     });
 
     m_wait = &wait;
-    timer.start(limitMs);
+    timer.start(lookupLimitMs);
     client.getClosestImage(sourceId, utc);
     // Without curl the error has been reported already, and nothing would end the wait.
     if (errorText->isEmpty() && wait.exec() == abortedCode)

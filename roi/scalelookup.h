@@ -52,8 +52,7 @@ signals:
     void statusChanged(const QString &text);
 
 private:
-    QJsonObject queryClosestImage(int sourceId, const QDateTime &utc, int limitMs,
-                                  QString *errorText);
+    QJsonObject queryClosestImage(int sourceId, const QDateTime &utc, QString *errorText);
 
     QHash<QPair<int, QString>, QJsonObject> m_answers; // usable; by sourceId and folder
     QEventLoop *m_wait = nullptr;                      // not owned; exists only during a lookup

@@ -10,12 +10,13 @@ namespace {
 
 constexpr int turnMs = 5;
 
-/// The pictures of a film lie flat in their folder.
+/// Removing a whole folder at once would take longer than a window may be without answer.
 void removeFilesOf(const QString &folder, const std::function<void()> &pause)
 {
     QElapsedTimer turn;
     turn.start();
-    QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::System);
+    QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::System,
+                       QDirIterator::Subdirectories);
     while (files.hasNext()) {
         QFile::remove(files.next());
         if (turn.elapsed() < turnMs)
@@ -39,10 +40,6 @@ bool TemporaryFrames::remove(const QString &path, const std::function<void()> &p
         return QFile::remove(path);
     if (!info.isDir())
         return !info.exists() || QFile::remove(path);
-    const QStringList folders =
-        QDir(path).entryList(QDir::Dirs | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot);
-    for (const QString &folder : folders)
-        removeFilesOf(QDir(path).filePath(folder), pause);
     removeFilesOf(path, pause);
     return QDir(path).removeRecursively();
 }

@@ -1,52 +1,16 @@
-#include "roi/roivideodialog.h"
-
 #include "base/terminationsignals.h"
-#include "tests/roi/testsession.h"
-#include "tests/support/testfolder.h"
+#include "tests/roi/roiwindow.h"
+#include "tests/support/literals.h"
 #include "ui/mainwindow.h"
-
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDir>
-#include <QDoubleSpinBox>
-#include <QFileDialog>
-#include <QGraphicsView>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QSlider>
-#include <QTimer>
-#include <QTreeWidget>
-#include <QtTest>
-#include <QWheelEvent>
 
 #include <csignal>
 
 /// What a person does: open, look, draw, adjust, save, reload, film.
-class TestRoiVideoDialog final : public QObject
+class TestRoiVideoDialog final : public RoiWindowTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        connect(&m_hand, &QTimer::timeout, this, &TestRoiVideoDialog::answerBox);
-    }
-    void init()
-    {
-        TestFolder::clearKeys();
-        m_stored = std::make_unique<TestSession>();
-        m_answer = QMessageBox::Ok;
-        m_choice.clear();
-        m_boxes.clear();
-        m_log.clear();
-        m_hand.start(5);
-        open();
-    }
-    void cleanup() { m_dialog.reset(); }
-
     void drawing()
     {
         click("newRoiButton");
@@ -59,14 +23,12 @@ private slots:
         QVERIFY((view()->mapToScene(mouse) - looked).manhattanLength() < 1); // it stays in sight
         view()->resetTransform(); // a screen pixel is a pixel of the frame
         drag(QPoint(-5, -5), QPoint(50, 50));
-        QCOMPARE(status(), QStringLiteral("Start the ROI selection inside the image."));
+        QCOMPARE(status(), "Start the ROI selection inside the image."_s);
         drag(QPoint(128, 96), QPoint(400, -50)); // upwards and over the edge
         QCOMPARE(geometry(), QRect(128, 0, 128, 96));
-        QCOMPARE(status(),
-                 QStringLiteral("Created ROI 1. Adjust X/Y/Width/Height or rotation if needed."));
+        QCOMPARE(status(), "Created ROI 1. Adjust X/Y/Width/Height or rotation if needed."_s);
         QCOMPARE(view()->dragMode(), QGraphicsView::ScrollHandDrag);
-        QTRY_COMPARE(find<QLabel>("resultCaption")->text(),
-                     QStringLiteral("128 x 96 px, 3 frame(s), 0.60 s"));
+        QTRY_COMPARE(find<QLabel>("resultCaption")->text(), "128 x 96 px, 3 frame(s), 0.60 s"_s);
         const QImage result = find<QWidget>("resultPicture")->grab().toImage(); // green, centred
         QCOMPARE(result.pixel({0, 0}), result.pixel(result.rect().bottomRight()));
         click("newRoiButton");
@@ -74,13 +36,12 @@ private slots:
         QVERIFY(m_dialog->isVisible() && status().isEmpty());
         click("newRoiButton");
         drag(QPoint(10, 10), QPoint(60, 11));
-        QCOMPARE(status(), QStringLiteral("ROI creation canceled: rectangle too small."));
+        QCOMPARE(status(), "ROI creation canceled: rectangle too small."_s);
         QCOMPARE(list()->count(), 1);
         QString intervals;
         for (const char *name : {"xSpin", "ySpin", "widthSpin", "heightSpin", "fpsSpin", "crfSpin"})
-            intervals +=
-                QStringLiteral("%1-%2 ").arg(spin(name)->minimum()).arg(spin(name)->maximum());
-        QCOMPARE(intervals, QStringLiteral("0-254 0-190 2-256 2-192 1-120 0-51 "));
+            intervals += "%1-%2 "_s.arg(spin(name)->minimum()).arg(spin(name)->maximum());
+        QCOMPARE(intervals, "0-254 0-190 2-256 2-192 1-120 0-51 "_s);
     }
 
     void regionsAreWorkedOnThePicture()
@@ -114,8 +75,7 @@ private slots:
         QTest::keyClick(list()->findChild<QLineEdit *>(), Qt::Key_Return);
         QTRY_COMPARE(list()->currentItem()->text(), QString(80, QLatin1Char('n')));
         find<QComboBox>("rotationCombo")->setCurrentIndex(1);
-        QTRY_COMPARE(find<QLabel>("resultCaption")->text(),
-                     QStringLiteral("72 x 128 px, 3 frame(s), 0.60 s"));
+        QTRY_COMPARE(find<QLabel>("resultCaption")->text(), "72 x 128 px, 3 frame(s), 0.60 s"_s);
         spin("xSpin")->setFocus();
         for (int step = 0; step < 3; ++step)
             QTest::keyClick(spin("xSpin"), Qt::Key_Up);
@@ -124,48 +84,44 @@ private slots:
         for (int step = 0; step < 3; ++step) // and the turn, and the name
             press(Qt::Key_Z);
         QCOMPARE(find<QComboBox>("rotationCombo")->currentIndex(), 0);
-        QCOMPARE(list()->currentItem()->text(), QStringLiteral("ROI 3 copy"));
+        QCOMPARE(list()->currentItem()->text(), "ROI 3 copy"_s);
         for (int step = 0; step < 3; ++step) // and the copy, the third region, the side
             press(Qt::Key_Z);
         QCOMPARE(list()->count(), 2);
         QCOMPARE(geometry(), QRect(114, 48, 142, 144));
+        QTest::keyClick(list(), Qt::Key_F2);
+        QTest::keyClicks(list()->findChild<QLineEdit *>(), "typed as the window goes"_s);
     }
 
     void editsAreNotLostUnsaved()
     {
         drawTwo();
         find<QLineEdit>("nameEdit")->clear();
-        QTest::keyClicks(find<QLineEdit>("nameEdit"), QStringLiteral("West <b>limb</b>"));
+        QTest::keyClicks(find<QLineEdit>("nameEdit"), "West <b>limb</b>"_s);
         find<QComboBox>("rotationCombo")->setCurrentIndex(2);
         list()->item(0)->setCheckState(Qt::Unchecked);
         click("saveRoisButton");
-        QCOMPARE(boxes(), QStringLiteral("ROI definitions saved to rois.json."));
+        QCOMPARE(boxes(), "ROI definitions saved to rois.json."_s);
         spin("xSpin")->selectAll();
-        QTest::keyClicks(spin("xSpin"), QStringLiteral("101")); // and no Return
+        QTest::keyClicks(spin("xSpin"), "101"_s); // and no Return
         m_answer = QMessageBox::Cancel;
         m_dialog->close(); // as by the window's own button
-        QVERIFY(m_dialog->isVisible() && boxes().contains(QLatin1String("unsaved changes")));
+        QVERIFY(m_dialog->isVisible() && boxes().contains("unsaved changes"_s));
         find<QComboBox>("sourceCombo")->setCurrentIndex(1); // half the size
         QTRY_COMPARE(geometry(), QRect(51, 0, 32, 24));
-
-        for (const QString &folder : {QString(), m_stored->filePath("HMI"), m_stored->path()}) {
-            m_choice = folder;
-            click("browseButton"); // which asks only in the third case
-            QVERIFY(boxes().contains(QLatin1String("unsaved")) == (folder == m_stored->path()));
-        }
         QFile::remove(m_stored->filePath("rois.json"));
-        QDir(m_stored->path()).mkdir(QStringLiteral("rois.json")); // in the way
+        QDir(m_stored->path()).mkdir("rois.json"_s); // in the way
         m_answer = QMessageBox::Save;
         click("closeButton");
-        QVERIFY(m_dialog->isVisible() && boxes().contains(QLatin1String("|Cannot ")));
-        QDir(m_stored->path()).rmdir(QStringLiteral("rois.json"));
+        QVERIFY(m_dialog->isVisible() && boxes().contains("|Cannot "_s));
+        QDir(m_stored->path()).rmdir("rois.json"_s);
         click("closeButton");
         QVERIFY(!m_dialog->isVisible());
 
         open();
         list()->setCurrentRow(1);
         QCOMPARE(list()->item(0)->checkState(), Qt::Unchecked);
-        QCOMPARE(list()->currentItem()->text(), QStringLiteral("West <b>limb</b>"));
+        QCOMPARE(list()->currentItem()->text(), "West <b>limb</b>"_s);
         QCOMPARE(geometry(), QRect(101, 0, 64, 48));
         QCOMPARE(find<QComboBox>("rotationCombo")->currentIndex(), 2);
         list()->setFocus();
@@ -180,7 +136,7 @@ private slots:
     {
         FakeProgram::Reply reply;
         reply.standardOutput = R"({"id":1,"date":"2024-05-01 12:00:00","rsun":1600,"width":4096})";
-        const QString curl = useStandIn(QStringLiteral("curl"), reply);
+        const QString curl = useStandIn("curl"_s, reply);
         m_stored->write("rois.json", R"({"rois":[{"width":1,"height":1,"enabled":false},
                                                  {"name":"all","width":1,"height":1}]})");
         QFile::remove(m_stored->filePath("manifest.csv")); // and with it the scale
@@ -194,29 +150,28 @@ private slots:
         expectCanceled();
         m_answer = QMessageBox::Ok;
         click("generateButton");
-        QCOMPARE(boxes(), QStringLiteral("Created 2 ROI video(s).\n\nOriginal PNG frames "
-                                         "were not modified."));
-        QCOMPARE(status(), QStringLiteral("Completed: 2 ROI video(s) created."));
-        QCOMPARE(filmShape(film()), QStringLiteral("256,192,7/1,3"));
-        QVERIFY(m_log.contains(QStringLiteral("ROI video completed: ") + film())); // not turned
-        QCOMPARE(filmShape(m_stored->filePath("HMI/HMI__ROI_02_all.mp4")),
-                 QStringLiteral("128,96,7/1,3"));
+        QCOMPARE(boxes(), "Created 2 ROI video(s).\n\nOriginal PNG frames "
+                          "were not modified."_s);
+        QCOMPARE(status(), "Completed: 2 ROI video(s) created."_s);
+        QCOMPARE(filmShape(film()), "256,192,7/1,3"_s);
+        QVERIFY(m_log.contains("ROI video completed: "_s + film())); // not turned
+        QCOMPARE(filmShape(m_stored->filePath("HMI/HMI__ROI_02_all.mp4")), "128,96,7/1,3"_s);
         QVERIFY(m_stored->read("AIA_171/AIA_171__ROI_02_all.mp4").contains("crf=9.0")); // by x264
-        QCOMPARE(drawnCorners(2), QStringLiteral("---x"));
+        QCOMPARE(drawnCorners(2), "---x"_s);
         QVERIFY(FakeProgram::runs(curl).isEmpty());
 
         toggle({"sourceOverlayCheck", "scaleOverlayCheck", "allSourcesCheck", "introCheck"});
         find<QDoubleSpinBox>("zoomDurationSpin")->setValue(0.5);
         const auto *scale = find<QLabel>("scaleLabel");
-        QVERIFY(scale->text().startsWith(QLatin1String("Scale: metadata not stored in this ")));
+        QVERIFY(scale->text().startsWith("Scale: metadata not stored in this "_s));
         for (int round = 0; round < 2; ++round)
             click("generateButton");
-        QCOMPARE(filmShape(film()), QStringLiteral("256,192,7/1,7"));
-        QCOMPARE(drawnCorners(6), QStringLiteral("-x--"));
-        QVERIFY(scale->text().startsWith(QLatin1String("Projected scale: 6957.0 km/pixel")));
+        QCOMPARE(filmShape(film()), "256,192,7/1,7"_s);
+        QCOMPARE(drawnCorners(6), "-x--"_s);
+        QVERIFY(scale->text().startsWith("Projected scale: 6957.0 km/pixel"_s));
         QCOMPARE(FakeProgram::runs(curl).size(), 1); // with the session's start
-        QVERIFY(FakeProgram::runs(curl).constFirst().arguments.last().contains(
-            QLatin1String("00:00Z")));
+        QCOMPARE(find<QTreeWidget>("filmTree")->topLevelItemCount(), 1);
+        QVERIFY(FakeProgram::runs(curl).constFirst().arguments.last().contains("00:00Z"_s));
         QCOMPARE(m_stored->contents(), before);
     }
 
@@ -233,10 +188,16 @@ private slots:
         toggle({"allSourcesCheck"});
         click("generateButton");
         const QString last = m_stored->filePath("HMI/HMI__ROI_02_ROI_2.mp4");
-        QCOMPARE(filmShape(last), QStringLiteral("32,24,5/1,1"));
-        const QTreeWidgetItem *film = find<QTreeWidget>("filmTree")->topLevelItem(3);
-        QCOMPARE(film->text(0) + film->text(3), QStringLiteral("HMI0.20"));
+        QCOMPARE(filmShape(last), "32,24,5/1,1"_s);
+        const auto *films = find<QTreeWidget>("filmTree");
+        const QTreeWidgetItem *film = films->topLevelItem(3);
+        QCOMPARE(film->text(0) + film->text(3), "HMI0.20"_s);
         QCOMPARE(film->data(0, Qt::UserRole).toString(), last);
+        QCOMPARE(films->currentItem(), films->topLevelItem(0));
+        const QHeaderView *columns = films->header(); // names take the rest
+        QVERIFY(columns->sectionResizeMode(1) == QHeaderView::Stretch &&
+                columns->sectionResizeMode(3) == QHeaderView::ResizeToContents &&
+                !columns->stretchLastSection() && film->textAlignment(3) & Qt::AlignRight);
     }
 
     void closeEndsAWaitForTheService()
@@ -246,7 +207,7 @@ private slots:
         drawTwo();
         FakeProgram::Reply hanging;
         hanging.hang = true;
-        useStandIn(QStringLiteral("curl"), hanging);
+        useStandIn("curl"_s, hanging);
         QTimer::singleShot(0, this, [this] {
             QVERIFY(!find<QPushButton>("generateButton")->isEnabled());
             click("closeButton");
@@ -254,6 +215,7 @@ private slots:
         click("generateButton");
         QVERIFY(m_dialog->isVisible() && find<QPushButton>("generateButton")->isEnabled());
         expectCanceled();
+        QCOMPARE(m_log.constLast(), "WARNING scale metadata AIA 171: The lookup was canceled."_s);
     }
 
     void terminationWhileFilmingAndWhileAsked()
@@ -264,10 +226,10 @@ private slots:
         const auto before = m_stored->contents();
         FakeProgram::Reply hanging;
         hanging.hang = true;
-        hanging.files.insert(QStringLiteral("$last"), "half a film");
-        const QString ffmpeg = useStandIn(QStringLiteral("ffmpeg"), hanging);
-        useStandIn(QStringLiteral("curl"), hanging);
-        TestFolder::setKey(QStringLiteral("paths/output"), m_stored->path());
+        hanging.files.insert("$last"_s, "half a film");
+        const QString ffmpeg = useStandIn("ffmpeg"_s, hanging);
+        useStandIn("curl"_s, hanging);
+        TestFolder::setKey("paths/output"_s, m_stored->path());
         TerminationSignals terminations;
         m_hand.stop();
         for (const int number : {SIGTERM, SIGHUP}) {
@@ -301,11 +263,15 @@ private slots:
         m_stored->write("manifest.csv",
                         m_stored->read("manifest.csv") + QByteArray(1100000, 'x') + "\nmore\n");
         m_stored->write("HMI/a.mp4.orvik-earlier", "a film");
+        m_stored->write("rois.json", "[]");
         open();
-        QCOMPARE(m_log, QStringList({QStringLiteral("WARNING line 8 of manifest.csv is longer than "
-                                                    "1 MB. Only the rows before it are read."),
-                                     QStringLiteral("ROI video restored after a run that was cut "
-                                                    "short: ") +
+        QCOMPARE(m_log, QStringList({"WARNING line 8 of manifest.csv is longer than "
+                                     "1 MB. Only the rows before it are read."_s,
+                                     "WARNING rois.json of this session is damaged: no region "
+                                     "was loaded. The file is kept as rois.json.bad when regions "
+                                     "are saved."_s,
+                                     "ROI video restored after a run that was cut "
+                                     "short: "_s +
                                          m_stored->filePath("HMI/a.mp4")}));
 
         for (const char *name : {"manifest.csv", "HMI/frame_1.png", "HMI/frame_2.png"})
@@ -313,46 +279,14 @@ private slots:
         open();
         find<QComboBox>("sourceCombo")->setCurrentIndex(1);
         QTest::keyClick(view(), Qt::Key_Right); // with nowhere to go
-        QTRY_COMPARE(find<QLabel>("frameCounterLabel")->text(), QStringLiteral("1 / 1"));
+        QTRY_COMPARE(find<QLabel>("frameCounterLabel")->text(), "1 / 1"_s);
     }
 
 private:
-    void open()
-    {
-        m_dialog = std::make_unique<RoiVideoDialog>(m_stored->path());
-        connect(m_dialog.get(), &RoiVideoDialog::logMessage, this,
-                [this](const QString &line) { m_log += line; });
-        m_dialog->show();
-        QVERIFY(QTest::qWaitForWindowActive(m_dialog.get()));
-        QTRY_VERIFY(!view()->transform().isIdentity());     // the frame is fitted
-        QVERIFY(view()->findChild<QLabel *>()->isHidden()); // what stands there without a frame
-    }
-
-    /// Presses a button of the box that is open, if any.
-    void answerBox()
-    {
-        QWidget *modal = QApplication::activeModalWidget();
-        if (auto *box = qobject_cast<QMessageBox *>(modal)) {
-            m_boxes.append(box->text());
-            QAbstractButton *button = box->button(m_answer);
-            QTest::mouseClick(button ? button : box->button(QMessageBox::Ok), Qt::LeftButton);
-        } else if (auto *chooser = qobject_cast<QFileDialog *>(modal)) {
-            chooser->findChild<QLineEdit *>()->setText(m_choice);
-            static_cast<QDialog *>(chooser)->done(m_choice.isEmpty() ? 0 : 1);
-        } else if (modal && m_answer == QMessageBox::Cancel) { // the progress dialog
-            modal->findChild<QPushButton *>()->click();
-            m_dialog->close(); // of no use: the run is still there
-            QVERIFY(m_dialog->isVisible() && !find<QPushButton>("generateButton")->isEnabled());
-        }
-    }
-
-    /// What the boxes have said since it was asked last.
-    QString boxes() { return std::exchange(m_boxes, QStringList()).join(QLatin1Char('|')); }
-
     void expectCanceled()
     {
-        QCOMPARE(status(), QStringLiteral("ROI video generation canceled. Original frames were not "
-                                          "modified."));
+        QCOMPARE(status(), "ROI video generation canceled. Original frames were not "
+                           "modified."_s);
         QCOMPARE(boxes(), status());
     }
 
@@ -369,64 +303,6 @@ private:
         }
         return drawn;
     }
-
-    template<typename Widget>
-    static Widget *part(const QObject &whole, const char *name)
-    {
-        return whole.findChild<Widget *>(QLatin1String(name));
-    }
-    template<typename Widget>
-    Widget *find(const char *name) const
-    {
-        return part<Widget>(*m_dialog, name);
-    }
-    QGraphicsView *view() const { return find<QGraphicsView>("frameView"); }
-    QSpinBox *spin(const char *name) const { return find<QSpinBox>(name); }
-    QListWidget *list() const { return find<QListWidget>("roiList"); }
-    QString status() const { return find<QLabel>("statusLabel")->text(); }
-    void toggle(const std::vector<const char *> &boxes) const
-    {
-        for (const char *box : boxes)
-            QTest::mouseClick(find<QCheckBox>(box), Qt::LeftButton, {}, {5, 5});
-    }
-    void click(const char *button) const
-    {
-        QTest::mouseClick(find<QPushButton>(button), Qt::LeftButton);
-    }
-    QRect geometry() const
-    {
-        return {spin("xSpin")->value(), spin("ySpin")->value(), spin("widthSpin")->value(),
-                spin("heightSpin")->value()};
-    }
-    /// Presses at one pixel of the frame, moves, strikes @p key, and releases at another.
-    void drag(const QPoint &from, const QPoint &to, Qt::Key key = Qt::Key_Shift) const
-    {
-        QWidget *viewport = view()->viewport();
-        const QPoint end = view()->mapFromScene(to);
-        QTest::mousePress(viewport, Qt::LeftButton, {}, view()->mapFromScene(from));
-        QMouseEvent move(QEvent::MouseMove, end, viewport->mapToGlobal(end), Qt::NoButton,
-                         Qt::LeftButton, {});
-        QApplication::sendEvent(viewport, &move); // QTest moves without a button held
-        QTest::keyClick(view(), key);
-        QTest::mouseRelease(viewport, Qt::LeftButton, {}, end);
-    }
-    void drawTwo() const
-    {
-        view()->resetTransform();
-        click("newRoiButton");
-        drag(QPoint(64, 48), QPoint(192, 144));
-        click("newRoiButton");
-        drag(QPoint(192, 0), QPoint(256, 48));
-        QCOMPARE(list()->count(), 2);
-    }
-
-    std::unique_ptr<TestSession> m_stored;
-    std::unique_ptr<RoiVideoDialog> m_dialog;
-    QTimer m_hand;       // presses the buttons of boxes as they come up
-    QStringList m_boxes; // what they said
-    QStringList m_log;
-    QString m_choice; // the folder that is browsed for; none when it is empty
-    QMessageBox::StandardButton m_answer = QMessageBox::Ok; // where there is a choice
 };
 
 QTEST_MAIN(TestRoiVideoDialog)

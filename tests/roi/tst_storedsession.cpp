@@ -1,6 +1,11 @@
+#include "roi/frameinterval.h"
 #include "roi/roisession.h"
 #include "roi/roiset.h"
+#include "roi/samescale.h"
+#include "roi/solarposition.h"
 #include "tests/roi/testsession.h"
+#include "tests/support/literals.h"
+#include "tests/support/testfolder.h"
 
 #include <QDir>
 #include <QtTest>
@@ -35,12 +40,12 @@ private slots:
         QCOMPARE(session->sources.size(), 2);
         const RoiSource &source = session->sources.first();
         QCOMPARE(source.sourceId, 10);
-        QCOMPARE(source.nickname, QStringLiteral("AIA 171"));
+        QCOMPARE(source.nickname, "AIA 171"_s);
         QCOMPARE(source.frames.size(), 2); // in the manifest's order, as far as they are there
         const RoiSourceFrame &frame = source.frames.first();
         QCOMPARE(frame.file, stored.filePath("AIA_171/frame_2.png"));
         QCOMPARE(frame.actualUtc, QDateTime({2024, 5, 1}, {12, 2}, Qt::UTC));
-        QCOMPARE(frame.metadata.value(QStringLiteral("rsun")).toDouble(), 1600.0);
+        QCOMPARE(frame.metadata.value("rsun"_s).toDouble(), 1600.0);
     }
 
     void withoutRowsTheFolderIsScanned()
@@ -55,8 +60,10 @@ private slots:
         QCOMPARE(session->sources.size(), 2); // one without frames is listed all the same
         const QVector<RoiSourceFrame> frames = session->sources.first().frames;
         QCOMPARE(frames.size(), 4);
-        QVERIFY(frames.at(2).file.endsWith(QStringLiteral("frame_10.png"))); // by name
+        QVERIFY(frames.at(2).file.endsWith("frame_10.png"_s)); // by name
         QVERIFY(!frames.first().actualUtc.isValid());
+        QDir(stored.filePath("AIA_171")).removeRecursively();
+        QCOMPARE(RoiSession::load(stored.path())->firstWithFrames(), 0); // none has any
     }
 
     void damagedDescriptors()
@@ -70,11 +77,10 @@ private slots:
         };
         const QByteArray whole = stored.read("session.json").trimmed();
         for (int length = 0; length < whole.size(); ++length)
-            QVERIFY(
-                failure(whole.left(length)).startsWith(QLatin1String("Invalid session.json: ")));
+            QVERIFY(failure(whole.left(length)).startsWith("Invalid session.json: "_s));
         QCOMPARE(failure(R"({"sources":[1,"x",null,{},{"sourceId":1,"archiveName":""},
                                         {"sourceId":-1,"archiveName":"a"}]})"),
-                 QStringLiteral("No datasource folders were found in this session."));
+                 "No datasource folders were found in this session."_s);
     }
 
     void pipesAreNotWaitedFor()
@@ -87,8 +93,8 @@ private slots:
             QVERIFY(RoiSet::load(stored.path()).isEmpty());
             QCOMPARE(RoiSession::load(stored.path(), &errorText).has_value(), name[0] != 's');
         }
-        QCOMPARE(errorText, QStringLiteral("The selected directory does not contain a readable "
-                                           "session.json."));
+        QCOMPARE(errorText, "The selected directory does not contain a readable "
+                            "session.json."_s);
     }
 
     void onlyFoldersBelowTheSessionAreWrittenTo()
@@ -115,8 +121,8 @@ private slots:
     void regionsAreSavedAndLoaded()
     {
         const TestSession session;
-        const QVector<Roi> rois = {{QStringLiteral("Flare"), QRectF(0.1, 0.2, 0.3, 0.4), true, -90},
-                                   {QStringLiteral("a/b\n<i>%1"), QRectF(0, 0, 1, 1), false, 45}};
+        const QVector<Roi> rois = {{"Flare"_s, QRectF(0.1, 0.2, 0.3, 0.4), true, -90},
+                                   {"a/b\n<i>%1"_s, QRectF(0, 0, 1, 1), false, 45}};
         QVERIFY(RoiSet::save(rois, session.path()));
         QCOMPARE(RoiSet::load(session.path()), rois);
         const QByteArray text = session.read("rois.json");
@@ -137,7 +143,7 @@ private slots:
         const QVector<Roi> rois = RoiSet::load(session.path());
         QCOMPARE(rois.size(), 2);
         QCOMPARE(rois.at(0).rect, QRectF(0.3, 0, 0.2, 0.1)); // drawn to the left
-        QCOMPARE(rois.at(1).name, QStringLiteral("ROI 2"));  // counts what was kept
+        QCOMPARE(rois.at(1).name, "ROI 2"_s);                // counts what was kept
         QVERIFY(rois.at(1).enabled && rois.at(1).rotation == 0);
     }
 
@@ -148,7 +154,7 @@ private slots:
         session.write("rois.json", "[]");
         QString remark;
         QVERIFY(RoiSet::load(session.path(), &remark).isEmpty());
-        QVERIFY(remark.startsWith(QLatin1String("WARNING rois.json of this session is damaged")));
+        QVERIFY(remark.startsWith("WARNING rois.json of this session is damaged"_s));
         QVERIFY(RoiSet::save({}, session.path()));
         QCOMPARE(session.read("rois.json.bad") + session.read("rois.json.bad2"),
                  QByteArray("an older one[]"));
@@ -156,6 +162,57 @@ private slots:
         QVERIFY(RoiSet::save({}, session.path())); // there is nothing more to keep
         QVERIFY(!QFile::exists(session.filePath("rois.json.bad3")));
         QVERIFY(RoiSet::load(session.path(), &remark).isEmpty() && remark.isEmpty());
+        session.write("rois.json", "[]");
+        TestFolder::leaveRoom(0);
+        QVERIFY(!RoiSet::save({}, session.path(), &remark));
+        TestFolder::leaveRoom();
+        QCOMPARE(remark + QString::fromLatin1(session.read("rois.json")),
+                 "Cannot commit rois.json.[]"_s);
+        QVERIFY(!RoiSet::save({}, session.filePath("missing"), &remark));
+        QCOMPARE(remark, "Cannot create rois.json in the session directory."_s);
+        const Roi roi{"a"_s, {0, 0, 1, 1}, true, 90};
+        for (const Roi &other : {Roi{"b"_s, roi.rect, true, 90}, Roi{"a"_s, {0, 0, 1, 2}, true, 90},
+                                 Roi{"a"_s, roi.rect, false, 90}, Roi{"a"_s, roi.rect, true, 0}})
+            QVERIFY(roi == roi && !(roi == other));
+    }
+
+    void partsWithoutTimes()
+    {
+        using namespace FrameIntervals;
+        const QVector<RoiSourceFrame> frames(4);
+        QCOMPARE(kept(endingAt({}, frames, 7, 2), frames, 7), QVector<int>({0, 1, 2}));
+        const FrameInterval from = beginningAt({}, frames, 7, 1);
+        QCOMPARE(kept(from, frames, 7), QVector<int>({1, 2, 3}));
+        for (const int end : {1, 0}) { // where it begins, and before that
+            const FrameInterval part = endingAt(from, frames, 7, end);
+            QCOMPARE(kept(part, frames, 7), QVector<int>({end}));
+            QCOMPARE(kept(beginningAt(part, frames, 7, end), frames, 7), QVector<int>({end}));
+        }
+        QCOMPARE(explanation(from, 7),
+                 "Films are made of this part of the datasource. Its frames have no times, so that "
+                 "other datasources are not cut with it."_s);
+    }
+
+    void scalesThatAreNotKnown()
+    {
+        QJsonObject sun{{"rsun"_s, 80}, {"width"_s, 1024}, {"height"_s, 1024}};
+        const QJsonObject plain = sun;
+        sun.insert("refPixelX"_s, 512);
+        sun.insert("refPixelY"_s, 506);
+        QCOMPARE(SameScale::warning({{"a"_s, sun}, {"b"_s, plain}}), QString());
+        QCOMPARE(SameScale::warning({{"a"_s, {}}, {"b"_s, sun}}), QString());
+        const auto texts = [](int side, const QJsonObject &known) {
+            const QSize frame(side, side);
+            return SolarPosition::pixelText({511.499999, 518.500001}, frame, known) +
+                   SolarPosition::sizeText({8, 8}, frame, known);
+        };
+        QVERIFY(texts(1024, sun).startsWith("Cursor: x +0.000, y +0.000, r 0.000"_s));
+        QCOMPARE(texts(0, sun), QString());
+        for (const char *key : {"width", "rsun"}) {
+            QJsonObject poor = sun;
+            poor.remove(QLatin1String(key));
+            QCOMPARE(texts(1024, poor), QString());
+        }
     }
 
     void linkOutOfTheSessionIsReplaced()
@@ -164,10 +221,11 @@ private slots:
         const TestSession outside;
         const auto before = outside.contents();
         QFile::link(outside.filePath("session.json"), session.filePath("rois.json"));
-        QDir(session.path()).mkdir(QStringLiteral("rois.json.new")); // in the way
+        QDir(session.path()).mkdir("rois.json.new"_s); // in the way
         QVERIFY(!RoiSet::save({}, session.path()));
         QVERIFY(QFileInfo(session.filePath("rois.json")).isSymLink()); // the link is not lost
-        QDir(session.path()).rmdir(QStringLiteral("rois.json.new"));
+        QDir(session.path()).rmdir("rois.json.new"_s);
+        QFile::link(outside.filePath("session.json"), session.filePath("rois.json.new"));
         QVERIFY(RoiSet::save({}, session.path()));
         QCOMPARE(outside.contents(), before);
         QVERIFY(!QFileInfo(session.filePath("rois.json")).isSymLink());
