@@ -300,7 +300,7 @@ private slots:
         leaf->treeWidget()->clear();
         part<QPushButton>(window, "aiaButton")->click();
         QCOMPARE(told + window.statusBar()->currentMessage(),
-                 "Ready01 SDO/AIA bands ticked.2The catalog holds no SDO/AIA band. Refresh it."_s);
+                 "Ready01 SDO/AIA bands ticked.2The catalog has no SDO/AIA band. Refresh it."_s);
         emit controller->progressChanged(0, 0);
         emit controller->previewReady("x"_s, "/none.png"_s, start, start, 0);
         QCOMPARE(part<QProgressBar>(window, "progress")->maximum(), 1);
