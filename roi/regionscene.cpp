@@ -11,6 +11,7 @@
 
 namespace {
 
+constexpr double outlineZ = 10.0;
 constexpr double widestNamePx = 220.0;
 constexpr double namePaddingPx = 4.0;
 constexpr QColor nameBackground(0, 0, 0, 165); // that of the annotations on the frames
@@ -107,8 +108,10 @@ void RegionScene::fitOutlines()
 {
     while (m_outlines.size() > m_regions.size())
         delete m_outlines.takeLast();
-    while (m_outlines.size() < m_regions.size())
+    while (m_outlines.size() < m_regions.size()) {
         m_outlines.append(new QGraphicsRectItem(m_frame));
+        m_outlines.last()->setZValue(outlineZ);
+    }
     const QPen pens[] = {regionPen(m_framePixmap.width(), false),
                          regionPen(m_framePixmap.width(), true)};
     for (int row = 0; row < m_regions.size(); ++row) { // those that stay as they are cost nothing

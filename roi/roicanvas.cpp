@@ -17,6 +17,7 @@ namespace {
 
 constexpr double zoomStep = 1.15;
 constexpr double smallestDragPx = 2.0;
+constexpr double rubberBandZ = 1000.0;
 
 Qt::CursorShape cursorFor(const RegionShape::Sides &sides)
 {
@@ -176,6 +177,8 @@ void RoiCanvas::beginRectangle(const QPointF &position)
     m_dragStart = position;
     m_rubberBand = new QGraphicsRectItem(QRectF(position, QSizeF()), m_scene.frame());
     m_rubberBand->setPen(QPen(Qt::yellow, 0.0, Qt::DashLine)); // one screen pixel at any zoom
+    m_rubberBand->setZValue(rubberBandZ);
+    m_rubberBand->setAcceptedMouseButtons(Qt::NoButton);
 }
 
 void RoiCanvas::endRectangle(const QPointF &position)

@@ -110,11 +110,13 @@ QJsonObject ScaleLookup::queryClosestImage(int sourceId, const QDateTime &utc, Q
     }
     QJsonObject answer;
     QEventLoop wait;
-    HelioviewerClient client; // takes its request along when it goes
+    HelioviewerClient client;
     QTimer timer(this);
+    timer.setSingleShot(true);
     connect(&client, &HelioviewerClient::logMessage, this, &ScaleLookup::logMessage);
     endWithAnswer(wait, client, answer, *errorText);
     connect(&timer, &QTimer::timeout, &wait, [&] {
+        client.cancel();
         *errorText = QStringLiteral("Helioviewer metadata lookup timed out.");
         wait.quit();
     });

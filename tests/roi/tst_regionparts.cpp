@@ -180,6 +180,10 @@ private slots:
         send(view, QEvent::MouseButtonPress, {20, 30}, Qt::LeftButton);
         send(view, QEvent::MouseMove, {120, 90}, Qt::LeftButton);
         QCOMPARE(where(Qt::yellow, port).boundingRect(), QRect(20, 30, 101, 61));
+        QString stack; // from the bottom
+        for (const QGraphicsItem *item : view.items())
+            stack += "%1/%2 "_s.arg(item->zValue()).arg(item->acceptedMouseButtons());
+        QVERIFY2(stack.endsWith("10/31 1000/0 "_s), qPrintable(stack));
         canvas.showMessage("<i></i>"_s); // as it stands, in the middle
         QVERIFY(qAbs(where(Qt::black, port).boundingRect().center().x() - 220) < 9);
         QVERIFY(!canvas.isDrawing() && view.items().isEmpty());
@@ -195,10 +199,12 @@ private slots:
         auto *picture = part<QWidget>(view, "resultPicture");
         auto *caption = part<QLabel>(view, "resultCaption");
         ResultView::Subject subject;
+        const auto centre = [](QWidget &shown) {
+            return QColor(shown.grab().toImage().pixel(shown.rect().center())).name();
+        };
         const auto look = [&] { // at once, without what follows when nothing has changed
             QCoreApplication::processEvents();
-            const QRgb centre = picture->grab().toImage().pixel(picture->rect().center());
-            return QColor(centre).name() + caption->text();
+            return centre(*picture) + caption->text();
         };
         const auto show = [&](const QImage &decoded, double share) {
             subject.decoded = decoded;
@@ -216,11 +222,13 @@ private slots:
         QCOMPARE(where(Qt::green, picture).boundingRect().center(), picture->rect().center());
         show(large, 1);
         view.showMessage("none"_s); // what should follow is not shown any more
-        QTest::qWait(200);
+        ResultView later;           // whose timer runs out after that of the first would
+        later.showSubject(subject);
+        QTRY_COMPARE(centre(*part<QWidget>(later, "resultPicture")), "#7f007f"_s);
+        QVERIFY(!where(Qt::black, picture).isEmpty());
         view.showSubject(subject);
         view.showMessage("none"_s);
         QCOMPARE(look(), QColor(view.palette().color(QPalette::Base)).name());
-        QVERIFY(!where(Qt::black, picture).isEmpty());
         QVERIFY(caption->wordWrap() && caption->textFormat() == Qt::PlainText);
     }
 
