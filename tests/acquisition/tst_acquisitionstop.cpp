@@ -73,6 +73,9 @@ private slots:
             QTRY_VERIFY(fixture.events.last() == waiting &&
                         !AcquisitionFixture::children().isEmpty());
             QCOMPARE(fixture.count("curl: getJPX"), settings.sources.size() - 1);
+            QString error;
+            QVERIFY(!fixture.controller->start(settings, &error));
+            QCOMPARE(error, "An acquisition is already running."_s);
             const int before = fixture.logLines().size();
             if (destroys)
                 fixture.controller.reset();
