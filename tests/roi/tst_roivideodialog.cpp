@@ -169,6 +169,7 @@ private slots:
         QCOMPARE(filmShape(film()), "256,192,7/1,7"_s);
         QCOMPARE(drawnCorners(6), "-x--"_s);
         QVERIFY(scale->text().startsWith("Projected scale: 6957.0 km/pixel"_s));
+        QVERIFY(find<QLabel>("regionLabel")->text().endsWith(" Mm wide"_s)); // as it is known now
         QCOMPARE(FakeProgram::runs(curl).size(), 1); // with the session's start
         QCOMPARE(find<QTreeWidget>("filmTree")->topLevelItemCount(), 1);
         QVERIFY(FakeProgram::runs(curl).constFirst().arguments.last().contains("00:00Z"_s));
