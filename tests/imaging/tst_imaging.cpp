@@ -261,7 +261,7 @@ private slots:
         original.fill(Qt::white);
         for (int i = 0; i < 505; ++i) {
             original.setPixel(i, 504, qRgb(i / 2, 0, 0));
-            original.setPixel(508, i, qRgb(0, i / 2, 0));
+            original.setPixel(508, i, qRgb(0, 255 - i / 2, 0));
         }
         const QJsonObject metadata{{"rsun"_s, 200}, {"width"_s, 509}};
         const QString label = "AIA 171"_s;
