@@ -316,6 +316,7 @@ private slots:
         source.frames = {{{}, {}, {{"width"_s, 4096}}}, {{}, {}, usable}};
         ScaleLookup lookup;
         QSignalSpy log(&lookup, &ScaleLookup::logMessage);
+        QSignalSpy status(&lookup, &ScaleLookup::statusChanged);
         QCOMPARE(lookup.ensure(source, {}), usable); // and the service is not asked
         source.frames.clear();
         const auto ask = [&](int sourceId, int month, const FakeProgram::Reply &reply) {
@@ -327,6 +328,7 @@ private slots:
         const QString nothing = "No valid source/time is available for scale lookup."_s;
         QCOMPARE(ask(-1, 5, {}), nothing);
         QCOMPARE(ask(0, 13, {}), nothing);
+        QCOMPARE(status.value(1).value(0), "Looking up scale metadata for ..."_s);
         QCOMPARE(ask(0, 5, {7, {}, "no route", {}, false, false}), "getClosestImage: no route"_s);
         QCOMPARE(ask(0, 5, {0, R"({"id":1,"date":"2024-05-01 12:00:00"})", {}, {}, false, false}),
                  "Helioviewer did not return usable rsun/width metadata."_s);
@@ -351,7 +353,7 @@ private slots:
         const auto *label = box.findChild<QLabel *>();
         QCOMPARE("%1|%2|%3|%4|%5"_s.arg(box.windowTitle(), label->text())
                      .arg(label->textFormat())
-                     .arg(label->wordWrap())
+                     .arg(label->wordWrap() && label->alignment() == Qt::AlignCenter)
                      .arg(box.minimumDuration()),
                  "Orvik - ROI video|<b>|0|1|0"_s);
         QVERIFY(box.isVisible() && box.isModal() && box.value() == 3 && box.minimum() == 0);

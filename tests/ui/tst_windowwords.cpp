@@ -125,6 +125,11 @@ private slots:
         QTest::keyClick(m_edit, Qt::Key_Backspace);
         QCOMPARE(line->text(), "2023-1-31 12:34:56"_s);
         QVERIFY(!line->hasSelectedText() && line->cursorPosition() == 6);
+        m_edit->setCalendarPopup(true);
+        QTest::mousePress(m_edit, Qt::LeftButton, {}, {m_edit->width() - 5, 9}); // on its arrow
+        QTRY_VERIFY(m_edit->calendarWidget()->isVisible());
+        QCOMPARE(m_edit->calendarWidget()->firstDayOfWeek(), QLocale::system().firstDayOfWeek());
+        m_edit->calendarWidget()->window()->close();
     }
 
     /// What is typed is over, and counts, when something else is done; and what then comes in.
