@@ -197,6 +197,7 @@ private slots:
     {
         ResultView view;
         auto *picture = part<QWidget>(view, "resultPicture");
+        QCOMPARE(picture->accessibleName(), "Result"_s);
         auto *caption = part<QLabel>(view, "resultCaption");
         ResultView::Subject subject;
         const auto centre = [](QWidget &shown) {
