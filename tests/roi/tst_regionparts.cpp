@@ -181,7 +181,8 @@ private slots:
         send(view, QEvent::MouseMove, {120, 90}, Qt::LeftButton);
         QCOMPARE(where(Qt::yellow, port).boundingRect(), QRect(20, 30, 101, 61));
         QString stack; // from the bottom
-        for (const QGraphicsItem *item : view.items())
+        const QList<QGraphicsItem *> items = view.items();
+        for (const QGraphicsItem *item : items)
             stack += "%1/%2 "_s.arg(item->zValue()).arg(item->acceptedMouseButtons());
         QVERIFY2(stack.endsWith("10/31 1000/0 "_s), qPrintable(stack));
         canvas.showMessage("<i></i>"_s); // as it stands, in the middle

@@ -327,7 +327,7 @@ private slots:
             CaptionLabel caption("one   |   two\nfive"_s);
             QLabel label(caption.text());
             for (QLabel *each : {static_cast<QLabel *>(&caption), &label}) {
-                each->setFrameStyle(frame ? QFrame::Box | QFrame::Plain : QFrame::NoFrame);
+                each->setFrameShape(frame ? QFrame::Box : QFrame::NoFrame);
                 each->setMargin(margin);
                 each->resize(400, 70);
             }
