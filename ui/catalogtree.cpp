@@ -37,10 +37,10 @@ public:
     bool editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,
                      const QModelIndex &index) override
     {
-        const bool changed = QStyledItemDelegate::editorEvent(event, model, option, index);
-        if (changed && event->type() == QEvent::MouseButtonRelease)
+        const bool isHandled = QStyledItemDelegate::editorEvent(event, model, option, index);
+        if (isHandled)
             m_tree->setCurrentIndex(index); // the view itself does so only beside the box
-        return changed;
+        return isHandled;
     }
 
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
