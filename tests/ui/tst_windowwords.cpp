@@ -125,6 +125,10 @@ private slots:
         QTest::keyClick(m_edit, Qt::Key_Backspace);
         QCOMPARE(line->text(), "2023-1-31 12:34:56"_s);
         QVERIFY(!line->hasSelectedText() && line->cursorPosition() == 6);
+        enter(1);
+        line->setCursorPosition(1);
+        QTest::keyClick(m_edit, Qt::Key_Backspace);
+        QCOMPARE(line->text(), "-01-31 12:34:56"_s); // the year begins anew
         m_edit->setCalendarPopup(true);
         QTest::mousePress(m_edit, Qt::LeftButton, {}, {m_edit->width() - 5, 9}); // on its arrow
         QTRY_VERIFY(m_edit->calendarWidget()->isVisible());
