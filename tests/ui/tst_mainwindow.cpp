@@ -125,6 +125,12 @@ private slots:
         auto *dock = part<QDockWidget>(window, "dockWidget");
         dock->setStyleSheet("font-size: 16pt"_s);
         QTRY_VERIFY(dock->height() > dock->minimumSizeHint().height()); // not over its neighbours
+        const int higher = dock->height() + 40;
+        window.resizeDocks({dock}, {higher}, Qt::Vertical);
+        QTRY_COMPARE(dock->height(), higher);
+        for (int turn = 0; turn < 3; ++turn)
+            QCoreApplication::processEvents();
+        QCOMPARE(dock->height(), higher); // as the user wants it
         const BoxCloser boxes;
         QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
         QCOMPARE(userSettings().value(cadence).toInt(), 7);
