@@ -413,6 +413,7 @@ void AcquisitionController::writeFrame()
 bool AcquisitionController::replaceVideoFrame(const QString &reason, bool *hasVideoFrame)
 {
     const FrameLookup &frame = *m_lookup;
+    QFile::remove(frame.videoFrameFile);
     *hasVideoFrame = QFile::copy(frame.frameFile, frame.videoFrameFile);
     return report(*hasVideoFrame ? AcquisitionLog::annotationFailed(frame.request, reason)
                                  : AcquisitionLog::videoFrameFailed(frame.request, reason));

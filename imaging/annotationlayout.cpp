@@ -69,7 +69,7 @@ QRect AnnotationLayout::insideBox(const QRect &box, const Measures &measures)
 AnnotationLayout::ScaleBar AnnotationLayout::scaleBarFor(int frameWidth, double kmPerPixel)
 {
     const double lengthKm = MetricScale::roundLengthKm(frameWidth * kmPerPixel * barShare);
-    if (!(lengthKm > 0.0)) // as for a scale that is none
+    if (!(lengthKm > 0.0)) // also when the scale is not a positive number
         return {};
     const auto lengthPx = static_cast<int>(std::lround(lengthKm / kmPerPixel));
     if (lengthPx < shortestBarPx)

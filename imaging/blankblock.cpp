@@ -80,7 +80,7 @@ std::optional<Disk> diskOn(QSize size, const QJsonObject &metadata)
     const double nativeWidth = metadataNumber(metadata, QStringLiteral("width"));
     const double nativeHeight = metadataNumber(metadata, QStringLiteral("height"));
     const double nativeRadius = metadataNumber(metadata, QStringLiteral("rsun"));
-    if (!(nativeWidth > 0.0 && nativeHeight > 0.0 && nativeRadius > 0.0)) // or not a number
+    if (!(nativeWidth > 0.0 && nativeHeight > 0.0 && nativeRadius > 0.0))
         return std::nullopt;
 
     const double scaleX = size.width() / nativeWidth;
@@ -118,7 +118,7 @@ bool isBlank(QRgb pixel)
     return (pixel & 0xfe000000U) == 0 || (pixel & 0x00fefefeU) == 0;
 }
 
-/// True when all samples of @p cell, which is not empty, but a few in a thousand are blank.
+/// True when all but a few in a thousand samples of @p cell, which is not empty, are blank.
 bool isBlankCell(const QImage &image, const QRect &cell)
 {
     const QRgb opaque = image.hasAlphaChannel() ? 0U : 0xff000000U; // RGB32 stores anything there

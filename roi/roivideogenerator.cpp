@@ -194,8 +194,9 @@ bool RoiVideoGenerator::writeFrame(Jobs &jobs, size_t current, int index)
 /// their turn comes.
 bool RoiVideoGenerator::writeAhead(Jobs &jobs, size_t current, const QImage &decoded, int index)
 {
-    const QString folder = jobs.at(current).framesFolder();
-    for (size_t next = current + 1; next < jobs.size() && canWriteAhead(folder); ++next) {
+    if (current + 1 == jobs.size() || !canWriteAhead(jobs.at(current).framesFolder()))
+        return true;
+    for (size_t next = current + 1; next < jobs.size(); ++next) {
         RoiJob &job = jobs.at(next);
         if (!handleEvents())
             return false;
